@@ -1,0 +1,14 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+/// What the subcommands of vespractl share. Each adds itself to the application's command line and, when chosen,
+/// stores its exit status.
+namespace vespra::control {
+
+/// 0 done, 1 refused or failed, 2 bad input, 4 the application is not running.
+enum ExitStatus { done = 0, failed = 1, badInput = 2, notRunning = 4 };
+
+void addSimulateCommand(CLI::App& vespractl, int& exitStatus);
+
+} // namespace vespra::control

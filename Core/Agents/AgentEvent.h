@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Core/Agents/AgentKind.h"
+#include "Core/Coding/JSONSource.h"
+#include "Core/Scheduling/Instant.h"
+
+#include <optional>
+#include <string>
+
+namespace vespra {
+
+enum class AgentSignal { sessionStarted, working, waitingForApproval, finished, sessionEnded };
+
+template <>
+inline constexpr auto rawValues<AgentSignal> = RawValueTable<AgentSignal, 5>{{
+    {AgentSignal::sessionStarted, "sessionStarted"},
+    {AgentSignal::working, "working"},
+    {AgentSignal::waitingForApproval, "waitingForApproval"},
+    {AgentSignal::finished, "finished"},
+    {AgentSignal::sessionEnded, "sessionEnded"},
+}};
+
+/// One report of an agent about itself.
+struct AgentEvent {
+    AgentKind agent = AgentKind::claudeCode;
+    /// The agent's own identifier; never empty.
+    std::string sessionID;
+    /// The agent's working directory; absent when it gave none.
+    std::optional<std::string> cwd;
+    AgentSignal signal = AgentSignal::sessionStarted;
+    Instant date;
+
+    bool operator==(const AgentEvent&) const = default;
+};
+
+/// What `hookInput`, the JSON that an agent gives its hook command, reports. Absent for what is not a JSON object with
+/// an event name and a session identifier, and for events that say nothing about the agent's activity.
+std::optional<AgentEvent> agentEvent(std::string_view hookInput, AgentKind agent, Instant date);
+
+/// One line without line feed; the date as seconds since 2001.
+std::string encoded(const AgentEvent& event);
+std::expected<AgentEvent, DecodingError> decodedAgentEvent(std::string_view line);
+
+} // namespace vespra

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Core/Agents/AgentEvent.h"
+#include "Core/Agents/AgentPolicy.h"
+#include "Core/Observation/Observed.h"
+
+#include <functional>
+#include <vector>
+
+namespace vespra {
+
+enum class AgentActivity { idle, working, waitingForApproval };
+
+template <>
+inline constexpr auto rawValues<AgentActivity> = RawValueTable<AgentActivity, 3>{{
+    {AgentActivity::idle, "idle"},
+    {AgentActivity::working, "working"},
+    {AgentActivity::waitingForApproval, "waitingForApproval"},
+}};
+
+/// A session of an agent, as its last events describe it.
+struct AgentSession {
+    std::string id; // "claude:" or "codex:" and the agent's own identifier
+    AgentKind agent = AgentKind::claudeCode;
+    std::optional<std::string> cwd; // the last working directory reported
+    AgentActivity activity = AgentActivity::idle;
+    Instant lastEventAt;
+
+    /// The last component of `cwd`; absent without one.
+    std::optional<std::string> folderName() const;
+
+    bool operator==(const AgentSession&) const = default;
+};
+
+/// Folds the agents' reports into the list of their live sessions. Main thread only.
+class AgentTracker {
+public:
+    /// A session that was silent for longer than this is forgotten.
+    static constexpr Seconds staleAfter = 12h;
+
+    /// Oldest first.
+    const std::vector<AgentSession>& sessions() const { return sessions_.get(); }
+    /// The last session that finished, or ended while it was busy.
+    const std::optional<AgentSession>& lastFinished() const { return lastFinished_.get(); }
+
+    void record(const AgentEvent& event);
+    /// Drops the sessions that are silent for too long.
+    void pruneStale(Instant now);
+    /// Whether some session keeps the agents busy.
+    bool hasBusySession(const AgentPolicy& policy) const;
+
+    /// Called after each recorded event, and after a pruning that removed something.
+    std::function<void()> onChange;
+
+private:
+    void end(const std::string& id);
+    void update(const std::string& id, const AgentEvent& event);
+
+    Observed<std::vector<AgentSession>> sessions_;
+    Observed<std::optional<AgentSession>> lastFinished_;
+};
+
+} // namespace vespra

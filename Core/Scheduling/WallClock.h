@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Core/Scheduling/Instant.h"
+
+namespace vespra {
+
+class WallClock {
+public:
+    virtual ~WallClock() = default;
+    virtual Instant now() const = 0;
+};
+
+/// The system's date. Any thread.
+class SystemClock final : public WallClock {
+public:
+    Instant now() const override { return Instant{std::chrono::system_clock::now().time_since_epoch()}; }
+};
+
+} // namespace vespra

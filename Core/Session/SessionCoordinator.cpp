@@ -1,0 +1,158 @@
+#include "Core/Session/SessionCoordinator.h"
+
+#include "Core/Scheduling/MainThread.h"
+
+#include <algorithm>
+
+namespace vespra {
+
+SessionCoordinator::SessionCoordinator(
+    SessionSettings settings, Calendar calendar, SessionEnvironment environment, HelperStatus helper)
+    : machine_{SessionMachine{settings, calendar}}
+    , conditions_{SessionConditions{
+          .power = environment.power.snapshot(),
+          .thermal = environment.thermal.level(),
+          .helper = helper,
+      }}
+    , environment_{environment}
+{
+    mainThread::check();
+    environment_.power.onChange = lifetime_.guard([this](PowerSnapshot snapshot) {
+        changeConditions([&](SessionConditions& conditions) { conditions.power = snapshot; });
+        reevaluate();
+    });
+    environment_.thermal.onChange = lifetime_.guard([this](ThermalLevel level) {
+        changeConditions([&](SessionConditions& conditions) { conditions.thermal = level; });
+        reevaluate();
+    });
+}
+
+template <class Change> auto SessionCoordinator::changeMachine(Change change)
+{
+    mainThread::check();
+    auto machine = machine_.get();
+    const auto store = [&] { machine_.set(std::move(machine)); };
+    if constexpr (std::is_void_v<decltype(change(machine))>) {
+        change(machine);
+        store();
+    } else {
+        auto result = change(machine);
+        store();
+        return result;
+    }
+}
+
+template <class Change> void SessionCoordinator::changeConditions(Change change)
+{
+    mainThread::check();
+    auto conditions = conditions_.get();
+    change(conditions);
+    conditions_.set(conditions);
+}
+
+void SessionCoordinator::setSettings(const SessionSettings& settings)
+{
+    changeMachine([&](SessionMachine& machine) { machine.setSettings(settings); });
+    reevaluate();
+}
+
+std::expected<void, StartRefusal> SessionCoordinator::start(
+    const SessionPlan& plan, const SessionOptions& options, std::shared_ptr<SessionEndCondition> endCondition)
+{
+    const auto startedAt = now();
+    const auto started
+        = changeMachine([&](SessionMachine& machine) { return machine.start(plan, options, conditions(), startedAt); });
+    if (!started)
+        return std::unexpected{started.error()};
+    if (endCondition) {
+        endCondition_ = std::move(endCondition);
+        endCondition_->onChange = lifetime_.guard([this] { reevaluate(); });
+        endCondition_->sessionDidBegin(startedAt);
+    }
+    deliver(*started);
+    reevaluate();
+    return {};
+}
+
+void SessionCoordinator::stop(const EndReason& reason)
+{
+    deliver(changeMachine([&](SessionMachine& machine) { return machine.stop(reason, now()); }));
+}
+
+void SessionCoordinator::extend()
+{
+    deliver(changeMachine([&](SessionMachine& machine) { return machine.extend(now()); }));
+}
+
+void SessionCoordinator::setKeepsDisplayAwake(bool value)
+{
+    changeMachine([&](SessionMachine& machine) { machine.setKeepsDisplayAwake(value); });
+}
+
+std::expected<void, StartRefusal> SessionCoordinator::setClosedLid(bool enabled)
+{
+    const auto changed
+        = changeMachine([&](SessionMachine& machine) { return machine.setClosedLid(enabled, conditions(), now()); });
+    if (!changed)
+        return std::unexpected{changed.error()};
+    deliver(*changed);
+    return {};
+}
+
+void SessionCoordinator::updateHelper(const HelperStatus& status, bool lidSleepDisabled)
+{
+    changeConditions([&](SessionConditions& conditions) {
+        conditions.helper = status;
+        conditions.lidSleepDisabled = lidSleepDisabled;
+    });
+    reevaluate();
+}
+
+void SessionCoordinator::updateLid(bool closedWithoutExternalDisplay)
+{
+    changeConditions([&](SessionConditions& conditions) {
+        conditions.lidClosedWithoutExternalDisplay = closedWithoutExternalDisplay;
+    });
+}
+
+void SessionCoordinator::reevaluate()
+{
+    const auto evaluatedAt = now();
+    auto events = changeMachine([&](SessionMachine& machine) { return machine.update(conditions(), evaluatedAt); });
+    if (state().isActive() && endCondition_)
+        if (const auto reason = endCondition_->evaluate(evaluatedAt)) {
+            auto ended = changeMachine([&](SessionMachine& machine) { return machine.stop(*reason, evaluatedAt); });
+            std::ranges::move(ended, std::back_inserter(events));
+        }
+    deliver(events);
+}
+
+void SessionCoordinator::deliver(const SessionEvents& events)
+{
+    if (!state().isActive())
+        detachEndCondition();
+    reschedule();
+    for (const auto& event : events)
+        notify(onEvent, event);
+}
+
+void SessionCoordinator::detachEndCondition()
+{
+    if (const auto condition = std::exchange(endCondition_, nullptr)) {
+        condition->onChange = nullptr;
+        condition->sessionDidEnd();
+    }
+}
+
+void SessionCoordinator::reschedule()
+{
+    pendingDeadline_.reset();
+    auto earliest = machine_.get().nextDeadline();
+    if (endCondition_)
+        if (const auto deadline = endCondition_->nextDeadline(now()))
+            earliest = std::min(earliest.value_or(*deadline), *deadline);
+    if (earliest)
+        pendingDeadline_ = environment_.scheduler.schedule(*earliest, lifetime_.guard([this] { reevaluate(); }));
+}
+
+} // namespace vespra

@@ -1,0 +1,134 @@
+#include "Core/Session/TimeOfDay.h"
+
+#include <gtest/gtest.h>
+
+using namespace vespra;
+
+namespace {
+
+Instant at(const char* text) { return Instant::fromISO8601(text).value(); }
+
+TEST(TimeOfDay, ClampsToTheClock)
+{
+    EXPECT_EQ((TimeOfDay{24, 60}), (TimeOfDay{23, 59}));
+    EXPECT_EQ((TimeOfDay{-1, -1}), (TimeOfDay{0, 0}));
+}
+
+TEST(TimeOfDay, StepsToTheNextQuarterAcrossMidnight)
+{
+    struct Row {
+        TimeOfDay from, forward, backward;
+    };
+    for (const auto& row : std::vector<Row>{
+             {{10, 7}, {10, 15}, {10, 0}},
+             {{10, 15}, {10, 30}, {10, 0}},
+             {{23, 50}, {0, 0}, {23, 45}},
+             {{0, 0}, {0, 15}, {23, 45}},
+             {{0, 1}, {0, 15}, {0, 0}},
+             {{23, 45}, {0, 0}, {23, 30}},
+         }) {
+        SCOPED_TRACE(testing::Message() << row.from.hour() << ":" << row.from.minute());
+        EXPECT_EQ(row.from.stepped(true), row.forward);
+        EXPECT_EQ(row.from.stepped(false), row.backward);
+    }
+}
+
+TEST(TimeOfDay, NextOccurrenceIsStrictlyLaterAndAtMostADayAhead)
+{
+    struct Row {
+        const char* rule;
+        const char* zone;
+        TimeOfDay time;
+        const char* after;
+        const char* expected;
+    };
+    for (const auto& row : std::vector<Row>{
+             {"later today", "UTC", {18, 30}, "2026-01-01T18:29:59Z", "2026-01-01T18:30:00Z"},
+             {"the same second is tomorrow", "UTC", {18, 30}, "2026-01-01T18:30:00Z", "2026-01-02T18:30:00Z"},
+             {"a fraction later is tomorrow", "UTC", {18, 30}, "2026-01-01T18:30:00.5Z", "2026-01-02T18:30:00Z"},
+             {"passed", "UTC", {6, 0}, "2026-01-01T07:00:00Z", "2026-01-02T06:00:00Z"},
+             {"midnight", "UTC", {0, 0}, "2026-01-01T00:00:00Z", "2026-01-02T00:00:00Z"},
+             {"across the new year", "UTC", {0, 15}, "2025-12-31T23:59:59Z", "2026-01-01T00:15:00Z"},
+             {"local, not UTC", "America/New_York", {18, 30}, "2026-01-01T23:00:00Z", "2026-01-01T23:30:00Z"},
+             // Paris, 29 March 2026: 02:00 CET is followed by 03:00 CEST, at 01:00 UTC.
+             {"a skipped time is the next that exists",
+                 "Europe/Paris",
+                 {2, 30},
+                 "2026-03-29T00:30:00Z",
+                 "2026-03-29T01:00:00Z"},
+             {"after the skip it is the next day",
+                 "Europe/Paris",
+                 {2, 30},
+                 "2026-03-29T01:00:00Z",
+                 "2026-03-30T00:30:00Z"},
+             {"the short day", "Europe/Paris", {4, 0}, "2026-03-28T03:00:00Z", "2026-03-29T02:00:00Z"},
+             // Paris, 25 October 2026: 03:00 CEST is followed by 02:00 CET, at 01:00 UTC.
+             {"of a repeated time the first", "Europe/Paris", {2, 30}, "2026-10-25T00:00:00Z", "2026-10-25T00:30:00Z"},
+             {"between the two the end is a day ahead",
+                 "Europe/Paris",
+                 {2, 30},
+                 "2026-10-25T00:45:00Z",
+                 "2026-10-26T00:45:00Z"},
+             {"during the second it is the next day",
+                 "Europe/Paris",
+                 {2, 30},
+                 "2026-10-25T01:30:00Z",
+                 "2026-10-26T01:30:00Z"},
+             {"the long day never gives more than 24 hours",
+                 "Europe/Paris",
+                 {3, 0},
+                 "2026-10-24T01:00:00Z",
+                 "2026-10-25T01:00:00Z"},
+             {"a skip at midnight", "America/Havana", {0, 30}, "2026-03-08T03:00:00Z", "2026-03-08T05:00:00Z"},
+             {"half an hour of daylight saving",
+                 "Australia/Lord_Howe",
+                 {2, 15},
+                 "2026-10-03T15:00:00Z",
+                 "2026-10-03T15:30:00Z"},
+         }) {
+        SCOPED_TRACE(row.rule);
+        const auto calendar = Calendar::inZone(row.zone).value();
+        EXPECT_EQ(row.time.nextOccurrence(at(row.after), calendar).iso8601(), row.expected);
+    }
+}
+
+TEST(Calendar, FollowsTheZoneOfTheEnvironmentAtEachUse)
+{
+    const auto calendar = Calendar::current();
+    setenv("TZ", "Asia/Tokyo", 1);
+    EXPECT_EQ(calendar.zoneName(), "Asia/Tokyo");
+    EXPECT_EQ((TimeOfDay{9, 0}).nextOccurrence(at("2026-01-01T00:00:01Z"), calendar).iso8601(), "2026-01-02T00:00:00Z");
+    setenv("TZ", ":America/New_York", 1);
+    EXPECT_EQ(calendar.zoneName(), "America/New_York");
+    unsetenv("TZ");
+}
+
+TEST(Calendar, RefusesAnUnknownZone)
+{
+    EXPECT_EQ(Calendar::inZone("Mars/Olympus").error(), "unknown time zone \"Mars/Olympus\"");
+}
+
+TEST(Instant, ReadsAndWritesISO8601)
+{
+    EXPECT_EQ(at("2026-01-31T10:15:00+01:00").iso8601(), "2026-01-31T09:15:00Z");
+    EXPECT_EQ(at("2026-01-31T09:15:00.999Z").iso8601(), "2026-01-31T09:15:00Z");
+    for (const char* text : {"",
+             "2026-01-31",
+             "2026-01-31T09:15:00",
+             "2026-01-31T09:15:00Zx",
+             "2026-13-01T00:00:00Z",
+             "2026-01-31T25:00:00Z",
+             "9999-01-01T00:00:00Z",
+             "yesterday"})
+        EXPECT_FALSE(Instant::fromISO8601(text)) << text;
+}
+
+TEST(Instant, SumsOfDecimalFractionsCompareAsTheyRead)
+{
+    EXPECT_EQ(Instant{} + Seconds{0.1} + Seconds{0.2}, Instant{} + Seconds{0.3});
+    EXPECT_EQ(at("2026-01-01T00:00:00Z").sinceReferenceDate(), Seconds{788918400});
+    EXPECT_GT(Instant{} + Seconds{1e300}, at("2199-01-01T00:00:00Z"));
+    EXPECT_LT(Instant{} + Seconds{-1e300}, at("1700-01-02T00:00:00Z"));
+}
+
+} // namespace

@@ -1,0 +1,127 @@
+#pragma once
+
+#include "Core/Scheduling/DeadlineScheduling.h"
+#include "Core/Scheduling/TaskScheduling.h"
+#include "Core/Scheduling/WallClock.h"
+
+#include <algorithm>
+#include <map>
+
+namespace vespra {
+
+/// A wall clock, the deadlines on it, the continuous clock and the tasks on that, all moved by hand. The two clocks go
+/// together, except when somebody sets the wall clock.
+class VirtualTime final : public WallClock, public DeadlineScheduling, public TaskScheduling {
+public:
+    explicit VirtualTime(Instant start = Instant{})
+        : now_{start}
+    {
+    }
+
+    Instant now() const override { return now_; }
+    ContinuousInstant continuousNow() const override { return {uptime_.since1970()}; }
+
+    std::unique_ptr<ScheduledDeadline> schedule(Instant date, std::function<void()> action) override
+    {
+        return add<ScheduledDeadline>(deadlines_, date, std::move(action));
+    }
+    std::unique_ptr<ScheduledTask> schedule(Seconds after, std::function<void()> action) override
+    {
+        return add<ScheduledTask>(tasks_, uptime_ + std::max(after, Seconds{}), std::move(action));
+    }
+
+    /// Moves both clocks by `by` and fires what comes due on the way, in order, each at its own moment.
+    void advance(Seconds by)
+    {
+        const auto target = now_ + by;
+        while (fireNext(target)) {
+        }
+        moveTo(target);
+    }
+
+    /// The computer sleeps for `by`: the clocks go on, and what came due fires only at the wake-up.
+    void sleep(Seconds by)
+    {
+        moveTo(now_ + by);
+        advance(0s);
+    }
+
+    /// Somebody sets the wall clock: deadlines that are due now fire, tasks notice nothing.
+    void setClock(Instant to)
+    {
+        now_ = to;
+        advance(0s);
+    }
+
+    /// The earliest pending deadline, possibly in the past; absent when none is pending.
+    std::optional<Instant> nextDeadline() const
+    {
+        return deadlines_->empty() ? std::nullopt : std::optional{deadlines_->begin()->first.first};
+    }
+    std::size_t pendingDeadlines() const { return deadlines_->size(); }
+    std::size_t pendingTasks() const { return tasks_->size(); }
+
+private:
+    /// The number keeps equal moments in the order of scheduling.
+    using Key = std::pair<Instant, int>;
+    using Queue = std::map<Key, std::function<void()>>;
+
+    template <class Handle> class Entry final : public Handle {
+    public:
+        Entry(std::weak_ptr<Queue> queue, Key key)
+            : queue_{std::move(queue)}
+            , key_{key}
+        {
+        }
+        ~Entry() override { cancel(); }
+        void cancel() override
+        {
+            if (const auto queue = queue_.lock())
+                queue->erase(key_);
+        }
+
+    private:
+        std::weak_ptr<Queue> queue_;
+        Key key_;
+    };
+
+    template <class Handle>
+    std::unique_ptr<Handle> add(const std::shared_ptr<Queue>& queue, Instant due, std::function<void()> action)
+    {
+        const Key key{due, ++scheduled_};
+        queue->emplace(key, std::move(action));
+        return std::make_unique<Entry<Handle>>(queue, key);
+    }
+
+    /// Fires the earliest of all that is due by `target`; false when nothing is.
+    bool fireNext(Instant target)
+    {
+        const auto wait = [](const Queue& queue, Instant clock) {
+            return queue.empty() ? Seconds{1e300} : std::max(queue.begin()->first.first - clock, Seconds{});
+        };
+        const auto deadlineWait = wait(*deadlines_, now_), taskWait = wait(*tasks_, uptime_);
+        if (std::min(deadlineWait, taskWait) > target - now_)
+            return false;
+        moveTo(now_ + std::min(deadlineWait, taskWait));
+        auto& queue = deadlineWait <= taskWait ? *deadlines_ : *tasks_;
+        // Taken out first: the action may schedule, cancel, or destroy its own handle.
+        const auto due = queue.extract(queue.begin());
+        due.mapped()();
+        return true;
+    }
+
+    void moveTo(Instant target)
+    {
+        uptime_ = uptime_ + (target - now_);
+        now_ = target;
+    }
+
+    Instant now_;
+    /// The continuous clock's moments, counted like dates.
+    Instant uptime_{1h};
+    int scheduled_ = 0;
+    std::shared_ptr<Queue> deadlines_ = std::make_shared<Queue>();
+    std::shared_ptr<Queue> tasks_ = std::make_shared<Queue>();
+};
+
+} // namespace vespra

@@ -1,0 +1,43 @@
+# How every target of the project is built.
+
+include(GNUInstallDirs)
+
+set(CMAKE_CXX_STANDARD 23)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 23)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+# Every member of a binary is found by its full path from the root: #include "Core/Session/SessionPlan.h".
+include_directories("${CMAKE_SOURCE_DIR}")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
+    set(CMAKE_OBJCXX_COMPILER_LAUNCHER "${CCACHE}")
+endif()
+
+add_compile_options(-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Members with a default may be left out of a designated initialiser: that is what the defaults are for.
+    add_compile_options(-Wno-missing-field-initializers)
+elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    add_compile_options(-Wno-missing-field-initializers -Wno-missing-designated-field-initializers)
+endif()
+if(VESPRA_WARNINGS_AS_ERRORS)
+    add_compile_options(-Werror)
+endif()
+if(APPLE)
+    add_compile_options($<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)
+endif()
+if(VESPRA_SANITIZE)
+    add_compile_options(-fsanitize=${VESPRA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${VESPRA_SANITIZE})
+endif()
+
+if(APPLE)
+    set(VESPRA_SYSTEM macos)
+else()
+    set(VESPRA_SYSTEM linux)
+endif()
