@@ -74,13 +74,13 @@ namespace {
     private:
         DateWriter dateWriter() const
         {
-            return [start = scenario_.start](Instant instant) { return numberJSON(instant - start); };
+            return [start = scenario_.start](Instant instant) { return roundedJSON(instant - start); };
         }
 
         /// Prints `happening` with the date in front.
         void print(const JSON& happening)
         {
-            JSON line{{"at", numberJSON(time_.now() - scenario_.start)}};
+            JSON line{{"at", roundedJSON(time_.now() - scenario_.start)}};
             line.update(happening);
             printLine_(line.dump());
         }

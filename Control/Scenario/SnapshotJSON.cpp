@@ -56,8 +56,8 @@ namespace {
         return match(
             guardrail,
             [](const guardrail::LowBattery& low) { return JSON{{low.name, low.threshold}}; },
-            [](const guardrail::BatteryTimeLimit& time) { return JSON{{time.name, numberJSON(time.limit)}}; },
-            [](const guardrail::ClosedLidLimit& lid) { return JSON{{lid.name, numberJSON(lid.limit)}}; },
+            [](const guardrail::BatteryTimeLimit& time) { return JSON{{time.name, roundedJSON(time.limit)}}; },
+            [](const guardrail::ClosedLidLimit& lid) { return JSON{{lid.name, roundedJSON(lid.limit)}}; },
             [](const guardrail::ChargerRequired& charger) { return JSON(charger.name); });
     }
 
@@ -108,23 +108,18 @@ namespace {
         json["state"] = session ? "active" : "idle";
         json["mode"] = session ? JSON(rawValue(session->mode())) : JSON{};
         json["endsAt"] = session ? optionalDate(session->endsAt, date) : JSON{};
-        json["remaining"] = remaining ? numberJSON(*remaining) : JSON{};
-        json["elapsed"] = session ? numberJSON(session->elapsed(now)) : JSON{};
+        json["remaining"] = remaining ? roundedJSON(*remaining) : JSON{};
+        json["elapsed"] = session ? roundedJSON(session->elapsed(now)) : JSON{};
         json["lastEnd"] = lastEndJSON(coordinator.state().lastEnd(), date);
     }
 
 } // namespace
 
-JSON numberJSON(double number)
+JSON roundedJSON(Seconds length)
 {
-    constexpr double millionths = 1e6, largestExact = 1e15;
-    const double rounded = std::round(number * millionths) / millionths;
-    if (std::abs(rounded) < largestExact && rounded == std::trunc(rounded))
-        return static_cast<std::int64_t>(rounded);
-    return rounded;
+    constexpr double millionths = 1e6;
+    return numberJSON(std::round(length.count() * millionths) / millionths);
 }
-
-JSON numberJSON(Seconds length) { return numberJSON(length.count()); }
 
 JSON endReasonJSON(const EndReason& reason)
 {

@@ -11,9 +11,8 @@ namespace vespra {
 /// How a snapshot writes dates: as offsets in a scenario, as text for a running application.
 using DateWriter = std::function<JSON(Instant)>;
 
-/// Rounded to 6 decimals; a whole number without fraction.
-JSON numberJSON(double number);
-JSON numberJSON(Seconds length);
+/// Rounded to 6 decimals.
+JSON roundedJSON(Seconds length);
 
 /// "reason", and "level" where the reason has one.
 JSON endReasonJSON(const EndReason& reason);

@@ -77,7 +77,7 @@ std::string encoded(const AgentEvent& event)
     if (event.cwd)
         json["cwd"] = *event.cwd;
     json["signal"] = rawValue(event.signal);
-    json["date"] = event.date.sinceReferenceDate().count();
+    json["date"] = numberJSON(event.date.sinceReferenceDate());
     return json.dump();
 }
 
