@@ -1,3 +1,4 @@
+#include "Control/Arguments/Arguments.h"
 #include "Control/Command.h"
 #include "Control/Scenario/ScenarioPlayer.h"
 
@@ -10,28 +11,9 @@ namespace vespra::control {
 
 namespace {
 
-    using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-    /// "-" is standard input.
-    std::expected<std::string, std::string> contents(const std::string& path)
-    {
-        const bool isStandardInput = path == "-";
-        const File file{isStandardInput ? stdin : std::fopen(path.c_str(), "rbe"),
-            [](std::FILE* open) { return open == stdin ? 0 : std::fclose(open); }};
-        std::string text;
-        if (file) {
-            char chunk[1 << 16];
-            while (const auto read = std::fread(chunk, 1, sizeof chunk, file.get()))
-                text.append(chunk, read);
-        }
-        if (!file || std::ferror(file.get()))
-            return std::unexpected{"cannot read " + path + ": " + std::strerror(errno)};
-        return text;
-    }
-
     int simulate(const std::string& path)
     {
-        const auto text = contents(path);
+        const auto text = arguments::fileContents(path);
         const auto scenario = text ? parsedScenario(*text) : std::unexpected{text.error()};
         if (!scenario) {
             std::fprintf(stderr, "scenario: %s\n", scenario.error().c_str());
