@@ -22,21 +22,25 @@ namespace {
     {
         auto& preferences = options.preferences;
         auto* plans = app.add_option_group("How the session ends", "By default as a timer of one hour");
-        plans->add_option_function<std::string>(
-            "--timer",
-            [&](const std::string& text) {
-                preferences.mode = SessionMode::timer;
-                preferences.timerDuration = checked("--timer",
-                    arguments::length(text, {SessionLimits::minimumDuration, SessionLimits::maximumDuration}));
-            },
-            "After this time, such as 25m or 1h30m; from one minute to 24 hours");
-        plans->add_option_function<std::string>(
-            "--until",
-            [&](const std::string& text) {
-                preferences.mode = SessionMode::until;
-                preferences.untilTime = checked("--until", arguments::timeOfDay(text));
-            },
-            "At this time of day, such as 18:30");
+        plans
+            ->add_option_function<std::string>(
+                "--timer",
+                [&](const std::string& text) {
+                    preferences.mode = SessionMode::timer;
+                    preferences.timerDuration = checked("--timer",
+                        arguments::length(text, {SessionLimits::minimumDuration, SessionLimits::maximumDuration}));
+                },
+                "After this time, such as 25m or 1h30m; from one minute to 24 hours")
+            ->type_name("LENGTH");
+        plans
+            ->add_option_function<std::string>(
+                "--until",
+                [&](const std::string& text) {
+                    preferences.mode = SessionMode::until;
+                    preferences.untilTime = checked("--until", arguments::timeOfDay(text));
+                },
+                "At this time of day, such as 18:30")
+            ->type_name("TIME");
         plans->add_flag_callback(
             "--unlimited", [&] { preferences.mode = SessionMode::unlimited; }, "Only when you stop it");
         plans->add_flag_callback(
@@ -48,16 +52,20 @@ namespace {
     void addSettings(CLI::App& app, HeadlessOptions& options, std::optional<Seconds>& grace)
     {
         app.add_option_function<std::string>(
-            "--settings",
-            [&](const std::string& path) { options.settings = checked("--settings", arguments::settingsFile(path)); },
-            "Guardrails and agent settings, as a JSON file");
+               "--settings",
+               [&](const std::string& path) {
+                   options.settings = checked("--settings", arguments::settingsFile(path));
+               },
+               "Guardrails and agent settings, as a JSON file")
+            ->type_name("FILE");
         app.add_option_function<std::string>(
-            "--grace",
-            [&](const std::string& text) {
-                constexpr auto range = AgentPolicy::graceRange;
-                grace = checked("--grace", arguments::length(text, {range.lowest, range.highest}));
-            },
-            "How long all agents must stay done before the session ends, such as 2m; up to 15m");
+               "--grace",
+               [&](const std::string& text) {
+                   constexpr auto range = AgentPolicy::graceRange;
+                   grace = checked("--grace", arguments::length(text, {range.lowest, range.highest}));
+               },
+               "How long all agents must stay done before the session ends, such as 2m; up to 15m")
+            ->type_name("LENGTH");
         app.add_flag("--display", options.preferences.options.keepsDisplayAwake, "Keep the display on too");
         app.add_flag("--closed-lid", options.preferences.options.closedLid, "Stay awake with the lid closed");
     }
@@ -65,15 +73,16 @@ namespace {
     void addPlatform(CLI::App& app, HeadlessOptions& options)
     {
         app.add_option_function<std::string>(
-            "--platform",
-            [&](const std::string& name) {
-                options.platform = fromRawValue<PlatformKind>(name);
-                if (!options.platform)
-                    throw CLI::ValidationError{
-                        "--platform", "expected linux, macos or simulated, not \"" + name + "\""};
-            },
-            "Where to run: linux, macos or simulated; by default this system, or a simulated laptop where no power "
-            "manager answers");
+               "--platform",
+               [&](const std::string& name) {
+                   options.platform = fromRawValue<PlatformKind>(name);
+                   if (!options.platform)
+                       throw CLI::ValidationError{
+                           "--platform", "expected linux, macos or simulated, not \"" + name + "\""};
+               },
+               "Where to run: linux, macos or simulated; by default this system, or a simulated laptop where no power "
+               "manager answers")
+            ->type_name("NAME");
     }
 
 } // namespace
@@ -83,7 +92,7 @@ std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
     HeadlessOptions options;
     std::optional<Seconds> grace;
     bool isHeadless = false;
-    CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep."};
+    CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep.", "vespra"};
     app.add_flag("--headless", isHeadless, "Run in the terminal, without windows");
     addPlans(app, options);
     addSettings(app, options, grace);

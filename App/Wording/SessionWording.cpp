@@ -60,7 +60,11 @@ std::string timeText(Instant instant)
     using std::chrono::duration_cast, std::chrono::milliseconds;
     const auto sinceEpoch = duration_cast<milliseconds>(instant.since1970()).count();
     const auto time = QDateTime::fromMSecsSinceEpoch(sinceEpoch).time();
-    return QLocale::system().toString(time, QLocale::ShortFormat).toStdString();
+    const auto locale = QLocale::system();
+    // The locale without a country shows seconds even in its short form.
+    const auto text
+        = locale == QLocale::c() ? time.toString(QStringLiteral("HH:mm")) : locale.toString(time, QLocale::ShortFormat);
+    return text.toStdString();
 }
 
 } // namespace vespra
