@@ -10,79 +10,63 @@ namespace vespra {
 
 namespace {
 
-    /// The value, or a complaint that CLI11 prints with the option's name in front.
-    template <class Value> Value checked(const char* option, const std::expected<Value, std::string>& value)
+    /// How an option's value is read: the value, or a sentence that says what was expected.
+    template <class Value> using Reader = std::function<std::expected<Value, std::string>(const std::string&)>;
+
+    struct Option {
+        const char* name;
+        const char* value; // what stands for it in the help
+        const char* help;
+    };
+
+    template <class Value, class Take>
+    void add(CLI::App& app, const Option& option, const Reader<Value>& read, Take take)
     {
-        if (!value)
-            throw CLI::ValidationError{option, value.error()};
-        return *value;
+        const auto use = [name = option.name, read, take](const std::string& text) {
+            const auto value = read(text);
+            if (!value)
+                throw CLI::ValidationError{name, value.error()};
+            take(*value);
+        };
+        app.add_option_function<std::string>(option.name, use, option.help)->type_name(option.value);
     }
 
-    void addPlans(CLI::App& app, HeadlessOptions& options)
+    Reader<Seconds> lengthWithin(ClosedRange<Seconds> range)
     {
-        auto& preferences = options.preferences;
-        auto* plans = app.add_option_group("How the session ends", "By default as a timer of one hour");
-        plans
-            ->add_option_function<std::string>(
-                "--timer",
-                [&](const std::string& text) {
-                    preferences.mode = SessionMode::timer;
-                    preferences.timerDuration = checked("--timer",
-                        arguments::length(text, {SessionLimits::minimumDuration, SessionLimits::maximumDuration}));
-                },
-                "After this time, such as 25m or 1h30m; from one minute to 24 hours")
-            ->type_name("LENGTH");
-        plans
-            ->add_option_function<std::string>(
-                "--until",
-                [&](const std::string& text) {
-                    preferences.mode = SessionMode::until;
-                    preferences.untilTime = checked("--until", arguments::timeOfDay(text));
-                },
-                "At this time of day, such as 18:30")
-            ->type_name("TIME");
-        plans->add_flag_callback(
-            "--unlimited", [&] { preferences.mode = SessionMode::unlimited; }, "Only when you stop it");
-        plans->add_flag_callback(
-            "--agent", [&] { preferences.mode = SessionMode::agent; }, "When your coding agents have finished");
-        plans->add_flag("--idle", options.isIdle, "Start no session, only listen to the agents");
-        plans->require_option(0, 1);
+        return [range](const std::string& text) { return arguments::length(text, range); };
     }
 
-    void addSettings(CLI::App& app, HeadlessOptions& options, std::optional<Seconds>& grace)
+    std::expected<PlatformKind, std::string> platformKind(const std::string& name)
     {
-        app.add_option_function<std::string>(
-               "--settings",
-               [&](const std::string& path) {
-                   options.settings = checked("--settings", arguments::settingsFile(path));
-               },
-               "Guardrails and agent settings, as a JSON file")
-            ->type_name("FILE");
-        app.add_option_function<std::string>(
-               "--grace",
-               [&](const std::string& text) {
-                   constexpr auto range = AgentPolicy::graceRange;
-                   grace = checked("--grace", arguments::length(text, {range.lowest, range.highest}));
-               },
-               "How long all agents must stay done before the session ends, such as 2m; up to 15m")
-            ->type_name("LENGTH");
-        app.add_flag("--display", options.preferences.options.keepsDisplayAwake, "Keep the display on too");
-        app.add_flag("--closed-lid", options.preferences.options.closedLid, "Stay awake with the lid closed");
+        if (const auto kind = fromRawValue<PlatformKind>(name))
+            return *kind;
+        return std::unexpected{"expected linux, macos or simulated, not \"" + name + "\""};
     }
 
-    void addPlatform(CLI::App& app, HeadlessOptions& options)
+    void addPlans(CLI::App& app, SessionPreferences& preferences, bool& isIdle)
     {
-        app.add_option_function<std::string>(
-               "--platform",
-               [&](const std::string& name) {
-                   options.platform = fromRawValue<PlatformKind>(name);
-                   if (!options.platform)
-                       throw CLI::ValidationError{
-                           "--platform", "expected linux, macos or simulated, not \"" + name + "\""};
-               },
-               "Where to run: linux, macos or simulated; by default this system, or a simulated laptop where no power "
-               "manager answers")
-            ->type_name("NAME");
+        auto& plans = *app.add_option_group("How the session ends", "By default as a timer of one hour");
+        add<Seconds>(plans,
+            {"--timer", "LENGTH", "After this time, such as 25m or 1h30m; from one minute to 24 hours"},
+            lengthWithin({SessionLimits::minimumDuration, SessionLimits::maximumDuration}),
+            [&](Seconds length) {
+                preferences.mode = SessionMode::timer;
+                preferences.timerDuration = length;
+            });
+        add<TimeOfDay>(plans,
+            {"--until", "TIME", "At this time of day, such as 18:30"},
+            arguments::timeOfDay,
+            [&](TimeOfDay time) {
+                preferences.mode = SessionMode::until;
+                preferences.untilTime = time;
+            });
+        const auto addMode = [&](const char* name, SessionMode mode, const char* help) {
+            plans.add_flag_callback(name, [&preferences, mode] { preferences.mode = mode; }, help);
+        };
+        addMode("--unlimited", SessionMode::unlimited, "Only when you stop it");
+        addMode("--agent", SessionMode::agent, "When your coding agents have finished");
+        plans.add_flag("--idle", isIdle, "Start no session, only listen to the agents");
+        plans.require_option(0, 1);
     }
 
 } // namespace
@@ -94,9 +78,23 @@ std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
     bool isHeadless = false;
     CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep.", "vespra"};
     app.add_flag("--headless", isHeadless, "Run in the terminal, without windows");
-    addPlans(app, options);
-    addSettings(app, options, grace);
-    addPlatform(app, options);
+    addPlans(app, options.preferences, options.isIdle);
+    add<Seconds>(app,
+        {"--grace", "LENGTH", "How long all agents must stay done before the session ends, such as 2m; up to 15m"},
+        lengthWithin(AgentPolicy::graceRange),
+        [&](Seconds length) { grace = length; });
+    app.add_flag("--display", options.preferences.options.keepsDisplayAwake, "Keep the display on too");
+    app.add_flag("--closed-lid", options.preferences.options.closedLid, "Stay awake with the lid closed");
+    add<SessionSettings>(app,
+        {"--settings", "FILE", "Guardrails and agent settings, as JSON"},
+        arguments::settingsFile,
+        [&](const SessionSettings& settings) { options.settings = settings; });
+    add<PlatformKind>(app,
+        {"--platform",
+            "NAME",
+            "linux, macos or simulated; by default this system, or a simulated laptop where no power manager answers"},
+        platformKind,
+        [&](PlatformKind kind) { options.platform = kind; });
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
