@@ -136,7 +136,9 @@ std::expected<Platform, std::string> makeSystemPlatform()
     if (!dbus::systemBus().isConnected())
         return std::unexpected{
             "The system bus does not answer: " + dbus::systemBus().lastError().message().toStdString()};
-    Platform platform{.kind = PlatformKind::linux, .time = makePlatformTime()};
+    Platform platform;
+    platform.kind = PlatformKind::linux;
+    platform.time = makePlatformTime();
     auto& tasks = *platform.time.tasks;
     const auto upower = std::make_shared<UPower>();
     const auto members = std::make_shared<Members>(Members{.upower = upower.get()});
