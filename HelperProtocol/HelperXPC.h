@@ -26,8 +26,8 @@ struct HelperUnreachable {
     bool operator==(const HelperUnreachable&) const = default;
 };
 
-/// Called once, on the main thread, in a later turn than the request. The component itself always answers with a
-/// value; only what lies between can make it unreachable.
+/// Called once, on the main thread; on the application's side in a later turn than the request. The component itself
+/// always answers with a value: only what lies between can make it unreachable.
 template <class Value> using HelperReply = std::function<void(std::expected<Value, HelperUnreachable>)>;
 
 /// The operations of the privileged component, as the application asks for them and the component answers them.
