@@ -284,7 +284,7 @@ namespace {
             std::size_t expected;
         };
         for (const auto& row : std::vector<Row>{
-                 {"nothing happens", [] {}, ShutLidSleep::mostLooks},
+                 {"nothing happens", [] {}, 6},
                  {"the lid opens", [&] { machine.isLidShut = false; }, 1},
                  {"it sleeps, and is woken with its lid shut", [&] { time.sleep(1h); }, 1},
                  {"the system is about to sleep", [&] { daemon->systemWillSleep(); }, 1},
