@@ -1,8 +1,8 @@
 #include "App/Agents/AgentSocketServer.h"
+#include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/LocalClient.h"
 #include "Tests/Support/ManualMainLoop.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Support/VirtualTime.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
