@@ -266,7 +266,7 @@ TEST_F(AgentSocketServerTest, EndsAtOnceAndDeliversNothingAfterwards)
     LocalClient{path}.write(line("read"));
     LocalClient holding{path};
     holding.write(line("unfinished") + "\n");
-    std::this_thread::sleep_for(50ms);
+    std::this_thread::sleep_for(200ms);
     const auto from = std::chrono::steady_clock::now();
     server.reset();
     EXPECT_LT(secondsSince(from), 0.5);
