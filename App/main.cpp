@@ -5,6 +5,9 @@
 
 #include <QCoreApplication>
 
+#include <csignal>
+#include <cstdio>
+
 namespace {
 
 using namespace vespra;
@@ -37,6 +40,8 @@ int main(int argc, char** argv)
     const auto options = parsedCommandLine(argc, argv);
     if (const auto* exitStatus = std::get_if<int>(&options))
         return *exitStatus;
+    // Whoever reads the output may go away; the session goes on.
+    std::signal(SIGPIPE, SIG_IGN);
     int plainArgumentCount = 1;
     QCoreApplication application{plainArgumentCount, argv};
     QCoreApplication::setApplicationName(QString::fromStdString(Brand::appName()));

@@ -63,7 +63,7 @@ std::string timeText(Instant instant)
     const auto locale = QLocale::system();
     // The locale without a country shows seconds even in its short form.
     const auto text
-        = locale == QLocale::c() ? time.toString(QStringLiteral("HH:mm")) : locale.toString(time, QLocale::ShortFormat);
+        = locale.language() == QLocale::C ? time.toString(QStringLiteral("HH:mm")) : locale.toString(time, QLocale::ShortFormat);
     return text.toStdString();
 }
 

@@ -1,27 +1,38 @@
 #include "App/System/linux/LinuxAssertions.h"
 
+#include <algorithm>
+
 namespace vespra {
 
 std::expected<std::uint32_t, int> LinuxAssertions::create(PowerAssertionType type, const std::string& name)
 {
-    for (const auto& inhibition : inhibitions_[type])
-        inhibition->hold(name);
-    return id(type);
+    held_[type] = name;
+    reconcile();
+    return static_cast<std::uint32_t>(type);
 }
 
-void LinuxAssertions::release(std::uint32_t released)
+void LinuxAssertions::release(std::uint32_t id)
 {
-    for (const auto& [type, inhibitions] : inhibitions_)
-        if (id(type) == released)
-            for (const auto& inhibition : inhibitions)
-                inhibition->drop();
+    held_.erase(static_cast<PowerAssertionType>(id));
+    reconcile();
 }
 
 void LinuxAssertions::verify()
 {
-    for (const auto& [type, inhibitions] : inhibitions_)
-        for (const auto& inhibition : inhibitions)
-            inhibition->verify();
+    for (const auto& means : means_)
+        means.inhibition->verify();
+}
+
+void LinuxAssertions::reconcile()
+{
+    for (const auto& [serves, inhibition] : means_) {
+        const auto reason
+            = std::ranges::find_if(held_, [&serves = serves](const auto& each) { return serves.contains(each.first); });
+        if (reason == held_.end())
+            inhibition->drop();
+        else
+            inhibition->hold(reason->second);
+    }
 }
 
 } // namespace vespra

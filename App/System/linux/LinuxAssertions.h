@@ -5,18 +5,22 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace vespra {
 
-/// Carries each assertion out by all the inhibitions that belong to it. There is no activity to hold: nothing throttles
-/// a process here.
+/// Carries the assertions out by inhibitions. Two assertions may share one, which is then held while either is. There
+/// is no activity to hold: nothing throttles a process here.
 class LinuxAssertions final : public PowerAssertionBackend {
 public:
-    using Inhibitions = std::map<PowerAssertionType, std::vector<std::unique_ptr<Inhibition>>>;
+    struct Means {
+        std::set<PowerAssertionType> serves;
+        std::unique_ptr<Inhibition> inhibition;
+    };
 
-    explicit LinuxAssertions(Inhibitions inhibitions)
-        : inhibitions_{std::move(inhibitions)}
+    explicit LinuxAssertions(std::vector<Means> means)
+        : means_{std::move(means)}
     {
     }
 
@@ -29,9 +33,11 @@ public:
     void verify();
 
 private:
-    static std::uint32_t id(PowerAssertionType type) { return static_cast<std::uint32_t>(type) + 1; }
+    void reconcile();
 
-    Inhibitions inhibitions_;
+    std::vector<Means> means_;
+    /// The name of each assertion that is held.
+    std::map<PowerAssertionType, std::string> held_;
 };
 
 } // namespace vespra

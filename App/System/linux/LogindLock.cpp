@@ -51,6 +51,7 @@ void LogindLock::request()
     retry_.reset();
     pending_ = dbus::call(dbus::systemBus(),
         logind::manager().method(QStringLiteral("Inhibit"), {what_, who_, *why_, mode_}),
+        dbus::untilAnswered,
         [this](const QDBusMessage& reply) { received(reply); });
 }
 

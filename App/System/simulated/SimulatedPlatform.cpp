@@ -137,7 +137,10 @@ namespace {
 Platform makeSimulatedPlatform()
 {
     const auto machine = std::make_shared<SimulatedMachine>();
-    Platform platform{.kind = PlatformKind::simulated, .time = makePlatformTime(), .machine = machine};
+    Platform platform;
+    platform.kind = PlatformKind::simulated;
+    platform.time = makePlatformTime();
+    platform.machine = machine;
     platform.power = std::make_unique<SimulatedPowerSource>(machine);
     platform.thermal = std::make_unique<SimulatedThermal>(machine);
     platform.lid = std::make_unique<SimulatedLid>(machine);
