@@ -1,12 +1,44 @@
+#include "Control/Arguments/Arguments.h"
 #include "Control/Command.h"
+#include "Control/Scenario/ScenarioPlayer.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 
 namespace vespra::control {
 
+namespace {
+
+    int simulate(const std::string& path)
+    {
+        const auto text = arguments::fileContents(path);
+        const auto scenario = text ? parsedScenario(*text) : std::unexpected{text.error()};
+        if (!scenario) {
+            std::fprintf(stderr, "scenario: %s\n", scenario.error().c_str());
+            return badInput;
+        }
+        play(*scenario, [](std::string_view line) {
+            std::fwrite(line.data(), 1, line.size(), stdout);
+            std::fputc('\n', stdout);
+        });
+        if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+            std::fprintf(stderr, "simulate: cannot write the result: %s\n", std::strerror(errno));
+            return failed;
+        }
+        return done;
+    }
+
+} // namespace
+
 void addSimulateCommand(CLI::App& vespractl, int& exitStatus)
 {
-    vespractl.add_subcommand("simulate", "Plays a scenario in virtual time")->callback([&exitStatus] {
-        exitStatus = badInput;
-    });
+    auto* command = vespractl.add_subcommand("simulate",
+        "Plays a scenario through the session engine in virtual time and prints what happens as JSON lines");
+    auto path = std::make_shared<std::string>();
+    command->add_option("FILE", *path, "The scenario; - for standard input")->required();
+    command->callback([path, &exitStatus] { exitStatus = simulate(*path); });
 }
 
 } // namespace vespra::control

@@ -1,7 +1,5 @@
 #include "Core/Agents/AgentEvent.h"
 
-#include "Core/Agents/HookInput.h"
-
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -60,13 +58,17 @@ namespace {
 std::optional<AgentEvent> agentEvent(std::string_view hookInput, AgentKind agent, Instant date)
 {
     const auto input = parsedHookInput(hookInput);
-    if (!input || !input->hookEventName || !input->sessionID || input->sessionID->empty())
+    return input ? agentEvent(*input, agent, date) : std::nullopt;
+}
+
+std::optional<AgentEvent> agentEvent(const HookInput& input, AgentKind agent, Instant date)
+{
+    if (!input.hookEventName || !input.sessionID || input.sessionID->empty())
         return {};
-    const auto signal = signalOf(*input);
+    const auto signal = signalOf(input);
     if (!signal)
         return {};
-    return AgentEvent{
-        .agent = agent, .sessionID = *input->sessionID, .cwd = input->cwd, .signal = *signal, .date = date};
+    return AgentEvent{.agent = agent, .sessionID = *input.sessionID, .cwd = input.cwd, .signal = *signal, .date = date};
 }
 
 std::string encoded(const AgentEvent& event)
@@ -75,7 +77,7 @@ std::string encoded(const AgentEvent& event)
     if (event.cwd)
         json["cwd"] = *event.cwd;
     json["signal"] = rawValue(event.signal);
-    json["date"] = event.date.sinceReferenceDate().count();
+    json["date"] = numberJSON(event.date.sinceReferenceDate());
     return json.dump();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Agents/AgentKind.h"
+#include "Core/Agents/HookInput.h"
 #include "Core/Coding/JSONSource.h"
 #include "Core/Scheduling/Instant.h"
 
@@ -36,6 +37,7 @@ struct AgentEvent {
 /// What `hookInput`, the JSON that an agent gives its hook command, reports. Absent for what is not a JSON object with
 /// an event name and a session identifier, and for events that say nothing about the agent's activity.
 std::optional<AgentEvent> agentEvent(std::string_view hookInput, AgentKind agent, Instant date);
+std::optional<AgentEvent> agentEvent(const HookInput& input, AgentKind agent, Instant date);
 
 /// One line without line feed; the date as seconds since 2001.
 std::string encoded(const AgentEvent& event);

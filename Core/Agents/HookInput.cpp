@@ -1,12 +1,26 @@
 #include "Core/Agents/HookInput.h"
 
-#include "Core/Coding/JSON.h"
-
 #include <nlohmann/json.hpp>
 
 namespace vespra {
 
 namespace {
+
+    /// The one place that says which key goes where; nothing for any other key.
+    std::optional<std::string>* memberFor(HookInput& input, std::string_view key)
+    {
+        constexpr std::pair<std::string_view, std::optional<std::string> HookInput::*> members[]{
+            {"hook_event_name", &HookInput::hookEventName},
+            {"session_id", &HookInput::sessionID},
+            {"cwd", &HookInput::cwd},
+            {"notification_type", &HookInput::notificationType},
+            {"message", &HookInput::message},
+        };
+        for (const auto& [name, member] : members)
+            if (name == key)
+                return &(input.*member);
+        return nullptr;
+    }
 
     /// Takes the wanted texts from the top object as they go by, so that nothing else is ever stored.
     class HookInputHandler final : public nlohmann::json_sax<JSON> {
@@ -25,7 +39,7 @@ namespace {
         bool key(std::string& name) override
         {
             if (depth_ == 1)
-                wanted_ = memberFor(name);
+                wanted_ = memberFor(input, name);
             return true;
         }
         bool string(std::string& value) override
@@ -43,15 +57,6 @@ namespace {
         bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
 
     private:
-        std::optional<std::string>* memberFor(std::string_view name)
-        {
-            return name == "hook_event_name"  ? &input.hookEventName
-                : name == "session_id"        ? &input.sessionID
-                : name == "cwd"               ? &input.cwd
-                : name == "notification_type" ? &input.notificationType
-                : name == "message"           ? &input.message
-                                              : nullptr;
-        }
         /// Of a key that comes twice the last value counts, whatever it is.
         bool other()
         {
@@ -83,6 +88,15 @@ std::optional<HookInput> parsedHookInput(std::string_view json)
     if (!JSON::sax_parse(json, &handler) || !handler.isObject)
         return {};
     return std::move(handler.input);
+}
+
+HookInput hookInput(const JSON& object)
+{
+    HookInput input;
+    for (const auto& [key, value] : object.items())
+        if (auto* member = memberFor(input, key); member && value.is_string())
+            *member = value.get<std::string>();
+    return input;
 }
 
 void HookInputProgress::add(std::string_view piece)

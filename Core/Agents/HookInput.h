@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Core/Coding/JSON.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +20,8 @@ struct HookInput {
 
 /// Absent if `json` is not one JSON object.
 std::optional<HookInput> parsedHookInput(std::string_view json);
+/// The same of an object that has been parsed already.
+HookInput hookInput(const JSON& object);
 
 /// Tells, while a hook's input arrives piece by piece, when its JSON object is complete: agents do not always close
 /// the hook's input.

@@ -7,7 +7,7 @@ namespace vespra {
 JSON toJSON(const SleepOverrideRecord& record)
 {
     return {{"originalSleepDisabled", record.originalSleepDisabled},
-        {"appliedAt", record.appliedAt.sinceReferenceDate().count()}};
+        {"appliedAt", numberJSON(record.appliedAt.sinceReferenceDate())}};
 }
 
 std::expected<SleepOverrideRecord, DecodingError> sleepOverrideRecord(const JSON& json)

@@ -93,6 +93,16 @@ std::string JSONSource::string() const
     return value_->get<std::string>();
 }
 
+JSON numberJSON(double number)
+{
+    constexpr double largestExact = 1e15;
+    if (std::abs(number) < largestExact && number == std::trunc(number))
+        return static_cast<std::int64_t>(number);
+    return number;
+}
+
+JSON numberJSON(Seconds length) { return numberJSON(length.count()); }
+
 std::optional<JSON> parsedJSON(std::string_view text)
 {
     auto value = JSON::parse(text, nullptr, /*allow_exceptions=*/false);

@@ -25,6 +25,9 @@ public:
     {
     }
 
+    /// Later than every date that anything plans.
+    static constexpr Instant distantFuture() { return Instant{std::chrono::nanoseconds::max()}; }
+
     /// The form in which dates stand in JSON: seconds since 2001-01-01T00:00:00Z.
     static Instant fromReferenceDate(Seconds sinceReferenceDate);
     Seconds sinceReferenceDate() const;

@@ -43,11 +43,11 @@ JSON toJSON(const SessionPlan& plan)
 {
     JSON payload = match(
         plan,
-        [](const plan::Timer& timer) { return JSON{{"duration", timer.duration.count()}}; },
+        [](const plan::Timer& timer) { return JSON{{"duration", numberJSON(timer.duration)}}; },
         [](const plan::Until& until) { return JSON{{"_0", toJSON(until.time)}}; },
         [](const plan::Unlimited&) { return JSON::object(); },
         [](const plan::Agent& agent) {
-            return agent.safetyCap ? JSON{{"safetyCap", agent.safetyCap->count()}} : JSON::object();
+            return agent.safetyCap ? JSON{{"safetyCap", numberJSON(*agent.safetyCap)}} : JSON::object();
         });
     return {{std::string{caseName(plan)}, std::move(payload)}};
 }

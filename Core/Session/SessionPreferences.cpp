@@ -38,7 +38,7 @@ JSON toJSON(const SessionPreferences& preferences)
 {
     return {
         {"mode", rawValue(preferences.mode)},
-        {"timerDuration", preferences.timerDuration.count()},
+        {"timerDuration", numberJSON(preferences.timerDuration)},
         {"untilTime", toJSON(preferences.untilTime)},
         {"options", toJSON(preferences.options)},
     };

@@ -14,7 +14,7 @@ namespace {
             {"lowBatteryThreshold", energy.lowBatteryThreshold},
         };
         if (energy.batteryTimeLimit)
-            json["batteryTimeLimit"] = energy.batteryTimeLimit->count();
+            json["batteryTimeLimit"] = numberJSON(*energy.batteryTimeLimit);
         return json;
     }
 
@@ -62,9 +62,9 @@ JSON toJSON(const SessionSettings& settings)
         {"closedLid", {{"continuesOnBattery", settings.closedLid.continuesOnBattery}}},
     };
     if (settings.agentSafetyCap)
-        json["agentSafetyCap"] = settings.agentSafetyCap->count();
+        json["agentSafetyCap"] = numberJSON(*settings.agentSafetyCap);
     json["agents"] = {
-        {"graceDelay", settings.agents.graceDelay.count()},
+        {"graceDelay", numberJSON(settings.agents.graceDelay)},
         {"waitingCountsAsFinished", settings.agents.waitingCountsAsFinished},
         {"endAction", rawValue(settings.agents.endAction)},
     };

@@ -9,8 +9,8 @@
 
 namespace vespra {
 
-/// A wall clock, the deadlines on it, the continuous clock and the tasks on that, all moved by hand. The two clocks go
-/// together, except when somebody sets the wall clock.
+/// Time moved by hand, for simulations and tests: a wall clock, the deadlines on it, the continuous clock and the tasks
+/// on that. The two clocks go together, except when somebody sets the wall clock.
 class VirtualTime final : public WallClock, public DeadlineScheduling, public TaskScheduling {
 public:
     explicit VirtualTime(Instant start = Instant{})
@@ -31,9 +31,9 @@ public:
     }
 
     /// Moves both clocks by `by` and fires what comes due on the way, in order, each at its own moment.
-    void advance(Seconds by)
+    void advance(Seconds by) { advanceTo(now_ + by); }
+    void advanceTo(Instant target)
     {
-        const auto target = now_ + by;
         while (fireNext(target)) {
         }
         moveTo(target);
@@ -96,17 +96,16 @@ private:
     /// Fires the earliest of all that is due by `target`; false when nothing is.
     bool fireNext(Instant target)
     {
-        const auto wait = [](const Queue& queue, Instant clock) {
-            return queue.empty() ? Seconds{1e300} : std::max(queue.begin()->first.first - clock, Seconds{});
-        };
-        const auto deadlineWait = wait(*deadlines_, now_), taskWait = wait(*tasks_, uptime_);
-        if (std::min(deadlineWait, taskWait) > target - now_)
+        const auto deadline = deadlines_->empty() ? Instant::distantFuture() : deadlines_->begin()->first.first;
+        const auto task = tasks_->empty() ? Instant::distantFuture() : now_ + (tasks_->begin()->first.first - uptime_);
+        const auto due = std::min(deadline, task);
+        if (due > target || due == Instant::distantFuture())
             return false;
-        moveTo(now_ + std::min(deadlineWait, taskWait));
-        auto& queue = deadlineWait <= taskWait ? *deadlines_ : *tasks_;
+        moveTo(std::max(now_, due));
+        auto& queue = deadline <= task ? *deadlines_ : *tasks_;
         // Taken out first: the action may schedule, cancel, or destroy its own handle.
-        const auto due = queue.extract(queue.begin());
-        due.mapped()();
+        const auto entry = queue.extract(queue.begin());
+        entry.mapped()();
         return true;
     }
 

@@ -1,0 +1,142 @@
+#include "App/Headless/HeadlessApplication.h"
+
+#include "App/Headless/ExitStatus.h"
+#include "App/Headless/SessionReport.h"
+#include "App/Wording/SessionWording.h"
+#include "HelperProtocol/Brand.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace vespra {
+
+HeadlessApplication::HeadlessApplication(
+    Platform& platform, const HeadlessOptions& options, TerminalOutput& output, std::function<void(int)> onFinish)
+    : platform_{platform}
+    , options_{options}
+    , output_{output}
+    , onFinish_{std::move(onFinish)}
+    , coordinator_{options.settings,
+          Calendar::current(),
+          SessionEnvironment{
+              .clock = *platform.time.clock,
+              .scheduler = *platform.time.deadlines,
+              .power = *platform.power,
+              .thermal = *platform.thermal,
+          },
+          helper::NotInstalled{}}
+{
+}
+
+HeadlessApplication::~HeadlessApplication() = default;
+
+void HeadlessApplication::start()
+{
+    coordinator_.onEvent = lifetime_.guard([this](const SessionEvent& event) { follow(event); });
+    agentSocket_.emplace(Brand::agentSocketPath(),
+        *platform_.time.mainLoop,
+        *platform_.time.clock,
+        lifetime_.guard([this](const AgentEvent& event) { receive(event); }));
+    agentSocket_->start();
+    followSystem();
+    if (!options_.isIdle)
+        startSession();
+}
+
+void HeadlessApplication::followSystem()
+{
+    platform_.sleep->onWillSleep = lifetime_.guard([this] { coordinator_.systemWillSleep(); });
+    coordinator_.updateLid(platform_.lid->isClosedWithoutExternalDisplay());
+    platform_.lid->onChange = lifetime_.guard([this](bool closed) { coordinator_.updateLid(closed); });
+
+    assertions_.emplace(Brand::appName() + ": keeping the Mac awake",
+        Brand::appBundleID(),
+        PowerAssertionController::System{
+            .assertions = *platform_.assertions,
+            .display = *platform_.display,
+            .lid = *platform_.lid,
+            .tasks = *platform_.time.tasks,
+        });
+    assertionLoop_.emplace(*platform_.time.mainLoop, [this] {
+        platform_.session->sessionRuns(coordinator_.state().isActive());
+        assertions_->apply(coordinator_.requirements());
+    });
+    if (output_.isTerminal())
+        liveLoop_.emplace(*platform_.time.mainLoop, [this] { drawLive(); });
+}
+
+void HeadlessApplication::startSession()
+{
+    platform_.session->refresh();
+    const auto& preferences = options_.preferences;
+    if (preferences.mode == SessionMode::agent)
+        agentCondition_
+            = std::make_shared<AgentEndCondition>(agents_, coordinator_.settings().agents, *platform_.time.clock);
+    const auto started = coordinator_.start(
+        preferences.plan(coordinator_.settings().agentSafetyCap), preferences.options, agentCondition_);
+    if (started)
+        return;
+    output_.printLine(message(started.error()));
+    finish(ExitStatus::refused);
+}
+
+void HeadlessApplication::receive(const AgentEvent& event)
+{
+    if (const char* trace = std::getenv("VESPRA_TRACE_AGENTS"); trace && std::string_view{trace} == "1")
+        std::fprintf(stderr,
+            "agent-event %s %s %s %s\n",
+            std::string{rawValue(event.agent)}.c_str(),
+            std::string{rawValue(event.signal)}.c_str(),
+            event.sessionID.c_str(),
+            event.cwd.value_or("-").c_str());
+    agents_.record(event);
+}
+
+void HeadlessApplication::follow(const SessionEvent& event)
+{
+    const bool hasEnded = std::holds_alternative<event::Ended>(event);
+    if (hasEnded)
+        output_.showLive({});
+    output_.printLine(reportLine(event));
+    if (hasEnded)
+        finish(ExitStatus::done);
+}
+
+void HeadlessApplication::terminate()
+{
+    if (coordinator_.state().isActive())
+        coordinator_.stop(end::AppTerminated{});
+    else
+        finish(ExitStatus::done);
+}
+
+void HeadlessApplication::finish(int exitStatus)
+{
+    if (liveLoop_)
+        liveLoop_->stop();
+    nextSecond_.reset();
+    if (assertionLoop_)
+        assertionLoop_->stop();
+    platform_.session->sessionRuns(false);
+    if (assertions_)
+        assertions_->apply(PowerRequirements::none());
+    notify(onFinish_, exitStatus);
+}
+
+void HeadlessApplication::drawLive()
+{
+    nextSecond_.reset();
+    const auto* session = coordinator_.state().activeSession();
+    if (!session)
+        return output_.showLive({});
+    const auto now = coordinator_.now();
+    output_.showLive(liveLine(*session, now, agentCondition_.get(), agents_));
+
+    // Just past the next full second of what is counted, so that no second is shown twice or left out.
+    constexpr Seconds past{0.02};
+    const double counted = session->remaining(now).value_or(-session->elapsed(now)).count();
+    const Seconds toNext{counted - std::floor(counted)};
+    nextSecond_ = platform_.time.tasks->schedule(toNext + past, lifetime_.guard([this] { drawLive(); }));
+}
+
+} // namespace vespra

@@ -1,0 +1,110 @@
+#include "App/Headless/HeadlessOptions.h"
+
+#include "App/Headless/ExitStatus.h"
+#include "Control/Arguments/Arguments.h"
+#include "Core/Session/SessionLimits.h"
+
+#include <CLI/CLI.hpp>
+
+namespace vespra {
+
+namespace {
+
+    /// How an option's value is read: the value, or a sentence that says what was expected.
+    template <class Value> using Reader = std::function<std::expected<Value, std::string>(const std::string&)>;
+
+    struct Option {
+        const char* name;
+        const char* value; // what stands for it in the help
+        const char* help;
+    };
+
+    template <class Value, class Take>
+    void add(CLI::App& app, const Option& option, const Reader<Value>& read, Take take)
+    {
+        const auto use = [name = option.name, read, take](const std::string& text) {
+            const auto value = read(text);
+            if (!value)
+                throw CLI::ValidationError{name, value.error()};
+            take(*value);
+        };
+        app.add_option_function<std::string>(option.name, use, option.help)->type_name(option.value);
+    }
+
+    Reader<Seconds> lengthWithin(ClosedRange<Seconds> range)
+    {
+        return [range](const std::string& text) { return arguments::length(text, range); };
+    }
+
+    std::expected<PlatformKind, std::string> platformKind(const std::string& name)
+    {
+        if (const auto kind = fromRawValue<PlatformKind>(name))
+            return *kind;
+        return std::unexpected{"expected linux, macos or simulated, not \"" + name + "\""};
+    }
+
+    void addPlans(CLI::App& app, SessionPreferences& preferences, bool& isIdle)
+    {
+        auto& plans = *app.add_option_group("How the session ends", "By default as a timer of one hour");
+        add<Seconds>(plans,
+            {"--timer", "LENGTH", "After this time, such as 25m or 1h30m; from one minute to 24 hours"},
+            lengthWithin({SessionLimits::minimumDuration, SessionLimits::maximumDuration}),
+            [&](Seconds length) {
+                preferences.mode = SessionMode::timer;
+                preferences.timerDuration = length;
+            });
+        add<TimeOfDay>(plans,
+            {"--until", "TIME", "At this time of day, such as 18:30"},
+            arguments::timeOfDay,
+            [&](TimeOfDay time) {
+                preferences.mode = SessionMode::until;
+                preferences.untilTime = time;
+            });
+        const auto addMode = [&](const char* name, SessionMode mode, const char* help) {
+            plans.add_flag_callback(name, [&preferences, mode] { preferences.mode = mode; }, help);
+        };
+        addMode("--unlimited", SessionMode::unlimited, "Only when you stop it");
+        addMode("--agent", SessionMode::agent, "When your coding agents have finished");
+        plans.add_flag("--idle", isIdle, "Start no session, only listen to the agents");
+        plans.require_option(0, 1);
+    }
+
+} // namespace
+
+std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
+{
+    HeadlessOptions options;
+    std::optional<Seconds> grace;
+    bool isHeadless = false;
+    CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep.", "vespra"};
+    app.add_flag("--headless", isHeadless, "Run in the terminal, without windows");
+    addPlans(app, options.preferences, options.isIdle);
+    add<Seconds>(app,
+        {"--grace", "LENGTH", "How long all agents must stay done before the session ends, such as 2m; up to 15m"},
+        lengthWithin(AgentPolicy::graceRange),
+        [&](Seconds length) { grace = length; });
+    app.add_flag("--display", options.preferences.options.keepsDisplayAwake, "Keep the display on too");
+    app.add_flag("--closed-lid", options.preferences.options.closedLid, "Stay awake with the lid closed");
+    add<SessionSettings>(app,
+        {"--settings", "FILE", "Guardrails and agent settings, as JSON"},
+        arguments::settingsFile,
+        [&](const SessionSettings& settings) { options.settings = settings; });
+    add<PlatformKind>(app,
+        {"--platform",
+            "NAME",
+            "linux, macos or simulated; by default this system, or a simulated laptop where no power manager answers"},
+        platformKind,
+        [&](PlatformKind kind) { options.platform = kind; });
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Asking for help is a "parse error" of status 0.
+        return app.exit(error) == 0 ? ExitStatus::done : ExitStatus::badArguments;
+    }
+    // After --settings, wherever it stood on the command line.
+    if (grace)
+        options.settings.agents.graceDelay = *grace;
+    return options;
+}
+
+} // namespace vespra

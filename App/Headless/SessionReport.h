@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Core/Agents/AgentEndCondition.h"
+#include "Core/Session/SessionCoordinator.h"
+
+#include <string>
+
+namespace vespra {
+
+/// What happened, in one line for the terminal.
+std::string reportLine(const SessionEvent& event);
+
+/// How the session stands, in one line: the time, and what each agent does. `condition` is nothing but for an agent
+/// session.
+std::string liveLine(
+    const ActiveSession& session, Instant now, const AgentEndCondition* condition, const AgentTracker& tracker);
+
+} // namespace vespra

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+namespace vespra {
+
+/// Standard output: lines that stay, and on a terminal below them one live line that is drawn again and again.
+class TerminalOutput {
+public:
+    TerminalOutput();
+    /// Removes the live line.
+    ~TerminalOutput();
+    TerminalOutput(const TerminalOutput&) = delete;
+    TerminalOutput& operator=(const TerminalOutput&) = delete;
+
+    /// Whether somebody watches.
+    bool isTerminal() const { return isTerminal_; }
+
+    void printLine(const std::string& text);
+    /// Cut to the terminal's width; empty removes it. Nothing where there is no terminal.
+    void showLive(const std::string& text);
+
+private:
+    void eraseLive();
+    void drawLive();
+
+    bool isTerminal_;
+    std::string live_;
+};
+
+} // namespace vespra

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QSocketNotifier>
+
+#include <functional>
+
+namespace vespra {
+
+/// Brings SIGINT, SIGTERM and SIGHUP to the main loop. One at a time in a process.
+class TerminationSignals {
+public:
+    /// `onSignal` runs on the main thread, once for all signals that came together.
+    explicit TerminationSignals(std::function<void()> onSignal);
+    /// The signals end the process again.
+    ~TerminationSignals();
+    TerminationSignals(const TerminationSignals&) = delete;
+    TerminationSignals& operator=(const TerminationSignals&) = delete;
+
+private:
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+} // namespace vespra

@@ -1,0 +1,363 @@
+#include "App/System/ClosedLidController.h"
+
+#include "Core/Scheduling/MainThread.h"
+#include "HelperProtocol/Brand.h"
+
+namespace vespra {
+
+ClosedLidController::ClosedLidController(SessionCoordinator& coordinator, ClosedLidEnvironment environment)
+    : coordinator_{coordinator}
+    , environment_{std::move(environment)}
+    , log_{Brand::appBundleID(), "closed-lid"}
+{
+    mainThread::check();
+    environment_.service.onChange = lifetime_.guard([this] { refreshStatus(); });
+    refreshStatus();
+    requirementLoop_.emplace(
+        environment_.mainLoop, [this] { follow(coordinator_.requirements().disablesSystemSleep); });
+}
+
+// The connection
+
+HelperConnection& ClosedLidController::connection()
+{
+    if (!connection_) {
+        connection_ = environment_.connect();
+        connection_->onInvalidation = lifetime_.guard([this] { dropConnection("connexion interrompue"); });
+    }
+    return *connection_;
+}
+
+void ClosedLidController::dropConnection(const std::string& reason)
+{
+    if (connection_) {
+        connection_->onInvalidation = nullptr;
+        // It may be the one that is calling, so it goes in a later turn.
+        environment_.mainLoop.post([ended = std::shared_ptr<HelperConnection>{std::move(connection_)}] { });
+    }
+    for (const auto& request : std::exchange(requests_, {}))
+        request->giveUp(HelperUnreachable{reason});
+}
+
+template <class Value, class Handle>
+void ClosedLidController::send(void (HelperXPCProtocol::*operation)(HelperReply<Value>), Seconds limit, Handle handle)
+{
+    const auto request = std::make_shared<Request>();
+    request->giveUp = [handle](const HelperUnreachable& error) { handle(std::unexpected{error}); };
+    request->limit = environment_.tasks.schedule(
+        limit, lifetime_.guard([this] { dropConnection("aucune réponse dans le délai"); }));
+    requests_.push_back(request);
+    auto& line = connection();
+    (line.*operation)(lifetime_.guard([this, handle, owed = std::weak_ptr{request}](const auto& reply) {
+        if (const auto answered = owed.lock(); answered && std::erase(requests_, answered) > 0)
+            handle(reply);
+    }));
+}
+
+void ClosedLidController::setStatus(HelperStatus status)
+{
+    status_ = status;
+    coordinator_.updateHelper(status_, isApplied_);
+}
+
+void ClosedLidController::fail() { setStatus(helper::Failed{}); }
+
+void ClosedLidController::unreachable(const HelperUnreachable& error)
+{
+    log_.error("Helper injoignable : " + error.description);
+    fail();
+}
+
+// Registration
+
+void ClosedLidController::install()
+{
+    environment_.service.registerService(lifetime_.guard([this](const std::expected<void, std::string>& result) {
+        if (!result) {
+            log_.error("Enregistrement du helper : " + result.error());
+            fail();
+        }
+        registered(result.has_value());
+    }));
+}
+
+void ClosedLidController::registered(bool succeeded)
+{
+    const int refresh = ++refresh_;
+    environment_.service.status(lifetime_.guard([this, refresh, succeeded](HelperServiceStatus serviceStatus) {
+        const bool needsApproval = serviceStatus == HelperServiceStatus::requiresApproval;
+        if (needsApproval)
+            environment_.service.openSettings();
+        // A registration that only lacks approval may have been reported as an error.
+        if (refresh == refresh_ && (succeeded || needsApproval))
+            show(serviceStatus);
+    }));
+}
+
+void ClosedLidController::refreshStatus()
+{
+    mainThread::check();
+    approvalPollTask_.reset();
+    versionRetryTask_.reset();
+    const int refresh = ++refresh_;
+    const auto showUnlessOutdated = lifetime_.guard([this, refresh](HelperServiceStatus serviceStatus) {
+        if (refresh == refresh_)
+            show(serviceStatus);
+    });
+    environment_.facts.read(lifetime_.guard([this, refresh, showUnlessOutdated](MachineFacts::Reading facts) {
+        if (refresh != refresh_)
+            return;
+        if (!facts.hasLid)
+            setStatus(helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay});
+        else if (!facts.isSignedByOwnTeam)
+            setStatus(helper::Unsupported{ClosedLidUnsupportedReason::unsignedBuild});
+        else
+            environment_.service.status(showUnlessOutdated);
+    }));
+}
+
+void ClosedLidController::show(HelperServiceStatus serviceStatus)
+{
+    switch (serviceStatus) {
+    case HelperServiceStatus::notRegistered:
+    case HelperServiceStatus::notFound:
+        return setStatus(helper::NotInstalled{});
+    case HelperServiceStatus::requiresApproval:
+        setStatus(helper::AwaitingApproval{});
+        return pollApproval();
+    case HelperServiceStatus::enabled:
+        return ping();
+    case HelperServiceStatus::unknown:
+        break;
+    }
+    fail();
+}
+
+void ClosedLidController::pollApproval()
+{
+    const auto look = lifetime_.guard([this, refresh = refresh_](HelperServiceStatus serviceStatus) {
+        if (refresh != refresh_)
+            return;
+        if (serviceStatus == HelperServiceStatus::requiresApproval)
+            pollApproval();
+        else
+            refreshStatus();
+    });
+    approvalPollTask_ = environment_.tasks.schedule(
+        approvalPollInterval, lifetime_.guard([this, look] { environment_.service.status(look); }));
+}
+
+void ClosedLidController::ping()
+{
+    const auto isOutdated = [this, refresh = refresh_] { return refresh != refresh_; };
+    send(&HelperXPCProtocol::protocolVersion,
+        replyLimit,
+        [this, isOutdated](const std::expected<std::int64_t, HelperUnreachable>& version) {
+            if (isOutdated())
+                return;
+            if (!version)
+                return unreachable(version.error());
+            if (*version != HelperXPC::protocolVersion)
+                return rejectVersion();
+            setStatus(helper::Ready{});
+            doWhatIsWanted();
+        });
+}
+
+void ClosedLidController::rejectVersion()
+{
+    fail();
+    dropConnection("version inattendue");
+    versionRetryTask_ = environment_.tasks.schedule(versionRetryDelay, lifetime_.guard([this] { refreshStatus(); }));
+}
+
+// The override
+
+void ClosedLidController::follow(bool disablesSystemSleep)
+{
+    if (disablesSystemSleep == wantsApplied_)
+        return;
+    wantsApplied_ = disablesSystemSleep;
+    if (wantsApplied_)
+        apply();
+    else
+        restore();
+}
+
+/// What the reply to the request before leaves to be done.
+void ClosedLidController::doWhatIsWanted()
+{
+    if (wantsApplied_ && !isApplied_)
+        apply();
+    else if (!wantsApplied_ && isApplied_)
+        restore();
+}
+
+void ClosedLidController::apply()
+{
+    if (isChanging_ || isQuitting_)
+        return;
+    isChanging_ = true;
+    send(&HelperXPCProtocol::enableClosedLid, enableReplyLimit, [this](const auto& reply) { applied(reply); });
+}
+
+void ClosedLidController::applied(const std::expected<HelperRefusal, HelperUnreachable>& reply)
+{
+    isChanging_ = false;
+    if (!reply)
+        return unreachable(reply.error());
+    if (const auto& refusal = *reply) {
+        log_.error("Activation refusée par le helper : " + *refusal);
+        return fail();
+    }
+    isApplied_ = true;
+    setStatus(helper::Ready{});
+    if (wantsApplied_)
+        scheduleHeartbeat();
+    doWhatIsWanted();
+}
+
+void ClosedLidController::scheduleHeartbeat()
+{
+    heartbeatTask_
+        = environment_.tasks.schedule(HelperXPC::heartbeatInterval, lifetime_.guard([this] { heartbeat(); }));
+}
+
+void ClosedLidController::heartbeat()
+{
+    scheduleHeartbeat();
+    send(&HelperXPCProtocol::heartbeat, replyLimit, [this](const std::expected<bool, HelperUnreachable>& inForce) {
+        if (!wantsApplied_ || isChanging_)
+            return;
+        if (!inForce)
+            return unreachable(inForce.error());
+        if (*inForce)
+            return;
+        isApplied_ = false;
+        setStatus(status_);
+        doWhatIsWanted();
+    });
+}
+
+void ClosedLidController::restore()
+{
+    heartbeatTask_.reset();
+    const auto now = environment_.tasks.continuousNow();
+    if (!restoreNotBefore_ || *restoreNotBefore_ <= now)
+        return sendRestore();
+    restoreTask_ = environment_.tasks.schedule(*restoreNotBefore_ - now, lifetime_.guard([this] { sendRestore(); }));
+}
+
+void ClosedLidController::sendRestore()
+{
+    restoreTask_.reset();
+    restoreNotBefore_.reset();
+    if (wantsApplied_ || !isApplied_ || isChanging_ || isQuitting_)
+        return;
+    isChanging_ = true;
+    send(&HelperXPCProtocol::restoreSleep, replyLimit, [this](const auto& reply) { restored(reply); });
+}
+
+void ClosedLidController::restored(const std::expected<HelperRefusal, HelperUnreachable>& reply)
+{
+    isChanging_ = false;
+    if (!reply)
+        return unreachable(reply.error());
+    if (const auto& refusal = *reply) {
+        log_.error("Restauration refusée par le helper : " + *refusal);
+        return fail();
+    }
+    isApplied_ = false;
+    setStatus(status_);
+    doWhatIsWanted();
+}
+
+void ClosedLidController::restoreBeforeQuit(Seconds timeout)
+{
+    mainThread::check();
+    isQuitting_ = true;
+    heartbeatTask_.reset();
+    restoreTask_.reset();
+    if (!isApplied_)
+        return;
+    const auto reply = connection().restoreSleepAndWait(timeout);
+    if (!reply)
+        log_.error("Helper injoignable : " + reply.error().description);
+    else if (const auto& refusal = *reply)
+        log_.error("Restauration refusée par le helper : " + *refusal);
+    else {
+        isApplied_ = false;
+        setStatus(status_);
+    }
+}
+
+// Sleep and shutdown
+
+void ClosedLidController::sleepNow()
+{
+    if (!isReady(status_))
+        return sleepDirectly();
+    send(
+        &HelperXPCProtocol::sleepNow, replyLimit, [this](const std::expected<HelperRefusal, HelperUnreachable>& reply) {
+            if (!reply)
+                unreachable(reply.error());
+            else if (const auto& refusal = *reply)
+                log_.error("Mise en veille refusée par le helper : " + *refusal);
+            else
+                return;
+            sleepDirectly();
+        });
+}
+
+void ClosedLidController::shutDown()
+{
+    if (!isReady(status_))
+        return sleepNow();
+    send(
+        &HelperXPCProtocol::shutDown, replyLimit, [this](const std::expected<HelperRefusal, HelperUnreachable>& reply) {
+            if (!reply)
+                unreachable(reply.error());
+            else if (const auto& refusal = *reply)
+                log_.error("Extinction refusée par le helper : " + *refusal);
+            else
+                return;
+            shutDownDirectly();
+        });
+}
+
+void ClosedLidController::sleepDirectly()
+{
+    environment_.power.sleepNow([log = log_](const std::expected<void, std::string>& result) {
+        if (!result)
+            log.error("Mise en veille impossible : " + result.error());
+    });
+}
+
+void ClosedLidController::shutDownDirectly()
+{
+    environment_.power.shutDown(lifetime_.guard([this](const std::expected<void, std::string>& result) {
+        if (result)
+            return;
+        log_.error("Extinction impossible : " + result.error());
+        sleepDirectly();
+    }));
+}
+
+void ClosedLidController::perform(AgentEndAction action)
+{
+    switch (action) {
+    case AgentEndAction::letSleep:
+        return;
+    case AgentEndAction::sleepNow:
+        return sleepNow();
+    case AgentEndAction::shutDown:
+        return shutDown();
+    }
+}
+
+std::function<void(AgentEndAction)> ClosedLidController::performer()
+{
+    return lifetime_.guard([this](AgentEndAction action) { perform(action); });
+}
+
+} // namespace vespra

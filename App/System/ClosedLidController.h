@@ -1,0 +1,124 @@
+#pragma once
+
+#include "App/System/HelperConnection.h"
+#include "App/System/HelperService.h"
+#include "App/System/MachineFacts.h"
+#include "App/System/SystemLog.h"
+#include "App/System/SystemPower.h"
+#include "Core/Agents/AgentPolicy.h"
+#include "Core/Observation/ObservationLoop.h"
+#include "Core/Scheduling/TaskScheduling.h"
+#include "Core/Session/SessionCoordinator.h"
+
+namespace vespra {
+
+/// What the controller works with. Everything here outlives it.
+struct ClosedLidEnvironment {
+    HelperService& service;
+    HelperConnector connect;
+    MachineFacts& facts;
+    SystemPower& power;
+    TaskScheduling& tasks;
+    MainLoop& mainLoop;
+};
+
+/// The application's side of closed-lid mode: follows the privileged component's registration, has it apply and restore
+/// the sleep override as the session asks, renews the lease, and tells the coordinator. One request that changes the
+/// override is under way at a time; after its reply the controller does what is wanted by then. Main thread only.
+class ClosedLidController {
+public:
+    static constexpr Seconds approvalPollInterval = 2s;
+    static constexpr Seconds versionRetryDelay = 65s;
+    /// A component that has not answered by then counts as unreachable, and its connection is broken off.
+    static constexpr Seconds replyLimit = 25s;
+    /// Enabling may wait for the user's password.
+    static constexpr Seconds enableReplyLimit = 120s;
+
+    ClosedLidController(SessionCoordinator& coordinator, ClosedLidEnvironment environment);
+    ClosedLidController(const ClosedLidController&) = delete;
+    ClosedLidController& operator=(const ClosedLidController&) = delete;
+
+    const HelperStatus& status() const { return status_; }
+    /// The component has confirmed the override.
+    bool isApplied() const { return isApplied_; }
+
+    /// Registers the component: an action of the user's.
+    void install();
+    /// Asks the system, and then the component, anew.
+    void refreshStatus();
+
+    /// Through the component; without it, directly.
+    void sleepNow();
+    /// Through the component; without it the machine sleeps instead.
+    void shutDown();
+    /// Carries out what follows an agent session.
+    void perform(AgentEndAction action);
+    /// The same as a callback that holds the controller weakly.
+    std::function<void(AgentEndAction)> performer();
+
+    /// The earliest moment at which a restore may be sent; absent: at once. Used up by the next restore.
+    void setRestoreNotBefore(std::optional<ContinuousInstant> moment) { restoreNotBefore_ = moment; }
+
+    /// If the override is applied, blocks until it has been taken back or `timeout` has passed. The controller asks for
+    /// nothing afterwards.
+    void restoreBeforeQuit(Seconds timeout);
+
+private:
+    /// A request whose reply is still owed.
+    struct Request {
+        std::function<void(const HelperUnreachable&)> giveUp;
+        std::unique_ptr<ScheduledTask> limit;
+    };
+
+    HelperConnection& connection();
+    /// Gives up on every reply still owed.
+    void dropConnection(const std::string& reason);
+    /// Sends one request. `handle` gets the reply, or unreachable: after `limit`, or when the connection ends.
+    template <class Value, class Handle>
+    void send(void (HelperXPCProtocol::*operation)(HelperReply<Value>), Seconds limit, Handle handle);
+    void fail();
+    void unreachable(const HelperUnreachable& error);
+    void setStatus(HelperStatus status);
+
+    void registered(bool succeeded);
+    void show(HelperServiceStatus serviceStatus);
+    void pollApproval();
+    void ping();
+    void rejectVersion();
+
+    void follow(bool disablesSystemSleep);
+    void apply();
+    void applied(const std::expected<HelperRefusal, HelperUnreachable>& reply);
+    void scheduleHeartbeat();
+    void heartbeat();
+    void restore();
+    void sendRestore();
+    void restored(const std::expected<HelperRefusal, HelperUnreachable>& reply);
+    void doWhatIsWanted();
+
+    void sleepDirectly();
+    void shutDownDirectly();
+
+    SessionCoordinator& coordinator_;
+    ClosedLidEnvironment environment_;
+    SystemLog log_;
+    std::unique_ptr<HelperConnection> connection_;
+    HelperStatus status_ = helper::NotInstalled{};
+    bool wantsApplied_ = false;
+    bool isApplied_ = false;
+    bool isQuitting_ = false;
+    /// A request that changes the override is under way.
+    bool isChanging_ = false;
+    /// Counts the refreshes: an answer to an earlier one is out of date.
+    int refresh_ = 0;
+    std::vector<std::shared_ptr<Request>> requests_;
+    std::optional<ContinuousInstant> restoreNotBefore_;
+    std::unique_ptr<ScheduledTask> heartbeatTask_;
+    std::unique_ptr<ScheduledTask> approvalPollTask_;
+    std::unique_ptr<ScheduledTask> versionRetryTask_;
+    std::unique_ptr<ScheduledTask> restoreTask_;
+    std::optional<ObservationLoop> requirementLoop_;
+    Lifetime lifetime_;
+};
+
+} // namespace vespra

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "App/System/DisplayControl.h"
+#include "App/System/LidMonitoring.h"
+#include "App/System/PowerAssertionBackend.h"
+#include "App/System/SessionFollowing.h"
+#include "App/System/SystemSleepObserving.h"
+#include "Core/RawValue.h"
+#include "Core/Scheduling/DeadlineScheduling.h"
+#include "Core/Scheduling/MainLoop.h"
+#include "Core/Scheduling/PowerSourceMonitoring.h"
+#include "Core/Scheduling/TaskScheduling.h"
+#include "Core/Scheduling/ThermalMonitoring.h"
+#include "Core/Scheduling/WallClock.h"
+
+#include <expected>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vespra {
+
+class SimulatedMachine;
+
+enum class PlatformKind { linux, macos, simulated };
+
+template <>
+inline constexpr auto rawValues<PlatformKind> = RawValueTable<PlatformKind, 3>{{
+    {PlatformKind::linux, "linux"},
+    {PlatformKind::macos, "macos"},
+    {PlatformKind::simulated, "simulated"},
+}};
+
+/// The main loop, the clock and the timers of the system that the program runs on.
+struct PlatformTime {
+    std::unique_ptr<MainLoop> mainLoop;
+    std::unique_ptr<WallClock> clock;
+    std::unique_ptr<DeadlineScheduling> deadlines;
+    std::unique_ptr<TaskScheduling> tasks;
+};
+
+/// All that the application needs of its system; every member is set, except `machine`. Main thread only, but for
+/// `time.mainLoop->post`. Members that come later use those before them.
+struct Platform {
+    PlatformKind kind = PlatformKind::simulated;
+    /// Why the laptop is a simulated one though nobody asked for it: a sentence for the user. Empty otherwise.
+    std::string notice;
+
+    PlatformTime time;
+    /// The laptop in memory, of the simulated platform only.
+    std::shared_ptr<SimulatedMachine> machine;
+    std::unique_ptr<PowerSourceMonitoring> power;
+    std::unique_ptr<ThermalMonitoring> thermal;
+    std::unique_ptr<LidMonitoring> lid;
+    std::unique_ptr<SystemSleepObserving> sleep;
+    std::unique_ptr<PowerAssertionBackend> assertions;
+    std::unique_ptr<DisplayControl> display;
+    std::unique_ptr<SessionFollowing> session;
+};
+
+/// Builds the platform; a QCoreApplication must exist, and must outlive it. Without a `kind` it is the system's own
+/// where a power manager answers, else a simulated laptop with a `notice`. Fails with a sentence if this build or this
+/// machine does not have the `kind`. Waits for other processes at most about two seconds.
+std::expected<Platform, std::string> makePlatform(std::optional<PlatformKind> kind = {});
+
+} // namespace vespra

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "App/System/BatterySampleFilter.h"
+#include "App/System/linux/UdevMonitor.h"
+#include "App/System/linux/UPower.h"
+#include "App/System/Reading.h"
+#include "Core/Lifetime.h"
+#include "Core/Scheduling/PowerSourceMonitoring.h"
+#include "Core/Scheduling/TaskScheduling.h"
+
+#include <filesystem>
+
+namespace vespra {
+
+/// UPower's reading, or, while it does not answer, that of the kernel's files: at their events and, while a session
+/// runs, every 30 s.
+class LinuxPowerSource final : public PowerSourceMonitoring {
+public:
+    LinuxPowerSource(std::shared_ptr<UPower> upower, TaskScheduling& tasks, std::filesystem::path sysfs);
+
+    PowerSnapshot snapshot() const override { return reading_.value(); }
+    void sessionRuns(bool runs);
+    void refresh() { filter_.sample(read()); }
+    void didSleep() { filter_.didSleep(); }
+
+private:
+    static constexpr Seconds pollInterval = 30s;
+
+    PowerSnapshot read() const;
+    void sourceChanged();
+    void followKernel();
+    void poll();
+
+    std::shared_ptr<UPower> upower_;
+    TaskScheduling& tasks_;
+    std::filesystem::path sysfs_;
+    BatterySampleFilter filter_;
+    Reading<PowerSnapshot> reading_;
+    std::unique_ptr<UdevMonitor> kernel_;
+    bool sessionRuns_ = false;
+    std::unique_ptr<ScheduledTask> poll_;
+    Lifetime lifetime_;
+};
+
+} // namespace vespra

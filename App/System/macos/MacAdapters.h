@@ -1,0 +1,28 @@
+#pragma once
+
+#include "App/System/DisplayControl.h"
+#include "App/System/LidMonitoring.h"
+#include "App/System/PowerAssertionBackend.h"
+#include "App/System/SystemSleepObserving.h"
+#include "Core/Scheduling/DeadlineScheduling.h"
+#include "Core/Scheduling/PowerSourceMonitoring.h"
+#include "Core/Scheduling/TaskScheduling.h"
+#include "Core/Scheduling/ThermalMonitoring.h"
+
+#include <memory>
+
+namespace vespra {
+
+/// One-shot dispatch timers against the wall clock, on the main queue.
+std::unique_ptr<DeadlineScheduling> makeDispatchDeadlineScheduler();
+/// The same against the continuous clock.
+std::unique_ptr<TaskScheduling> makeDispatchTaskScheduler();
+
+std::unique_ptr<PowerSourceMonitoring> makeIOPSPowerSource();
+std::unique_ptr<ThermalMonitoring> makeThermalStateMonitor();
+std::unique_ptr<LidMonitoring> makeLidMonitor();
+std::unique_ptr<SystemSleepObserving> makeSystemSleepObserver();
+std::unique_ptr<PowerAssertionBackend> makeIOKitAssertions();
+std::unique_ptr<DisplayControl> makeMacDisplay();
+
+} // namespace vespra

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "App/System/simulated/MachineState.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+
+namespace vespra {
+
+/// A laptop in memory, steered by hand. Main thread only.
+class SimulatedMachine {
+public:
+    /// Something that keeps the machine awake: "PreventUserIdleSystemSleep", "activity", and the reason given for it.
+    struct Assertion {
+        std::string type;
+        std::string name;
+        bool operator==(const Assertion&) const = default;
+    };
+
+    const MachineState& state() const { return state_; }
+    MachineSettings get() const { return machineSettings(state_); }
+    /// Changes all of `settings` and tells the listeners; or fails with a sentence and changes nothing.
+    std::expected<void, std::string> set(const MachineSettings& settings);
+    void set(const MachineState& next);
+
+    std::uint32_t hold(Assertion assertion);
+    void release(std::uint32_t id) { assertions_.erase(id); }
+    const std::map<std::uint32_t, Assertion>& assertions() const { return assertions_; }
+
+    /// Called after every change of the state; for as long as the machine is there.
+    void onChange(std::function<void()> listener) { listeners_.push_back(std::move(listener)); }
+    /// Called with true when the machine goes to sleep and with false when it wakes up.
+    std::function<void(bool sleeps)> onSleep;
+
+private:
+    MachineState state_;
+    std::map<std::uint32_t, Assertion> assertions_;
+    std::uint32_t lastAssertion_ = 0;
+    std::vector<std::function<void()>> listeners_;
+};
+
+} // namespace vespra

@@ -1,0 +1,119 @@
+#include "Control/Arguments/Arguments.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace vespra::arguments {
+
+namespace {
+
+    /// A whole number at the front of `text`, which is taken off it; absent without one.
+    std::optional<std::int64_t> takeNumber(std::string_view& text)
+    {
+        std::int64_t number = 0;
+        const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (error != std::errc{} || text.front() == '-')
+            return {};
+        text.remove_prefix(static_cast<std::size_t>(rest - text.data()));
+        return number;
+    }
+
+    std::optional<Seconds> unit(char letter)
+    {
+        switch (letter) {
+        case 'h':
+            return 1h;
+        case 'm':
+            return 1min;
+        case 's':
+            return 1s;
+        default:
+            return {};
+        }
+    }
+
+    std::optional<Seconds> sumOfParts(std::string_view text)
+    {
+        Seconds sum{};
+        auto previousUnit = Seconds::max();
+        while (!text.empty()) {
+            const auto number = takeNumber(text);
+            const auto length = number && !text.empty() ? unit(text.front()) : std::nullopt;
+            if (!length || *length >= previousUnit)
+                return {};
+            sum += static_cast<double>(*number) * *length;
+            previousUnit = *length;
+            text.remove_prefix(1);
+        }
+        return sum;
+    }
+
+    std::string written(Seconds length)
+    {
+        const auto seconds = static_cast<std::int64_t>(length.count());
+        if (seconds % 3600 == 0 && seconds > 0)
+            return std::to_string(seconds / 3600) + "h";
+        return seconds % 60 == 0 && seconds > 0 ? std::to_string(seconds / 60) + "m" : std::to_string(seconds) + "s";
+    }
+
+} // namespace
+
+std::expected<Seconds, std::string> length(std::string_view text, ClosedRange<Seconds> range)
+{
+    const auto sum = text.empty() ? std::nullopt : sumOfParts(text);
+    if (sum && *sum >= range.lowest && *sum <= range.highest)
+        return *sum;
+    return std::unexpected{"expected a length from " + written(range.lowest) + " to " + written(range.highest)
+        + ", such as 25m or 1h30m, not \"" + std::string{text} + "\""};
+}
+
+std::expected<TimeOfDay, std::string> timeOfDay(std::string_view text)
+{
+    auto rest = text;
+    const auto hour = rest.empty() ? std::nullopt : takeNumber(rest);
+    if (hour && *hour <= 23 && rest.size() == 3 && rest.front() == ':') {
+        rest.remove_prefix(1);
+        const auto minute = takeNumber(rest);
+        if (minute && *minute <= 59 && rest.empty())
+            return TimeOfDay{*hour, *minute};
+    }
+    return std::unexpected{
+        "expected a time of day from 00:00 to 23:59, such as 18:30, not \"" + std::string{text} + "\""};
+}
+
+std::expected<std::string, std::string> fileContents(const std::string& path)
+{
+    using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+    const auto close = [](std::FILE* open) { return open == stdin ? 0 : std::fclose(open); };
+    const File file{path == "-" ? stdin : std::fopen(path.c_str(), "rbe"), close};
+    std::string text;
+    if (file) {
+        char chunk[1 << 16];
+        while (const auto read = std::fread(chunk, 1, sizeof chunk, file.get()))
+            text.append(chunk, read);
+    }
+    if (!file || std::ferror(file.get()))
+        return std::unexpected{"cannot read " + path + ": " + std::strerror(errno)};
+    return text;
+}
+
+std::expected<SessionSettings, std::string> settingsFile(const std::string& path)
+{
+    const auto text = fileContents(path);
+    if (!text)
+        return std::unexpected{text.error()};
+    const auto json = parsedJSON(*text);
+    if (!json)
+        return std::unexpected{path + ": expected JSON"};
+    const auto settings = decoded(JSONSource{*json}, readSessionSettings);
+    if (!settings)
+        return std::unexpected{path + ": " + settings.error().description()};
+    return *settings;
+}
+
+} // namespace vespra::arguments

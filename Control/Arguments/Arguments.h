@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Core/ClosedRange.h"
+#include "Core/Session/SessionSettings.h"
+#include "Core/Session/TimeOfDay.h"
+
+#include <expected>
+#include <string>
+
+/// Values as they are written on command lines. Each fails with a sentence that says what was expected.
+namespace vespra::arguments {
+
+/// "25m", "1h30m", "90s", within `range`.
+std::expected<Seconds, std::string> length(std::string_view text, ClosedRange<Seconds> range);
+
+/// "18:30" or "6:05", from 00:00 to 23:59.
+std::expected<TimeOfDay, std::string> timeOfDay(std::string_view text);
+
+/// The session settings in the JSON file at `path`, read with the leniency of stored ones.
+std::expected<SessionSettings, std::string> settingsFile(const std::string& path);
+
+/// The whole of the file at `path`; "-" is standard input. Fails with "cannot read PATH: ...".
+std::expected<std::string, std::string> fileContents(const std::string& path);
+
+} // namespace vespra::arguments

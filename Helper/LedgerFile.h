@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Helper/LedgerStorage.h"
+
+namespace vespra {
+
+/// The ledger as "sleep-override.json" in a directory of the daemon's own, which is made, for its owner alone, when the
+/// first record is written. What cannot be understood is kept beside it as "sleep-override.json.bad".
+class LedgerFile final : public LedgerStorage {
+public:
+    explicit LedgerFile(std::string directory);
+
+    std::expected<std::optional<SleepOverrideRecord>, std::string> read() override;
+    HelperResult write(const SleepOverrideRecord& record) override;
+    HelperResult erase() override;
+    HelperResult setAside() override;
+
+private:
+    HelperResult writeAndSync(const std::string& path, const std::string& text) const;
+    HelperResult syncDirectory() const;
+
+    std::string directory_;
+    std::string path_;
+};
+
+/// Returns once the file's content is on the disk. False with errno on an error. One per system.
+bool syncToDisk(int descriptor);
+
+} // namespace vespra

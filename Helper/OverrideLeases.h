@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Core/ClosedLid/ClosedLidLease.h"
+#include "Core/Lifetime.h"
+#include "Core/Scheduling/TaskScheduling.h"
+#include "Helper/SleepOverride.h"
+
+#include <map>
+
+namespace vespra {
+
+/// Who asks, as the system names its callers: a connection, not a user.
+using ClientName = std::string;
+
+/// Keeps the override in force as long as some client's lease lives, and not longer.
+class OverrideLeases {
+public:
+    /// How long to wait before trying again what could not be put back.
+    static constexpr Seconds retryInterval = 5s;
+
+    /// Puts back first what an earlier run left behind.
+    OverrideLeases(SleepOverride& sleepOverride, TaskScheduling& tasks, SystemLog log, Seconds timeout);
+    /// There was something.
+    bool hasRecovered() const { return hasRecovered_; }
+
+    /// Told after the override has gone, whatever ended it.
+    std::function<void()> onRestored;
+    /// Told when `isIdle` may have changed.
+    std::function<void()> onChange;
+
+    /// Starts the client's lease, or renews it.
+    HelperResult enable(const ClientName& client);
+    /// False: the client has no lease, or no longer.
+    bool heartbeat(const ClientName& client);
+    /// Ends the client's lease if it has one. A failure to put the setting back is told, and tried again.
+    HelperResult end(const ClientName& client);
+    HelperResult endAll();
+
+    /// Nothing is in force and nothing is owed.
+    bool isIdle() const { return leases_.empty() && !override_.isOwing(); }
+
+private:
+    using Lease = ClosedLidLease<ContinuousInstant>;
+
+    void endExpired();
+    HelperResult restoreIfLast();
+    void scheduleNext();
+
+    SleepOverride& override_;
+    TaskScheduling& tasks_;
+    SystemLog log_;
+    Seconds timeout_;
+    bool hasRecovered_;
+    std::map<ClientName, Lease> leases_;
+    std::unique_ptr<ScheduledTask> next_;
+    Lifetime lifetime_;
+};
+
+} // namespace vespra

@@ -1,0 +1,43 @@
+#include "Helper/ShutLidSleep.h"
+
+namespace vespra {
+
+namespace {
+
+    /// A task that runs this much too late was slept over.
+    constexpr Seconds lateness = 3s;
+
+} // namespace
+
+ShutLidSleep::ShutLidSleep(PowerControl& power, TaskScheduling& tasks, SystemLog log)
+    : power_{power}
+    , tasks_{tasks}
+    , log_{std::move(log)}
+{
+}
+
+void ShutLidSleep::begin()
+{
+    looksLeft_ = mostLooks;
+    scheduleLook(firstLook);
+}
+
+void ShutLidSleep::scheduleLook(Seconds after)
+{
+    due_ = tasks_.continuousNow() + after;
+    next_ = tasks_.schedule(after, lifetime_.guard([this] { look(); }));
+}
+
+void ShutLidSleep::look()
+{
+    const bool hasSlept = tasks_.continuousNow() - due_ > lateness;
+    if (hasSlept || looksLeft_-- == 0 || !power_.shouldSleepForLid()) {
+        next_.reset();
+        return notify(onFinish);
+    }
+    if (const auto asked = power_.suspend(); !asked)
+        log_.error("Mise en veille, capot fermé, impossible : " + asked.error());
+    scheduleLook(interval);
+}
+
+} // namespace vespra

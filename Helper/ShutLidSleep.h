@@ -1,0 +1,42 @@
+#pragma once
+
+#include "App/System/SystemLog.h"
+#include "Core/Lifetime.h"
+#include "Core/Scheduling/TaskScheduling.h"
+#include "Helper/PowerControl.h"
+
+namespace vespra {
+
+/// Once the override is gone, nothing looks at a lid that was shut before: this asks the system to sleep, a few times,
+/// until it has slept or the lid is open.
+class ShutLidSleep {
+public:
+    /// Where the system does look again, it has slept by then.
+    static constexpr Seconds firstLook = 2s;
+    static constexpr Seconds interval = 5s;
+    static constexpr int mostLooks = 12;
+
+    ShutLidSleep(PowerControl& power, TaskScheduling& tasks, SystemLog log);
+
+    void begin();
+    /// To be called when the system is about to sleep, too.
+    void cancel() { next_.reset(); }
+    bool isUnderWay() const { return next_ != nullptr; }
+
+    /// Told when `isUnderWay` has become false by itself.
+    std::function<void()> onFinish;
+
+private:
+    void scheduleLook(Seconds after);
+    void look();
+
+    PowerControl& power_;
+    TaskScheduling& tasks_;
+    SystemLog log_;
+    int looksLeft_ = 0;
+    ContinuousInstant due_;
+    std::unique_ptr<ScheduledTask> next_;
+    Lifetime lifetime_;
+};
+
+} // namespace vespra

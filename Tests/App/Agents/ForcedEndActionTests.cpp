@@ -1,0 +1,66 @@
+#include "App/Agents/ForcedEndAction.h"
+
+#include "Core/Scheduling/VirtualTime.h"
+
+#include <gmock/gmock.h>
+
+namespace vespra {
+
+namespace {
+
+    using Pending = ForcedEndAction::Pending;
+    using testing::ElementsAre;
+    using testing::IsEmpty;
+
+    struct ForcedEndActionTest : testing::Test {
+        ForcedEndActionTest()
+        {
+            action.perform = [this](AgentEndAction performed) { done.push_back(performed); };
+            action.onCancel = [this] { ++cancelled; };
+        }
+        VirtualTime time;
+        ForcedEndAction action{time};
+        std::vector<AgentEndAction> done;
+        int cancelled = 0;
+    };
+
+    TEST_F(ForcedEndActionTest, IsCarriedOutAfterAMinute)
+    {
+        action.schedule(AgentEndAction::sleepNow, time.now());
+        EXPECT_EQ(action.pending(), (Pending{AgentEndAction::sleepNow, time.now() + 60s}));
+        time.advance(59.9s);
+        EXPECT_THAT(done, IsEmpty());
+        time.advance(0.1s);
+        EXPECT_THAT(done, ElementsAre(AgentEndAction::sleepNow));
+        EXPECT_FALSE(action.pending());
+        EXPECT_EQ(cancelled, 0);
+    }
+
+    TEST_F(ForcedEndActionTest, CancellingClearsItAtOnce)
+    {
+        action.cancel();
+        EXPECT_EQ(cancelled, 0);
+        action.schedule(AgentEndAction::shutDown, time.now());
+        time.advance(59s);
+        action.cancel();
+        EXPECT_FALSE(action.pending());
+        time.advance(1h);
+        EXPECT_THAT(done, IsEmpty());
+        EXPECT_EQ(cancelled, 1);
+    }
+
+    TEST_F(ForcedEndActionTest, TheLatestActionAloneIsCarriedOut)
+    {
+        action.schedule(AgentEndAction::shutDown, time.now());
+        time.advance(30s);
+        action.schedule(AgentEndAction::sleepNow, time.now());
+        action.schedule(AgentEndAction::letSleep, time.now());
+        time.advance(59s);
+        EXPECT_THAT(done, IsEmpty());
+        time.advance(1s);
+        EXPECT_THAT(done, ElementsAre(AgentEndAction::sleepNow));
+    }
+
+} // namespace
+
+} // namespace vespra

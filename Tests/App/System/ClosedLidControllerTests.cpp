@@ -1,0 +1,433 @@
+#include "App/System/ClosedLidController.h"
+
+#include "App/System/simulated/SimulatedHelper.h"
+#include "Core/Scheduling/VirtualTime.h"
+#include "Tests/Support/FakeMonitors.h"
+#include "Tests/Support/ManualMainLoop.h"
+
+#include <gmock/gmock.h>
+
+namespace vespra {
+
+namespace {
+
+    using Mode = SimulatedHelper::Mode;
+    using testing::ElementsAre;
+    using testing::IsEmpty;
+
+    /// Notes each request and can keep the replies back.
+    struct Wire {
+        std::vector<std::string> requests;
+        bool keepsReplies = false;
+        std::vector<std::function<void()>> kept;
+
+        void deliver()
+        {
+            for (const auto& reply : std::exchange(kept, {}))
+                reply();
+        }
+    };
+
+    class WiredConnection final : public HelperConnection {
+    public:
+        WiredConnection(Wire& wire, std::unique_ptr<HelperConnection> helper)
+            : wire_{wire}
+            , helper_{std::move(helper)}
+        {
+            helper_->onInvalidation = [this] { notify(onInvalidation); };
+        }
+        void protocolVersion(HelperReply<std::int64_t> reply) override
+        {
+            helper_->protocolVersion(noted("version", std::move(reply)));
+        }
+        void enableClosedLid(HelperReply<HelperRefusal> reply) override
+        {
+            helper_->enableClosedLid(noted("enable", std::move(reply)));
+        }
+        void heartbeat(HelperReply<bool> reply) override { helper_->heartbeat(noted("heartbeat", std::move(reply))); }
+        void restoreSleep(HelperReply<HelperRefusal> reply) override
+        {
+            helper_->restoreSleep(noted("restore", std::move(reply)));
+        }
+        void sleepNow(HelperReply<HelperRefusal> reply) override
+        {
+            helper_->sleepNow(noted("sleep", std::move(reply)));
+        }
+        void shutDown(HelperReply<HelperRefusal> reply) override
+        {
+            helper_->shutDown(noted("shutDown", std::move(reply)));
+        }
+        std::expected<HelperRefusal, HelperUnreachable> restoreSleepAndWait(Seconds timeout) override
+        {
+            wire_.requests.push_back("restoreAndWait");
+            return helper_->restoreSleepAndWait(timeout);
+        }
+
+    private:
+        template <class Value> HelperReply<Value> noted(const char* request, HelperReply<Value> reply)
+        {
+            wire_.requests.push_back(request);
+            return [&wire = wire_, reply](std::expected<Value, HelperUnreachable> answer) {
+                if (wire.keepsReplies)
+                    wire.kept.push_back([reply, answer] { reply(answer); });
+                else
+                    reply(answer);
+            };
+        }
+
+        Wire& wire_;
+        std::unique_ptr<HelperConnection> helper_;
+    };
+
+    class RecordedPower final : public SystemPower {
+    public:
+        void sleepNow(Done done) override { record("sleep", done, true); }
+        void shutDown(Done done) override { record("shutDown", done, mayShutDown); }
+        bool mayShutDown = true;
+        std::vector<std::string> requests;
+
+    private:
+        void record(const char* request, const Done& done, bool isAllowed)
+        {
+            requests.push_back(request);
+            if (isAllowed)
+                done({});
+            else
+                done(std::unexpected{"interdit"});
+        }
+    };
+
+    class ClosedLidControllerTest : public testing::Test {
+    protected:
+        ClosedLidControllerTest()
+        {
+            SystemLog::redirect(
+                [this](const SystemLog::Entry& entry) { messages.push_back(std::string{entry.message}); });
+        }
+        ~ClosedLidControllerTest() override { SystemLog::redirect({}); }
+
+        void launch(Mode mode = Mode::ready)
+        {
+            helper.setMode(mode);
+            controller.emplace(coordinator,
+                ClosedLidEnvironment{.service = helper,
+                    .connect
+                    = [this,
+                          connect = helper.connector()] { return std::make_unique<WiredConnection>(wire, connect()); },
+                    .facts = helper,
+                    .power = power,
+                    .tasks = time,
+                    .mainLoop = mainLoop});
+            mainLoop.run();
+            wire.requests.clear();
+        }
+        void startSession()
+        {
+            ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
+            mainLoop.run();
+        }
+        void stopSession()
+        {
+            coordinator.stop(end::StoppedByUser{});
+            mainLoop.run();
+        }
+        /// In steps, so that the main loop takes its turns on the way.
+        void pass(Seconds length)
+        {
+            for (Seconds step = 500ms; length > 0s; length -= step) {
+                time.advance(std::min(step, length));
+                mainLoop.run();
+            }
+        }
+        HelperStatus shownStatus() const { return coordinator.conditions().helper; }
+        bool isShownApplied() const { return coordinator.conditions().lidSleepDisabled; }
+
+        VirtualTime time;
+        ManualMainLoop mainLoop;
+        FakePowerSource source;
+        FakeThermal thermal;
+        SessionCoordinator coordinator{{}, Calendar::current(), {time, time, source, thermal}, helper::NotInstalled{}};
+        SimulatedHelper helper{mainLoop};
+        Wire wire;
+        RecordedPower power;
+        std::vector<std::string> messages;
+        std::optional<ClosedLidController> controller;
+    };
+
+    TEST_F(ClosedLidControllerTest, ShowsWhatTheSystemAndTheComponentSay)
+    {
+        struct Row {
+            Mode mode;
+            HelperStatus shown;
+            bool talks;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {Mode::ready, helper::Ready{}, true},
+                 {Mode::notInstalled, helper::NotInstalled{}, false},
+                 {Mode::awaitingApproval, helper::AwaitingApproval{}, false},
+                 {Mode::failed, helper::Failed{}, true},
+                 {Mode::outdated, helper::Failed{}, true},
+                 {Mode::noBuiltInDisplay, helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay}, false},
+                 {Mode::unsignedBuild, helper::Unsupported{ClosedLidUnsupportedReason::unsignedBuild}, false},
+             }) {
+            SCOPED_TRACE(rawValue(row.mode));
+            launch();
+            helper.setMode(row.mode);
+            mainLoop.run();
+            EXPECT_EQ(shownStatus(), row.shown);
+            EXPECT_EQ(!wire.requests.empty(), row.talks);
+        }
+    }
+
+    TEST_F(ClosedLidControllerTest, InstallsAndFollowsTheApproval)
+    {
+        launch(Mode::notInstalled);
+        controller->install();
+        mainLoop.run();
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::AwaitingApproval{}});
+        helper.onChange = nullptr; // a system that does not tell
+        helper.setMode(Mode::ready);
+        pass(1.5s);
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::AwaitingApproval{}});
+        pass(0.5s);
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Ready{}});
+        pass(1h);
+        EXPECT_THAT(wire.requests, ElementsAre("version"));
+    }
+
+    TEST_F(ClosedLidControllerTest, ReportsARefusedRegistration)
+    {
+        launch(Mode::refusing);
+        controller->install();
+        mainLoop.run();
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
+        EXPECT_THAT(messages, ElementsAre("Enregistrement du helper : le système simulé refuse"));
+    }
+
+    TEST_F(ClosedLidControllerTest, AsksAnOutdatedComponentAgainAfter65Seconds)
+    {
+        launch(Mode::outdated);
+        pass(64.5s);
+        EXPECT_THAT(wire.requests, IsEmpty());
+        pass(0.5s);
+        EXPECT_THAT(wire.requests, ElementsAre("version"));
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
+        pass(65s);
+        EXPECT_EQ(wire.requests.size(), 2u);
+    }
+
+    TEST_F(ClosedLidControllerTest, FollowsEachChangeOfTheWish)
+    {
+        launch();
+        for (int round = 0; round < 2; ++round) {
+            startSession();
+            EXPECT_TRUE(helper.isSleepDisabled() && isShownApplied());
+            stopSession();
+            EXPECT_FALSE(helper.isSleepDisabled() || isShownApplied());
+        }
+        pass(1min);
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "restore", "enable", "restore"));
+    }
+
+    TEST_F(ClosedLidControllerTest, DoesWhatIsWantedByTheTimeOfTheReply)
+    {
+        struct Row {
+            const char* what;
+            std::vector<bool> wishes; // on, off ... while the replies are on their way
+            bool endsApplied;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {"off before the reply to on", {true, false}, false},
+                 {"and on again", {true, false, true}, true},
+                 {"and off again", {true, false, true, false}, false},
+             }) {
+            SCOPED_TRACE(row.what);
+            launch();
+            wire.keepsReplies = true;
+            for (const bool wish : row.wishes)
+                wish ? startSession() : stopSession();
+            EXPECT_THAT(wire.requests, ElementsAre("enable"));
+            wire.keepsReplies = false;
+            wire.deliver();
+            pass(12s);
+            EXPECT_EQ(helper.isSleepDisabled(), row.endsApplied);
+            EXPECT_EQ(isShownApplied(), row.endsApplied);
+            EXPECT_EQ(std::ranges::count(wire.requests, "heartbeat"), row.endsApplied);
+            stopSession();
+        }
+    }
+
+    TEST_F(ClosedLidControllerTest, AppliesAgainWhenWantedBeforeTheReplyToARestore)
+    {
+        launch();
+        startSession();
+        wire.keepsReplies = true;
+        stopSession();
+        startSession();
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "restore"));
+        wire.keepsReplies = false;
+        wire.deliver();
+        mainLoop.run();
+        EXPECT_TRUE(helper.isSleepDisabled() && isShownApplied());
+    }
+
+    TEST_F(ClosedLidControllerTest, RenewsEveryTenSecondsAndAppliesAgainAfterALostLease)
+    {
+        launch();
+        startSession();
+        pass(9.5s);
+        EXPECT_THAT(wire.requests, ElementsAre("enable"));
+        pass(10.5s);
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "heartbeat"));
+        helper.expireLeases();
+        pass(10s);
+        EXPECT_TRUE(helper.isSleepDisabled() && isShownApplied());
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "heartbeat", "heartbeat", "enable"));
+    }
+
+    TEST_F(ClosedLidControllerTest, NoticesAtTheWakeUpThatTheLeaseRanOutInSleep)
+    {
+        launch();
+        startSession();
+        pass(5s);
+        time.sleep(1h);
+        helper.expireLeases();
+        mainLoop.run();
+        EXPECT_TRUE(helper.isSleepDisabled());
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "enable"));
+    }
+
+    TEST_F(ClosedLidControllerTest, ARefusedEnableIsNotTriedAgain)
+    {
+        launch(Mode::refusing);
+        startSession();
+        pass(5min);
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
+        EXPECT_THAT(wire.requests, ElementsAre("enable"));
+        EXPECT_THAT(messages, ElementsAre("Activation refusée par le helper : le helper simulé refuse"));
+    }
+
+    TEST_F(ClosedLidControllerTest, ARefusedRestoreIsSentAgainAtTheNextRefresh)
+    {
+        launch();
+        startSession();
+        helper.setMode(Mode::refusing);
+        mainLoop.run();
+        stopSession();
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
+        EXPECT_TRUE(isShownApplied());
+        EXPECT_THAT(messages, ElementsAre("Restauration refusée par le helper : le helper simulé refuse"));
+        helper.setMode(Mode::ready);
+        mainLoop.run();
+        EXPECT_FALSE(helper.isSleepDisabled() || isShownApplied());
+    }
+
+    TEST_F(ClosedLidControllerTest, ASilentComponentCountsAsUnreachable)
+    {
+        launch();
+        startSession();
+        helper.onChange = nullptr; // a component does not tell that it hangs
+        helper.setMode(Mode::stuck);
+        pass(10s + ClosedLidController::replyLimit - 0.5s);
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Ready{}});
+        pass(0.5s);
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
+        EXPECT_FALSE(helper.isSleepDisabled()) << "breaking off the connection lets go";
+        EXPECT_THAT(messages, testing::Contains("Helper injoignable : aucune réponse dans le délai"));
+    }
+
+    TEST_F(ClosedLidControllerTest, TakesANewConnectionAfterOneBrokeOff)
+    {
+        launch();
+        startSession();
+        helper.onChange = nullptr;
+        helper.setMode(Mode::failed);
+        helper.setMode(Mode::ready);
+        mainLoop.run();
+        EXPECT_FALSE(helper.isSleepDisabled());
+        pass(10s);
+        EXPECT_TRUE(helper.isSleepDisabled() && isShownApplied());
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "enable"));
+    }
+
+    TEST_F(ClosedLidControllerTest, DelaysTheRestoreAfterOverheating)
+    {
+        launch();
+        coordinator.onEvent = [this](const SessionEvent& event) {
+            if (std::holds_alternative<event::Ended>(event))
+                controller->setRestoreNotBefore(time.continuousNow() + 3s);
+        };
+        startSession();
+        thermal.report(ThermalLevel::serious);
+        pass(2.5s);
+        EXPECT_TRUE(helper.isSleepDisabled());
+        pass(0.5s);
+        EXPECT_FALSE(helper.isSleepDisabled() || isShownApplied());
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "restore"));
+    }
+
+    TEST_F(ClosedLidControllerTest, ASessionThatStartsDuringTheDelayKeepsTheOverride)
+    {
+        launch();
+        startSession();
+        controller->setRestoreNotBefore(time.continuousNow() + 3s);
+        stopSession();
+        pass(1s);
+        startSession();
+        pass(25s);
+        EXPECT_TRUE(helper.isSleepDisabled() && isShownApplied());
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "enable", "heartbeat", "heartbeat"));
+    }
+
+    TEST_F(ClosedLidControllerTest, QuittingRestoresOnlyWhatIsApplied)
+    {
+        launch();
+        controller->restoreBeforeQuit(2s);
+        EXPECT_THAT(wire.requests, IsEmpty());
+        launch();
+        startSession();
+        controller->restoreBeforeQuit(2s);
+        EXPECT_FALSE(helper.isSleepDisabled());
+        pass(1min);
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "restoreAndWait"));
+    }
+
+    TEST_F(ClosedLidControllerTest, SleepAndShutdownFallBack)
+    {
+        using Requests = std::vector<std::string>;
+        struct Row {
+            const char* what;
+            Mode mode;
+            AgentEndAction action;
+            bool mayShutDown;
+            Requests ofHelper, ofSystem;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {"nothing to do", Mode::ready, AgentEndAction::letSleep, true, {}, {}},
+                 {"sleep", Mode::ready, AgentEndAction::sleepNow, true, {"sleep"}, {}},
+                 {"refused sleep", Mode::refusing, AgentEndAction::sleepNow, true, {"sleep"}, {"sleep"}},
+                 {"sleep without component", Mode::notInstalled, AgentEndAction::sleepNow, true, {}, {"sleep"}},
+                 {"shutdown", Mode::ready, AgentEndAction::shutDown, true, {"shutDown"}, {}},
+                 {"refused shutdown", Mode::refusing, AgentEndAction::shutDown, true, {"shutDown"}, {"shutDown"}},
+                 {"no right to it",
+                     Mode::refusing,
+                     AgentEndAction::shutDown,
+                     false,
+                     {"shutDown"},
+                     {"shutDown", "sleep"}},
+                 {"shutdown without component", Mode::failed, AgentEndAction::shutDown, true, {}, {"sleep"}},
+             }) {
+            SCOPED_TRACE(row.what);
+            launch(row.mode);
+            power.requests.clear();
+            power.mayShutDown = row.mayShutDown;
+            controller->performer()(row.action);
+            mainLoop.run();
+            EXPECT_EQ(wire.requests, row.ofHelper);
+            EXPECT_EQ(power.requests, row.ofSystem);
+        }
+    }
+
+} // namespace
+
+} // namespace vespra

@@ -1,0 +1,169 @@
+#include "Core/Agents/AgentEvent.h"
+#include "Core/Agents/HookInput.h"
+
+#include <gtest/gtest.h>
+
+using namespace vespra;
+
+namespace {
+
+const Instant now = Instant::fromISO8601("2026-05-01T12:00:00Z").value();
+
+TEST(AgentEvent, ComesFromTheHookInput)
+{
+    struct Row {
+        const char* input;
+        std::optional<AgentSignal> signal;
+    };
+    for (const auto& row :
+        std::vector<Row>{
+            {R"({"session_id":"s","hook_event_name":"SessionStart"})", AgentSignal::sessionStarted},
+            {R"({"session_id":"s","hook_event_name":"UserPromptSubmit"})", AgentSignal::working},
+            {R"({"session_id":"s","hook_event_name":"PostToolUse"})", AgentSignal::working},
+            {R"({"session_id":"s","hook_event_name":"PermissionRequest"})", AgentSignal::waitingForApproval},
+            {R"({"session_id":"s","hook_event_name":"Stop"})", AgentSignal::finished},
+            {R"({"session_id":"s","hook_event_name":"Interrupt"})", AgentSignal::finished},
+            {R"({"session_id":"s","hook_event_name":"SessionEnd"})", AgentSignal::sessionEnded},
+            {R"({"session_id":"s","hook_event_name":"PreToolUse"})", {}},
+            {R"({"session_id":"s","hook_event_name":"stop"})", {}},
+            {R"({"session_id":"s","hook_event_name":"Stop "})", {}},
+            // Not usable
+            {R"({"session_id":"","hook_event_name":"Stop"})", {}},
+            {R"({"session_id":7,"hook_event_name":"Stop"})", {}},
+            {R"({"session_id":null,"hook_event_name":"Stop"})", {}},
+            {R"({"hook_event_name":"Stop"})", {}},
+            {R"({"session_id":"s"})", {}},
+            {R"({"session_id":"s","hook_event_name":["Stop"]})", {}},
+            {R"([{"session_id":"s","hook_event_name":"Stop"}])", {}},
+            {R"({"inner":{"session_id":"s","hook_event_name":"Stop"}})", {}},
+            {R"({"session_id":"s","hook_event_name":"Stop")", {}},
+            {R"({"session_id":"s","hook_event_name":"Stop"} x)", {}},
+            {"\"Stop\"", {}},
+            {"", {}},
+            {"{\"session_id\":\"\xff\",\"hook_event_name\":\"Stop\"}", {}},
+            // Whatever else stands in the object does not matter
+            {R"({"tool_input":{"session_id":"x","hook_event_name":"Stop"},"session_id":"s","hook_event_name":"PostToolUse",
+                 "transcript_path":null,"list":[{"session_id":"y"}],"big":1e300,"yes":true})",
+                AgentSignal::working},
+            {R"({"hook_event_name":"SessionStart","hook_event_name":"Stop","session_id":"s"})", AgentSignal::finished},
+            {R"({"session_id":"s","hook_event_name":"Stop","hook_event_name":1})", {}},
+            {"{\"session_id\":\"\\u0073\",\"hook_event_name\":\"St\\u006fp\"}\n", AgentSignal::finished},
+        }) {
+        SCOPED_TRACE(row.input);
+        const auto event = agentEvent(row.input, AgentKind::codex, now);
+        ASSERT_EQ(event.has_value(), row.signal.has_value());
+        if (event) {
+            EXPECT_EQ(
+                *event, (AgentEvent{.agent = AgentKind::codex, .sessionID = "s", .signal = *row.signal, .date = now}));
+        }
+    }
+}
+
+TEST(AgentEvent, OfANotificationFollowsItsTypeAndElseItsMessage)
+{
+    struct Row {
+        const char* members;
+        std::optional<AgentSignal> signal;
+    };
+    for (const auto& row : std::vector<Row>{
+             {R"("notification_type":"permission_prompt")", AgentSignal::waitingForApproval},
+             {R"("notification_type":"agent_needs_input")", AgentSignal::waitingForApproval},
+             {R"("notification_type":"elicitation_dialog")", AgentSignal::waitingForApproval},
+             {R"("notification_type":"idle_prompt","message":"needs your permission")", AgentSignal::finished},
+             {R"("notification_type":"agent_completed")", AgentSignal::finished},
+             {R"("notification_type":"auth_success","message":"needs your permission")", {}},
+             {R"("notification_type":"","message":"needs your permission")", {}},
+             {R"("notification_type":null,"message":"needs your permission")", AgentSignal::waitingForApproval},
+             {R"("message":"Claude needs your PERMISSION to use Bash")", AgentSignal::waitingForApproval},
+             {R"("message":"Claude is Waiting for your input")", AgentSignal::finished},
+             {R"("message":"waiting for your input: permission")", AgentSignal::waitingForApproval},
+             {R"("message":"waiting for input")", {}},
+             {R"("message":["permission"])", {}},
+             {R"("title":"permission")", {}},
+         }) {
+        SCOPED_TRACE(row.members);
+        const auto input = R"({"session_id":"s","hook_event_name":"Notification",)" + std::string{row.members} + "}";
+        const auto event = agentEvent(input, AgentKind::claudeCode, now);
+        EXPECT_EQ(event ? std::optional{event->signal} : std::nullopt, row.signal);
+    }
+}
+
+TEST(AgentEvent, TakesTheWorkingDirectoryOnlyFromAText)
+{
+    const auto cwd = [](const std::string& member) {
+        return agentEvent(R"({"session_id":"s","hook_event_name":"Stop")" + member + "}", AgentKind::codex, now)->cwd;
+    };
+    EXPECT_EQ(cwd(R"(,"cwd":"/home/zoé/p")"), "/home/zoé/p");
+    EXPECT_EQ(cwd(R"(,"cwd":"")"), "");
+    EXPECT_EQ(cwd(R"(,"cwd":null)"), std::nullopt);
+    EXPECT_EQ(cwd(""), std::nullopt);
+}
+
+TEST(AgentEvent, IsOneLineOfJSON)
+{
+    AgentEvent event{.agent = AgentKind::claudeCode,
+        .sessionID = "a\n\"b\"",
+        .cwd = "/tmp/é",
+        .signal = AgentSignal::waitingForApproval,
+        .date = Instant::fromReferenceDate(Seconds{0.5})};
+    EXPECT_EQ(encoded(event),
+        R"({"agent":"claude","sessionID":"a\n\"b\"","cwd":"/tmp/é","signal":"waitingForApproval","date":0.5})");
+    EXPECT_EQ(decodedAgentEvent(encoded(event)).value(), event);
+    event.cwd.reset();
+    EXPECT_EQ(encoded(event), R"({"agent":"claude","sessionID":"a\n\"b\"","signal":"waitingForApproval","date":0.5})");
+    EXPECT_EQ(decodedAgentEvent(encoded(event)).value(), event);
+}
+
+TEST(AgentEvent, DecodingNamesWhatIsWrong)
+{
+    struct Row {
+        const char *line, *problem;
+    };
+    for (const auto& row : std::vector<Row>{
+             {"", "expected JSON"},
+             {"[]", "expected an object"},
+             {R"({"sessionID":"s","signal":"working","date":1})", "agent: is missing"},
+             {R"({"agent":"codex","signal":"working","date":1})", "sessionID: is missing"},
+             {R"({"agent":"codex","sessionID":"s","date":1})", "signal: is missing"},
+             {R"({"agent":"codex","sessionID":"s","signal":"working"})", "date: is missing"},
+             {R"({"agent":"Codex","sessionID":"s","signal":"working","date":1})",
+                 R"(agent: expected one of "claude" "codex")"},
+             {R"({"agent":"codex","sessionID":"s","signal":"working","date":"1"})", "date: expected a number"},
+             {R"({"agent":"codex","sessionID":"","signal":"working","date":1})", "sessionID: must not be empty"},
+             {R"({"agent":"codex","sessionID":"s","cwd":1,"signal":"working","date":1})", "cwd: expected a text"},
+         }) {
+        SCOPED_TRACE(row.line);
+        const auto event = decodedAgentEvent(row.line);
+        ASSERT_FALSE(event);
+        EXPECT_EQ(event.error().description(), row.problem);
+    }
+}
+
+TEST(HookInputProgress, IsCompleteWithTheLastBracketHoweverTheInputIsCut)
+{
+    for (const std::string_view input : {
+             R"({})",
+             R"([])",
+             R"( {"a":{"b":[1,{"c":2}]}})",
+             R"({"text":"}]{[","more":"\"}","end":"\\"})",
+             R"({"\\\"}":"\u007d","é":"}"})",
+         }) {
+        SCOPED_TRACE(input);
+        for (std::size_t cut = 0; cut < input.size(); ++cut) {
+            HookInputProgress progress;
+            progress.add(input.substr(0, cut));
+            ASSERT_FALSE(progress.isComplete()) << "after " << cut;
+            progress.add(input.substr(cut));
+            ASSERT_TRUE(progress.isComplete()) << "cut at " << cut;
+            progress.add("\n{");
+            ASSERT_TRUE(progress.isComplete());
+        }
+    }
+    for (const std::string_view input : {"", " \n", "null", R"("{}")", R"({"a":"\"})", "{[}"}) {
+        HookInputProgress progress;
+        progress.add(input);
+        EXPECT_FALSE(progress.isComplete()) << input;
+    }
+}
+
+} // namespace

@@ -1,0 +1,145 @@
+#include "Core/ClosedLid/SleepOverrideLedger.h"
+#include "Core/Session/SessionPreferences.h"
+#include "Core/Session/SessionSettings.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+using namespace vespra;
+
+namespace {
+
+template <class Read> auto read(const char* text, Read reader)
+{
+    const auto json = JSON::parse(text);
+    return decoded(JSONSource{json}, reader);
+}
+
+TEST(SessionPlanJSON, RoundTripsInItsPersistedForm)
+{
+    struct Row {
+        SessionPlan plan;
+        const char* json;
+    };
+    for (const auto& row : std::vector<Row>{
+             {plan::Timer{Seconds{3600.5}}, R"({"timer":{"duration":3600.5}})"},
+             {plan::Until{{18, 30}}, R"({"until":{"_0":{"hour":18,"minute":30}}})"},
+             {plan::Unlimited{}, R"({"unlimited":{}})"},
+             {plan::Agent{12h}, R"({"agent":{"safetyCap":43200}})"},
+             {plan::Agent{}, R"({"agent":{}})"},
+         }) {
+        EXPECT_EQ(toJSON(row.plan).dump(), row.json);
+        EXPECT_EQ(read(row.json, readSessionPlan).value(), row.plan);
+    }
+}
+
+TEST(SessionPlanJSON, RefusesWhatIsNotOnePlan)
+{
+    struct Row {
+        const char* json;
+        const char* error;
+    };
+    for (const auto& row : std::vector<Row>{
+             {R"({})", "Invalid number of keys found, expected one."},
+             {R"({"timer":{"duration":60},"unlimited":{}})", "Invalid number of keys found, expected one."},
+             {R"({"forever":{}})", "Invalid number of keys found, expected one."},
+             {R"({"timer":{}})", "timer.duration: is missing"},
+             {R"({"timer":{"duration":"60"}})", "timer.duration: expected a number"},
+             {R"({"until":{"hour":1,"minute":2}})", "until._0: is missing"},
+             {R"({"until":{"_0":{"hour":1.5,"minute":2}}})", "until._0.hour: expected a whole number"},
+             {R"({"unlimited":null})", "unlimited: expected an object"},
+             {R"([])", "expected an object"},
+         })
+        EXPECT_EQ(read(row.json, readSessionPlan).error().description(), row.error) << row.json;
+    const SessionPlan clamped = plan::Until{{23, 0}};
+    EXPECT_EQ(read(R"({"until":{"_0":{"hour":30,"minute":-5}}})", readSessionPlan).value(), clamped);
+}
+
+TEST(SessionSettingsJSON, DecodesFieldByField)
+{
+    const SessionSettings defaults;
+    auto withoutCap = defaults, capped = defaults, lid = defaults, energy = defaults, agents = defaults;
+    withoutCap.agentSafetyCap.reset();
+    capped.agentSafetyCap = 60s;
+    lid.closedLid.continuesOnBattery = true;
+    energy.energy = {false, false, 33, 90s};
+    agents.agents = {Seconds{-5}, false, AgentEndAction::shutDown};
+    struct Row {
+        const char* rule;
+        const char* json;
+        SessionSettings expected;
+    };
+    for (const auto& row : std::vector<Row>{
+             {"nothing stored", R"({})", defaults},
+             {"incomplete energy", R"({"energy":{"requiresACPower":false}})", defaults},
+             {"malformed energy beside a good lid",
+                 R"({"energy":{"requiresACPower":0,"stopsOnLowBattery":false,"lowBatteryThreshold":33},
+                     "closedLid":{"continuesOnBattery":true}})",
+                 lid},
+             {"a malformed limit spoils the energy alone",
+                 R"({"energy":{"requiresACPower":false,"stopsOnLowBattery":false,"lowBatteryThreshold":33,
+                     "batteryTimeLimit":"long"}})",
+                 defaults},
+             {"complete energy, the threshold as stored",
+                 R"({"energy":{"requiresACPower":false,"stopsOnLowBattery":false,"lowBatteryThreshold":33,
+                     "batteryTimeLimit":90}})",
+                 energy},
+             {"agents",
+                 R"({"agents":{"graceDelay":-5,"waitingCountsAsFinished":false,"endAction":"shutDown"}})",
+                 agents},
+             {"unknown end action",
+                 R"({"agents":{"graceDelay":1,"waitingCountsAsFinished":false,"endAction":"x"}})",
+                 defaults},
+             {"groups of the wrong type", R"({"energy":[],"closedLid":7,"agents":null})", defaults},
+             {"null is no cap", R"({"agentSafetyCap":null})", withoutCap},
+             {"a cap", R"({"agentSafetyCap":60})", capped},
+         }) {
+        SCOPED_TRACE(row.rule);
+        EXPECT_EQ(read(row.json, readSessionSettings).value(), row.expected);
+    }
+    EXPECT_EQ(read(R"({"agentSafetyCap":"x"})", readSessionSettings).error().description(),
+        "agentSafetyCap: expected a number");
+}
+
+TEST(SessionSettingsJSON, RoundTripsExceptThatNoCapReadsBackAsTheDefault)
+{
+    SessionSettings settings;
+    settings.energy = {false, false, 33, Seconds{90.5}};
+    settings.closedLid.continuesOnBattery = true;
+    settings.agents = {Seconds{900}, false, AgentEndAction::sleepNow};
+    settings.agentSafetyCap = 1h;
+    EXPECT_EQ(decoded(JSONSource{toJSON(settings)}, readSessionSettings).value(), settings);
+
+    settings.agentSafetyCap.reset();
+    EXPECT_FALSE(toJSON(settings).contains("agentSafetyCap"));
+}
+
+TEST(SessionPreferencesJSON, NeedsEveryKeyAndPlansFromItself)
+{
+    SessionPreferences preferences{
+        .mode = SessionMode::timer, .timerDuration = 89s, .untilTime = {7, 45}, .options = {true, false}};
+    const auto json = toJSON(preferences);
+    EXPECT_EQ(sessionPreferences(json).value(), preferences);
+    for (const auto& [key, _] : json.items()) {
+        auto incomplete = json;
+        incomplete.erase(key);
+        EXPECT_FALSE(sessionPreferences(incomplete)) << key;
+    }
+
+    EXPECT_EQ(preferences.plan(5s), SessionPlan{plan::Timer{60s}});
+    preferences.mode = SessionMode::until;
+    EXPECT_EQ(preferences.plan(5s), (SessionPlan{plan::Until{{7, 45}}}));
+    preferences.mode = SessionMode::agent;
+    EXPECT_EQ(preferences.plan(5s), SessionPlan{plan::Agent{5s}});
+    EXPECT_EQ(preferences.plan({}), SessionPlan{plan::Agent{}});
+}
+
+TEST(SleepOverrideRecordJSON, RoundTripsWithItsFieldNames)
+{
+    const SleepOverrideRecord record{true, Instant::fromISO8601("2026-01-31T09:15:00.5Z").value()};
+    EXPECT_EQ(toJSON(record).dump(), R"({"originalSleepDisabled":true,"appliedAt":791543700.5})");
+    EXPECT_EQ(sleepOverrideRecord(toJSON(record)).value(), record);
+    EXPECT_FALSE(sleepOverrideRecord(JSON::parse(R"({"originalSleepDisabled":true})")));
+}
+
+} // namespace

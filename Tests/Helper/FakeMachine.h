@@ -1,0 +1,112 @@
+#pragma once
+
+#include "Core/Scheduling/VirtualTime.h"
+#include "Helper/HelperDaemon.h"
+
+namespace vespra {
+
+/// Thrown where the daemon is killed.
+struct Killed { };
+
+/// A computer whose setting and disk outlive the daemon. Killing the daemon before its n-th change loses nothing that
+/// it had changed by then, and it changes nothing any more.
+class FakeMachine final : public SleepSetting, public LedgerStorage, public PowerControl, public Authorization {
+public:
+    bool isDisabled = false; // the setting
+    std::optional<SleepOverrideRecord> disk;
+    bool isDiskGarbage = false;
+    bool isDiskWritable = true;
+    bool isSettingStuck = false;
+    bool isLidShut = false;
+    std::vector<std::string> deeds;
+    std::string denial;
+    /// Authorizations are answered when the test says so.
+    bool asksTheUser = false;
+    std::vector<std::function<void()>> asked;
+
+    /// The daemon is killed before the change that comes after `changes` more.
+    void killAfter(int changes) { changesLeft_ = changes; }
+    /// A new daemon may run.
+    void revive()
+    {
+        isDead_ = false;
+        changesLeft_.reset();
+        asked.clear();
+    }
+
+    HelperMachine parts(VirtualTime& time) { return {*this, *this, *this, *this, time, time}; }
+
+    std::expected<bool, std::string> isSleepDisabled() override { return isDisabled; }
+    HelperResult setSleepDisabled(bool disabled) override
+    {
+        if (!mayChange() || isSettingStuck)
+            return std::unexpected{"le réglage ne répond pas"};
+        isDisabled = disabled;
+        return {};
+    }
+    std::expected<std::optional<SleepOverrideRecord>, std::string> read() override
+    {
+        if (isDiskGarbage)
+            return std::unexpected{"illisible"};
+        return disk;
+    }
+    HelperResult write(const SleepOverrideRecord& record) override
+    {
+        if (!mayChange() || !isDiskWritable)
+            return std::unexpected{"disque plein"};
+        disk = record;
+        return {};
+    }
+    HelperResult erase() override
+    {
+        if (!mayChange() || !isDiskWritable)
+            return std::unexpected{"disque en lecture seule"};
+        disk.reset();
+        return {};
+    }
+    HelperResult setAside() override
+    {
+        if (!mayChange() || !isDiskWritable)
+            return std::unexpected{"disque en lecture seule"};
+        isDiskGarbage = false;
+        return {};
+    }
+    HelperResult suspend() override
+    {
+        if (isDisabled)
+            return std::unexpected{"la veille est désactivée"};
+        deeds.push_back("suspend");
+        return {};
+    }
+    HelperResult powerOff() override
+    {
+        deeds.push_back("powerOff");
+        return {};
+    }
+    bool shouldSleepForLid() override { return isLidShut; }
+    void check(const ClientName&, Right, std::function<void(HelperResult)> answer) override
+    {
+        const auto verdict = denial.empty() ? HelperResult{} : std::unexpected{denial};
+        if (asksTheUser)
+            asked.push_back([answer, verdict] { answer(verdict); });
+        else
+            answer(verdict);
+    }
+
+private:
+    bool mayChange()
+    {
+        if (isDead_)
+            return false;
+        if (changesLeft_ && (*changesLeft_)-- == 0) {
+            isDead_ = true;
+            throw Killed{};
+        }
+        return true;
+    }
+
+    std::optional<int> changesLeft_;
+    bool isDead_ = false;
+};
+
+} // namespace vespra

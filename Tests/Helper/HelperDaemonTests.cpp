@@ -1,0 +1,386 @@
+#include "Helper/HelperDaemon.h"
+
+#include "Tests/Helper/FakeMachine.h"
+
+#include <gmock/gmock.h>
+#include <random>
+
+namespace vespra {
+
+namespace {
+
+    using testing::ElementsAre;
+    using testing::IsEmpty;
+
+    class HelperDaemonTest : public testing::Test {
+    protected:
+        HelperDaemonTest()
+        {
+            SystemLog::redirect([](const SystemLog::Entry&) { });
+        }
+        ~HelperDaemonTest() override
+        {
+            end();
+            SystemLog::redirect({});
+        }
+
+        void start()
+        {
+            daemon.emplace(machine.parts(time));
+            session = daemon->clientSession("a");
+            other = daemon->clientSession("b");
+        }
+        /// As a process that was killed, if it was; as one that ends in order otherwise.
+        void end()
+        {
+            session.reset();
+            other.reset();
+            daemon.reset();
+            machine.revive();
+        }
+
+        static HelperRefusal enable(HelperXPCProtocol& client)
+        {
+            HelperRefusal refusal{"no reply"};
+            client.enableClosedLid([&](auto reply) { refusal = *reply; });
+            return refusal;
+        }
+        static HelperRefusal restore(HelperXPCProtocol& client)
+        {
+            HelperRefusal refusal{"no reply"};
+            client.restoreSleep([&](auto reply) { refusal = *reply; });
+            return refusal;
+        }
+        static bool heartbeat(HelperXPCProtocol& client)
+        {
+            bool isInForce = false;
+            client.heartbeat([&](auto reply) { isInForce = *reply; });
+            return isInForce;
+        }
+
+        VirtualTime time{Instant::fromReferenceDate(1h)};
+        FakeMachine machine;
+        std::optional<HelperDaemon> daemon;
+        std::unique_ptr<HelperXPCProtocol> session, other;
+    };
+
+    TEST_F(HelperDaemonTest, PutsTheSettingBackWhereverItWasKilled)
+    {
+        for (const bool original : {false, true})
+            for (int changes = 0; changes <= 4; ++changes) {
+                SCOPED_TRACE(testing::Message() << "was " << original << ", killed before change " << changes);
+                machine.isDisabled = original;
+                start();
+                machine.killAfter(changes);
+                EXPECT_EQ(changes < 4, [&] {
+                    try {
+                        enable(*session);
+                        restore(*session);
+                        return false;
+                    } catch (const Killed&) {
+                        return true;
+                    }
+                }()) << "four changes in all";
+                end();
+                start();
+                EXPECT_EQ(machine.isDisabled, original);
+                EXPECT_EQ(machine.disk, std::nullopt);
+                end();
+            }
+    }
+
+    TEST_F(HelperDaemonTest, RecoversAlsoWhenKilledInTheRecovery)
+    {
+        for (int changes = 0; changes <= 1; ++changes) {
+            machine.isDisabled = true;
+            machine.disk = SleepOverrideRecord{.originalSleepDisabled = false};
+            machine.killAfter(changes);
+            EXPECT_THROW(start(), Killed);
+            end();
+            start();
+            EXPECT_FALSE(machine.isDisabled);
+            EXPECT_EQ(machine.disk, std::nullopt);
+            end();
+        }
+    }
+
+    TEST_F(HelperDaemonTest, RecordsTheOriginalBeforeTouchingTheSetting)
+    {
+        start();
+        machine.killAfter(1);
+        EXPECT_THROW(enable(*session), Killed);
+        EXPECT_FALSE(machine.isDisabled);
+        EXPECT_EQ(machine.disk, (SleepOverrideRecord{.originalSleepDisabled = false, .appliedAt = time.now()}));
+    }
+
+    TEST_F(HelperDaemonTest, ALeaseLivesFor25SecondsAfterItsLastRenewal)
+    {
+        start();
+        EXPECT_FALSE(heartbeat(*session));
+        EXPECT_EQ(enable(*session), std::nullopt);
+        time.advance(24.9s);
+        EXPECT_TRUE(heartbeat(*session));
+        time.advance(24.9s);
+        EXPECT_TRUE(machine.isDisabled);
+        time.advance(0.1s);
+        EXPECT_FALSE(machine.isDisabled);
+        EXPECT_EQ(machine.disk, std::nullopt);
+        EXPECT_FALSE(heartbeat(*session));
+    }
+
+    TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepIsGoneWhicheverComesFirstAtTheWakeUp)
+    {
+        for (const bool timerFirst : {true, false}) {
+            start();
+            enable(*session);
+            time.sleep(timerFirst ? 1h : 0s);
+            if (!timerFirst)
+                time.setClock(time.now() + 1h); // the wall clock alone means nothing
+            EXPECT_EQ(heartbeat(*session), !timerFirst);
+            EXPECT_EQ(machine.isDisabled, !timerFirst);
+            end();
+        }
+    }
+
+    TEST_F(HelperDaemonTest, TheLastClientOutRestores)
+    {
+        start();
+        enable(*session);
+        enable(*other);
+        EXPECT_EQ(restore(*session), std::nullopt);
+        EXPECT_TRUE(machine.isDisabled);
+        EXPECT_FALSE(heartbeat(*session));
+        EXPECT_TRUE(heartbeat(*other));
+        other.reset();
+        EXPECT_FALSE(machine.isDisabled);
+        time.advance(ShutLidSleep::firstLook);
+        EXPECT_TRUE(daemon->isIdle());
+    }
+
+    TEST_F(HelperDaemonTest, GarbageInTheLedgerAllowsSleepAndIsSetAside)
+    {
+        machine.isDisabled = machine.isDiskGarbage = true;
+        machine.killAfter(1); // between the setting and the file
+        EXPECT_THROW(start(), Killed);
+        EXPECT_FALSE(machine.isDisabled);
+        EXPECT_TRUE(machine.isDiskGarbage);
+        end();
+        start();
+        EXPECT_FALSE(machine.isDiskGarbage);
+        EXPECT_EQ(enable(*session), std::nullopt);
+    }
+
+    TEST_F(HelperDaemonTest, WithoutALedgerThereIsNoOverride)
+    {
+        start();
+        machine.isDiskWritable = false;
+        EXPECT_EQ(enable(*session), HelperRefusal{"disque plein"});
+        EXPECT_FALSE(machine.isDisabled);
+        EXPECT_FALSE(heartbeat(*session));
+    }
+
+    TEST_F(HelperDaemonTest, TriesAgainUntilTheSettingIsBack)
+    {
+        start();
+        enable(*session);
+        machine.isSettingStuck = true;
+        EXPECT_EQ(restore(*session), HelperRefusal{"le réglage ne répond pas"});
+        time.advance(1h);
+        EXPECT_TRUE(machine.isDisabled);
+        EXPECT_TRUE(machine.disk) << "as long as it is owed, it is on the disk";
+        EXPECT_FALSE(daemon->isIdle());
+        machine.isSettingStuck = false;
+        time.advance(OverrideLeases::retryInterval);
+        EXPECT_FALSE(machine.isDisabled || machine.disk);
+        time.advance(ShutLidSleep::firstLook);
+        EXPECT_TRUE(daemon->isIdle());
+    }
+
+    TEST_F(HelperDaemonTest, ASettingThatRefusesLeavesNothingBehind)
+    {
+        start();
+        machine.isSettingStuck = true;
+        EXPECT_EQ(enable(*session), HelperRefusal{"le réglage ne répond pas"});
+        machine.isSettingStuck = false;
+        time.advance(OverrideLeases::retryInterval);
+        EXPECT_FALSE(machine.isDisabled || machine.disk);
+        EXPECT_TRUE(daemon->isIdle());
+    }
+
+    TEST_F(HelperDaemonTest, RefusesWhomTheSystemDoesNotAllow)
+    {
+        start();
+        machine.denial = "pas autorisé";
+        std::vector<HelperRefusal> refusals{enable(*session)};
+        session->sleepNow([&](auto reply) { refusals.push_back(*reply); });
+        session->shutDown([&](auto reply) { refusals.push_back(*reply); });
+        EXPECT_THAT(refusals, testing::Each(HelperRefusal{"pas autorisé"}));
+        EXPECT_EQ(refusals.size(), 3u);
+        EXPECT_THAT(machine.deeds, IsEmpty());
+        EXPECT_FALSE(machine.isDisabled || machine.disk);
+    }
+
+    TEST_F(HelperDaemonTest, AnAuthorizationThatComesTooLateChangesNothing)
+    {
+        struct Row {
+            const char* what;
+            std::function<void()> meanwhile;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {"the client has gone", [&] { session.reset(); }},
+                 {"the client has asked to restore", [&] { restore(*session); }},
+             }) {
+            SCOPED_TRACE(row.what);
+            start();
+            machine.asksTheUser = true;
+            session->enableClosedLid([](auto) { });
+            row.meanwhile();
+            ASSERT_EQ(machine.asked.size(), 1u);
+            machine.asked.front()();
+            EXPECT_FALSE(machine.isDisabled || machine.disk);
+            end();
+        }
+    }
+
+    TEST_F(HelperDaemonTest, LetsGoBeforeSleepAndShutdown)
+    {
+        for (const bool sleeps : {true, false}) {
+            start();
+            enable(*session);
+            enable(*other);
+            HelperRefusal refusal{"no reply"};
+            const auto note = [&](auto reply) { refusal = *reply; };
+            sleeps ? session->sleepNow(note) : session->shutDown(note);
+            EXPECT_EQ(refusal, std::nullopt);
+            EXPECT_FALSE(machine.isDisabled || machine.disk);
+            EXPECT_FALSE(heartbeat(*other));
+            end();
+        }
+        EXPECT_THAT(machine.deeds, ElementsAre("suspend", "powerOff"));
+    }
+
+    TEST_F(HelperDaemonTest, ASleepThatIsRefusedAtFirstIsTriedAgain)
+    {
+        start();
+        machine.isDisabled = true; // somebody else's
+        std::vector<HelperRefusal> refusals;
+        const auto note = [&](auto reply) { refusals.push_back(*reply); };
+        session->sleepNow(note);
+        time.advance(1.5s);
+        other->sleepNow(note);
+        EXPECT_THAT(refusals, ElementsAre(HelperRefusal{"une mise en veille est déjà en cours"}));
+        time.advance(1s);
+        machine.isDisabled = false;
+        time.advance(10s);
+        EXPECT_THAT(refusals, ElementsAre(testing::_, HelperRefusal{}));
+        EXPECT_THAT(machine.deeds, ElementsAre("suspend"));
+    }
+
+    TEST_F(HelperDaemonTest, AsksForSleepWhileTheLidStaysShut)
+    {
+        struct Row {
+            const char* what;
+            std::function<void()> meanwhile;
+            std::size_t expected;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {"nothing happens", [] {}, 6},
+                 {"the lid opens", [&] { machine.isLidShut = false; }, 1},
+                 {"it sleeps, and is woken with its lid shut", [&] { time.sleep(1h); }, 1},
+                 {"the system is about to sleep", [&] { daemon->systemWillSleep(); }, 1},
+                 {"closed-lid mode again", [&] { enable(*session); }, 1},
+             }) {
+            SCOPED_TRACE(row.what);
+            machine.deeds.clear();
+            machine.isLidShut = true;
+            start();
+            enable(*session);
+            restore(*session);
+            time.advance(ShutLidSleep::firstLook + 1s);
+            row.meanwhile();
+            time.advance(24s);
+            EXPECT_EQ(machine.deeds.size(), row.expected);
+            end();
+        }
+    }
+
+    TEST_F(HelperDaemonTest, StopsAskingAtSomeTime)
+    {
+        machine.isLidShut = true;
+        start();
+        enable(*session);
+        session.reset();
+        time.advance(1h);
+        EXPECT_EQ(machine.deeds.size(), std::size_t{ShutLidSleep::mostLooks});
+        EXPECT_TRUE(daemon->isIdle());
+        EXPECT_EQ(time.pendingTasks(), 0u);
+    }
+
+    /// What two clients, kills and time do in any order: the override never outlives the last sign of life by more than
+    /// the lease, and the original is never lost.
+    TEST_F(HelperDaemonTest, KeepsItsPromiseInAnyOrderOfEvents)
+    {
+        for (unsigned seed = 0; seed < 1000; ++seed) {
+            SCOPED_TRACE(testing::Message() << "seed " << seed);
+            std::mt19937 random{seed};
+            const auto pick = [&](int count) { return std::uniform_int_distribution{0, count - 1}(random); };
+            const bool original = pick(2);
+            machine.isDisabled = original;
+            start();
+            auto lastSign = time.continuousNow();
+            const auto step = [&] {
+                auto& client = *(pick(2) ? session : other);
+                switch (pick(8)) {
+                case 0:
+                case 1:
+                    if (!enable(client))
+                        lastSign = time.continuousNow();
+                    break;
+                case 2:
+                    if (heartbeat(client))
+                        lastSign = time.continuousNow();
+                    break;
+                case 3:
+                    restore(client);
+                    break;
+                case 4:
+                    machine.killAfter(1000); // the test cannot die in a destructor
+                    session = nullptr;
+                    session = daemon->clientSession("a");
+                    break;
+                case 5:
+                    time.sleep(Seconds(pick(40)));
+                    break;
+                default:
+                    time.advance(Seconds(pick(30)) / 2);
+                }
+            };
+            for (int events = 0; events < 40; ++events) {
+                machine.isDiskWritable = pick(8) != 0;
+                if (pick(6) == 0)
+                    machine.killAfter(pick(3));
+                try {
+                    step();
+                } catch (const Killed&) {
+                    machine.isDiskWritable = true;
+                    end();
+                    start();
+                    ASSERT_EQ(machine.isDisabled, original);
+                }
+                if (machine.isDisabled == original)
+                    continue;
+                ASSERT_LT(time.continuousNow() - lastSign, 25s);
+                ASSERT_EQ(machine.disk->originalSleepDisabled, original);
+            }
+            machine.revive();
+            machine.isDiskWritable = true;
+            time.advance(1min);
+            ASSERT_EQ(machine.isDisabled, original);
+            ASSERT_EQ(machine.disk, std::nullopt);
+            end();
+        }
+    }
+
+} // namespace
+
+} // namespace vespra
