@@ -82,7 +82,8 @@ std::expected<void, HookSettingsFile::Failure> HookSettingsFile::connect(Instant
 HookSettingsFile::Attempt HookSettingsFile::tryToConnect(Instant now) const
 {
     const auto before = snapshot();
-    if (!before)
+    // A home directory with a name that is no text cannot stand in JSON.
+    if (!before || !isUTF8(installer.command))
         return std::unexpected{Failure::writeFailed};
     const auto text = before->text();
     if (installer.state(text) == HookInstaller::State::installed)
