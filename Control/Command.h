@@ -11,6 +11,7 @@ enum ExitStatus { done = 0, failed = 1, badInput = 2, notRunning = 4 };
 
 void addDoctorCommand(CLI::App& vespractl, int& exitStatus);
 void addMachineCommand(CLI::App& vespractl, int& exitStatus);
+void addHooksCommand(CLI::App& vespractl, int& exitStatus);
 void addSimulateCommand(CLI::App& vespractl, int& exitStatus);
 
 } // namespace vespra::control

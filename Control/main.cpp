@@ -8,6 +8,7 @@ int main(int argc, char** argv)
     int exitStatus = done;
     addDoctorCommand(vespractl, exitStatus);
     addMachineCommand(vespractl, exitStatus);
+    addHooksCommand(vespractl, exitStatus);
     addSimulateCommand(vespractl, exitStatus);
     try {
         vespractl.parse(argc, argv);

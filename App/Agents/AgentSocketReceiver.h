@@ -8,7 +8,7 @@
 namespace vespra {
 
 /// The body of the socket server's thread: accepts the connections of `listener`, a listening socket in non-blocking
-/// mode, one by one until `stop` becomes readable or loses its writer. Both stay open meanwhile.
+/// mode, one by one until `stop` becomes readable. Both stay open meanwhile.
 class AgentSocketReceiver {
 public:
     /// `deliver` takes each event, still with the date that the sender gave it, on the calling thread.

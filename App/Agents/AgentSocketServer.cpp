@@ -11,7 +11,9 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <expected>
 #include <filesystem>
+#include <system_error>
 
 namespace vespra {
 
@@ -33,14 +35,20 @@ namespace {
     }
 
     /// Starts a thread on which no signal arrives, so that the main thread's handlers keep them.
-    template <class Body> std::thread threadWithoutSignals(Body body)
+    /// Fails with the system's error number.
+    template <class Body> std::expected<std::thread, int> threadWithoutSignals(Body body)
     {
         sigset_t all, before;
         sigfillset(&all);
         pthread_sigmask(SIG_SETMASK, &all, &before);
-        std::thread thread{std::move(body)};
+        std::expected<std::thread, int> started;
+        try {
+            started = std::thread{std::move(body)};
+        } catch (const std::system_error& error) {
+            started = std::unexpected{error.code().value()};
+        }
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        return thread;
+        return started;
     }
 
 } // namespace
@@ -56,9 +64,11 @@ AgentSocketServer::AgentSocketServer(std::string path, MainLoop& loop, const Wal
 
 AgentSocketServer::~AgentSocketServer()
 {
-    stopWriter_.reset();
-    if (thread_.joinable())
+    if (thread_.joinable()) {
+        // Not by closing: a program started at the wrong moment may hold a copy of the writing end.
+        [[maybe_unused]] const auto written = write(stopWriter_.get(), "", 1);
         thread_.join();
+    }
     // Before the listener closes: until then no other file can have got the same inode.
     removeOwnFile();
 }
@@ -85,13 +95,20 @@ void AgentSocketServer::listen(FileDescriptor socket)
     const auto address = unixSocket::address(path_);
     if (!address)
         return logger_.error("Socket agents : chemin trop long");
-    if (!bindAndListen(socket.get(), *address)) {
-        const int reason = errno;
-        removeOwnFile();
-        return logger_.error("Socket agents : écoute impossible (" + std::to_string(reason) + ")");
-    }
+    if (!bindAndListen(socket.get(), *address))
+        return giveUpListening(errno);
     listener_ = std::move(socket);
-    thread_ = threadWithoutSignals([this] { runThread(); });
+    auto thread = threadWithoutSignals([this] { runThread(); });
+    if (!thread)
+        return giveUpListening(thread.error());
+    thread_ = *std::move(thread);
+}
+
+void AgentSocketServer::giveUpListening(int reason)
+{
+    removeOwnFile();
+    listener_.reset();
+    logger_.error("Socket agents : écoute impossible (" + std::to_string(reason) + ")");
 }
 
 bool AgentSocketServer::bindAndListen(int socket, const sockaddr_un& address)

@@ -56,6 +56,8 @@ private:
 
     void listen(FileDescriptor socket);
     bool bindAndListen(int socket, const sockaddr_un& address);
+    /// `reason` is the system's error number.
+    void giveUpListening(int reason);
     void runThread();
     void removeOwnFile();
 
@@ -67,7 +69,7 @@ private:
     SystemLog logger_;
     FileDescriptor listener_;
     std::optional<FileIdentity> ownFile_;
-    /// Closing the writing end stops the thread.
+    /// A byte in this pipe stops the thread.
     FileDescriptor stopReader_;
     FileDescriptor stopWriter_;
     std::thread thread_;

@@ -82,7 +82,7 @@ namespace {
         {
             JSON line{{"at", roundedJSON(time_.now() - scenario_.start)}};
             line.update(happening);
-            printLine_(line.dump());
+            printLine_(dumped(line));
         }
 
         void printRefusal(const std::expected<void, StartRefusal>& result)

@@ -147,12 +147,15 @@ namespace {
         return only->read(source.required(only->key));
     }
 
-    Seconds readOffset(const JSONSource& source)
+    Instant readTime(const JSONSource& source, Instant start)
     {
-        const double seconds = source.number();
-        if (seconds < 0)
+        const Seconds offset{source.number()};
+        if (offset < 0s)
             source.fail("must not be negative");
-        return Seconds{seconds};
+        const auto date = start + offset;
+        if (date >= Instant::fromISO8601("2199-01-01T00:00:00Z"))
+            source.fail("lies too far ahead; expected a time before the year 2199");
+        return date;
     }
 
     std::vector<ScenarioStep> readSteps(const JSONSource& source, Instant start)
@@ -160,7 +163,7 @@ namespace {
         std::vector<ScenarioStep> steps;
         for (std::size_t i = 0; i < source.size(); ++i) {
             const auto at = source.at(i).required("at");
-            const auto date = start + readOffset(at);
+            const auto date = readTime(at, start);
             if (!steps.empty() && date < steps.back().date)
                 at.fail("must not decrease");
             steps.push_back({.date = date, .action = readAction(source.at(i))});
@@ -216,7 +219,7 @@ namespace {
             scenario.steps = readSteps(*steps, scenario.start);
         scenario.until = scenario.steps.empty() ? scenario.start : scenario.steps.back().date;
         if (const auto until = source.optional("until"))
-            scenario.until = std::max(scenario.until, scenario.start + readOffset(*until));
+            scenario.until = std::max(scenario.until, readTime(*until, scenario.start));
         return scenario;
     }
 

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <charconv>
 #include <cmath>
 
 namespace vespra {
@@ -119,6 +120,46 @@ JSON roundedJSON(Seconds length)
 {
     constexpr double millionths = 1e6;
     return numberJSON(std::round(length.count() * millionths) / millionths);
+}
+
+namespace {
+
+    // The JSON library's own digits are not always the shortest.
+    void appendNumber(std::string& text, double number)
+    {
+        constexpr double smallestWithoutExponent = 1e-4;
+        const auto format
+            = std::abs(number) < smallestWithoutExponent ? std::chars_format::scientific : std::chars_format::fixed;
+        char digits[400];
+        text.append(digits, std::to_chars(digits, digits + sizeof digits, number, format).ptr);
+    }
+
+    void append(std::string& text, const JSON& json)
+    {
+        if (json.is_number_float())
+            return appendNumber(text, json.get<double>());
+        if (!json.is_structured()) {
+            text += json.dump();
+            return;
+        }
+        text += json.is_object() ? '{' : '[';
+        const char* separator = "";
+        for (const auto& [key, value] : json.items()) {
+            text += std::exchange(separator, ",");
+            if (json.is_object())
+                text += JSON(key).dump() + ':';
+            append(text, value);
+        }
+        text += json.is_object() ? '}' : ']';
+    }
+
+} // namespace
+
+std::string dumped(const JSON& json)
+{
+    std::string text;
+    append(text, json);
+    return text;
 }
 
 JSON endReasonJSON(const EndReason& reason)

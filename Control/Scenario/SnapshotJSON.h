@@ -14,6 +14,9 @@ using DateWriter = std::function<JSON(Instant)>;
 /// Rounded to 6 decimals.
 JSON roundedJSON(Seconds length);
 
+/// One line without spaces. Numbers are the shortest that read back the same, without exponent from 0.0001 on.
+std::string dumped(const JSON& json);
+
 /// "reason", and "level" where the reason has one.
 JSON endReasonJSON(const EndReason& reason);
 /// The same for a refusal, under "refused".

@@ -1,29 +1,15 @@
 #include "Core/Scheduling/Calendar.h"
 
-#include <date/tz.h>
+#include "Core/Scheduling/ZoneRules.h"
 
 #include <cstdlib>
-#include <stdexcept>
 
 namespace vespra {
 
 namespace {
 
-    using LocalSeconds = date::local_seconds;
-    using SystemNanoseconds = date::sys_time<std::chrono::nanoseconds>;
-
-    /// Absent without a zone database or for a name it lacks.
-    const date::time_zone* findZone(std::string_view name)
-    {
-        try {
-            return date::locate_zone(std::string{name});
-        } catch (const std::exception&) {
-            return nullptr;
-        }
-    }
-
     /// The zone that TZ names, as POSIX writes it: "Europe/Paris" or ":Europe/Paris".
-    const date::time_zone* environmentZone()
+    const ZoneRules* environmentZone()
     {
         const char* value = std::getenv("TZ");
         if (!value)
@@ -31,73 +17,66 @@ namespace {
         std::string_view name{value};
         if (name.starts_with(':'))
             name.remove_prefix(1);
-        return name.empty() ? nullptr : findZone(name);
+        return name.empty() ? nullptr : ZoneRules::find(name);
     }
 
-    const date::time_zone* systemZone()
+    const ZoneRules* systemZone()
     {
-        if (const auto* zone = environmentZone())
-            return zone;
         try {
-            return date::current_zone();
+            return ZoneRules::find(date::current_zone()->name());
         } catch (const std::exception&) {
-            return findZone("Etc/UTC");
+            return nullptr;
         }
     }
 
-    const date::time_zone* inForce(const date::time_zone* fixed) { return fixed ? fixed : systemZone(); }
-
-    /// Without any zone database local time is UTC.
-    date::local_days localDay(const date::time_zone* zone, Instant instant)
+    date::local_days localDay(const ZoneRules& zone, Instant instant)
     {
-        const SystemNanoseconds date{instant.since1970()};
-        if (!zone)
-            return date::local_days{date::floor<date::days>(date).time_since_epoch()};
-        return date::floor<date::days>(zone->to_local(date));
+        const date::sys_time<std::chrono::nanoseconds> date{instant.since1970()};
+        return date::floor<date::days>(zone.toLocal(date::floor<std::chrono::seconds>(date)));
     }
 
-    Instant firstOnOrAfter(const date::time_zone* zone, LocalSeconds time)
+    Instant onDay(const ZoneRules& zone, date::local_days day, int hour, int minute)
     {
-        if (!zone)
-            return Instant{time.time_since_epoch()};
-        return Instant{zone->to_sys(time, date::choose::earliest).time_since_epoch()};
-    }
-
-    LocalSeconds timeOnDay(date::local_days day, int hour, int minute)
-    {
-        return day + std::chrono::hours{hour} + std::chrono::minutes{minute};
+        const auto time = day + std::chrono::hours{hour} + std::chrono::minutes{minute};
+        return Instant{zone.firstAt(time).time_since_epoch()};
     }
 
 } // namespace
 
+const ZoneRules& Calendar::zone() const
+{
+    if (fixedZone_)
+        return *fixedZone_;
+    if (const auto* zone = environmentZone())
+        return *zone;
+    const auto* zone = systemZone();
+    return zone ? *zone : ZoneRules::utc();
+}
+
 std::expected<Calendar, std::string> Calendar::inZone(std::string_view name)
 {
-    if (const auto* zone = findZone(name))
+    if (const auto* zone = ZoneRules::find(name))
         return Calendar{zone};
     return std::unexpected{"unknown time zone \"" + std::string{name} + "\""};
 }
 
 std::optional<Instant> Calendar::nextDate(Instant after, int hour, int minute) const
 {
-    const auto* zone = inForce(fixedZone_);
-    const auto today = localDay(zone, after);
+    const auto& rules = zone();
+    const auto today = localDay(rules, after);
     // A zone that jumps over a date line or back can put the next match a day off on either side.
     for (auto day = today - date::days{1}; day <= today + date::days{2}; day += date::days{1})
-        if (const auto candidate = firstOnOrAfter(zone, timeOnDay(day, hour, minute)); candidate > after)
+        if (const auto candidate = onDay(rules, day, hour, minute); candidate > after)
             return candidate;
     return {};
 }
 
 Instant Calendar::dateOnDay(Instant day, int hour, int minute) const
 {
-    const auto* zone = inForce(fixedZone_);
-    return firstOnOrAfter(zone, timeOnDay(localDay(zone, day), hour, minute));
+    const auto& rules = zone();
+    return onDay(rules, localDay(rules, day), hour, minute);
 }
 
-std::string Calendar::zoneName() const
-{
-    const auto* zone = inForce(fixedZone_);
-    return zone ? zone->name() : "UTC";
-}
+std::string Calendar::zoneName() const { return zone().name(); }
 
 } // namespace vespra

@@ -3,17 +3,14 @@
 #include "Core/Scheduling/Instant.h"
 
 #include <expected>
-#include <memory>
 #include <string>
 #include <string_view>
 
-namespace date {
-class time_zone;
-}
-
 namespace vespra {
 
-/// The Gregorian calendar in a time zone: turns times of day into dates. Any thread.
+class ZoneRules;
+
+/// The Gregorian calendar in a time zone: turns times of day into dates. Main thread only.
 class Calendar {
 public:
     /// Follows the system's time zone, looked up at each use: a laptop that travels stays right. TZ in the
@@ -37,13 +34,15 @@ public:
     friend bool operator==(const Calendar&, const Calendar&) = default;
 
 private:
-    explicit Calendar(const date::time_zone* fixed)
+    explicit Calendar(const ZoneRules* fixed)
         : fixedZone_{fixed}
     {
     }
 
+    const ZoneRules& zone() const;
+
     /// Nothing: the system's zone.
-    const date::time_zone* fixedZone_;
+    const ZoneRules* fixedZone_;
 };
 
 } // namespace vespra

@@ -242,7 +242,7 @@ TEST_F(VespraAgentTest, WaitsHalfASecondForAnApplicationThatHangs)
     const auto stuck = run(stop);
     expectSilence(stuck);
     EXPECT_GE(stuck.seconds, 0.45);
-    EXPECT_LT(stuck.seconds, 1.2);
+    EXPECT_LT(stuck.seconds, 2.0);
 
     std::thread wakesUp{[&] {
         std::this_thread::sleep_for(200ms);

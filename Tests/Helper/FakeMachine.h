@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Core/Scheduling/VirtualTime.h"
 #include "Helper/HelperDaemon.h"
-#include "Tests/Support/VirtualTime.h"
 
 namespace vespra {
 

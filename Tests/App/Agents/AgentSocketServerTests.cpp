@@ -1,8 +1,8 @@
 #include "App/Agents/AgentSocketServer.h"
+#include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/LocalClient.h"
 #include "Tests/Support/ManualMainLoop.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Support/VirtualTime.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -266,7 +266,7 @@ TEST_F(AgentSocketServerTest, EndsAtOnceAndDeliversNothingAfterwards)
     LocalClient{path}.write(line("read"));
     LocalClient holding{path};
     holding.write(line("unfinished") + "\n");
-    std::this_thread::sleep_for(50ms);
+    std::this_thread::sleep_for(200ms);
     const auto from = std::chrono::steady_clock::now();
     server.reset();
     EXPECT_LT(secondsSince(from), 0.5);

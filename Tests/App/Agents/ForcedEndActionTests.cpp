@@ -1,6 +1,6 @@
 #include "App/Agents/ForcedEndAction.h"
 
-#include "Tests/Support/VirtualTime.h"
+#include "Core/Scheduling/VirtualTime.h"
 
 #include <gmock/gmock.h>
 

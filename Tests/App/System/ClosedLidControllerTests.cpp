@@ -1,9 +1,9 @@
 #include "App/System/ClosedLidController.h"
 
 #include "App/System/simulated/SimulatedHelper.h"
+#include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/FakeMonitors.h"
 #include "Tests/Support/ManualMainLoop.h"
-#include "Tests/Support/VirtualTime.h"
 
 #include <gmock/gmock.h>
 

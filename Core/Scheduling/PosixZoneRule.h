@@ -1,0 +1,22 @@
+#pragma once
+
+#include <date/tz.h>
+
+#include <memory>
+#include <string>
+
+namespace vespra {
+
+/// A rule for daylight saving as POSIX writes it: "CET-1CEST,M3.5.0,M10.5.0/3".
+class PosixZoneRule {
+public:
+    /// Nothing for a text that is no such rule.
+    static std::unique_ptr<const PosixZoneRule> parsed(const std::string& text);
+
+    virtual ~PosixZoneRule() = default;
+    virtual date::local_seconds toLocal(date::sys_seconds date) const = 0;
+    /// The first moment at which clocks show `time`; of a time that they skip, the moment of the skip.
+    virtual date::sys_seconds firstAt(date::local_seconds time) const = 0;
+};
+
+} // namespace vespra

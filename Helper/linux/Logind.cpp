@@ -1,0 +1,175 @@
+#include "Helper/linux/Logind.h"
+
+#include "HelperProtocol/Brand.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vespra {
+
+namespace {
+
+    constexpr auto service = "org.freedesktop.login1";
+    constexpr auto path = "/org/freedesktop/login1";
+    constexpr auto interface = "org.freedesktop.login1.Manager";
+    constexpr std::uint64_t callTimeout = 5'000'000; // microseconds
+
+    /// "sleep" in "shutdown:sleep", and not in "handle-suspend-key".
+    bool contains(std::string_view list, std::string_view word)
+    {
+        while (!list.empty()) {
+            const auto colon = list.find(':');
+            if (list.substr(0, colon) == word)
+                return true;
+            list.remove_prefix(colon == list.npos ? list.size() : colon + 1);
+        }
+        return false;
+    }
+
+} // namespace
+
+std::expected<BusMessage, std::string> LogindManager::newCall(const char* method) const
+{
+    sd_bus_message* message = nullptr;
+    const int made = sd_bus_message_new_method_call(&bus_, &message, service, path, interface, method);
+    if (made < 0)
+        return std::unexpected{systemError(made)};
+    return BusMessage{message};
+}
+
+std::expected<BusMessage, std::string> LogindManager::send(sd_bus_message& message) const
+{
+    BusError error;
+    sd_bus_message* reply = nullptr;
+    const int sent = sd_bus_call(&bus_, &message, callTimeout, &error.error, &reply);
+    if (sent < 0)
+        return std::unexpected{std::string{sd_bus_message_get_member(&message)} + " : " + error.description(sent)};
+    return BusMessage{reply};
+}
+
+template <class... Arguments>
+std::expected<BusMessage, std::string> LogindManager::call(
+    const char* method, const char* types, Arguments... arguments) const
+{
+    auto message = newCall(method);
+    if (!message)
+        return message;
+    if (*types)
+        if (const int appended = sd_bus_message_append(message->get(), types, arguments...); appended < 0)
+            return std::unexpected{systemError(appended)};
+    return send(**message);
+}
+
+std::optional<bool> LogindManager::flag(const char* property) const
+{
+    int value = 0;
+    if (sd_bus_get_property_trivial(&bus_, service, path, interface, property, nullptr, 'b', &value) < 0)
+        return {};
+    return value != 0;
+}
+
+std::optional<std::string> LogindManager::text(const char* property) const
+{
+    char* value = nullptr;
+    if (sd_bus_get_property_string(&bus_, service, path, interface, property, nullptr, &value) < 0)
+        return {};
+    const std::unique_ptr<char, Unref<std::free>> owned{value};
+    return value;
+}
+
+HelperResult LogindSleepSetting::setSleepDisabled(bool disabled)
+{
+    if (disabled)
+        return lock_ >= 0 ? HelperResult{} : takeLock();
+    letGo();
+    return {};
+}
+
+HelperResult LogindSleepSetting::takeLock()
+{
+    const auto reply = manager_.call("Inhibit",
+        "ssss",
+        "sleep:handle-lid-switch",
+        Brand::appName().c_str(),
+        "Closed-lid mode is on until the session ends",
+        "block");
+    if (!reply)
+        return std::unexpected{reply.error()};
+    int borrowed = -1;
+    if (const int read = sd_bus_message_read(reply->get(), "h", &borrowed); read < 0)
+        return std::unexpected{"Inhibit : " + systemError(read)};
+    // The message's own descriptor ends with it.
+    lock_ = fcntl(borrowed, F_DUPFD_CLOEXEC, 3);
+    if (lock_ < 0)
+        return std::unexpected{"Inhibit : " + systemError(-errno)};
+    return {};
+}
+
+void LogindSleepSetting::letGo()
+{
+    if (lock_ >= 0)
+        close(std::exchange(lock_, -1));
+}
+
+std::expected<std::optional<std::string>, std::string> LogindPower::blocker(std::string_view what)
+{
+    const auto reply = manager_.call("ListInhibitors", "");
+    if (!reply)
+        return std::unexpected{reply.error()};
+    auto* message = reply->get();
+    int result = sd_bus_message_enter_container(message, 'a', "(ssssuu)");
+    const char *held = nullptr, *who = nullptr, *why = nullptr, *mode = nullptr;
+    std::uint32_t user = 0, process = 0;
+    std::optional<std::string> found;
+    while (result >= 0
+        && (result = sd_bus_message_read(message, "(ssssuu)", &held, &who, &why, &mode, &user, &process)) > 0)
+        // Our own may not have gone yet.
+        if (process != static_cast<std::uint32_t>(getpid()) && std::string_view{mode} == "block"
+            && contains(held, what))
+            found = who;
+    if (result < 0)
+        return std::unexpected{"ListInhibitors : " + systemError(result)};
+    return found;
+}
+
+HelperResult LogindPower::unlessBlocked(const char* what, const char* method)
+{
+    const auto other = blocker(what);
+    if (!other)
+        return std::unexpected{other.error()};
+    if (const auto& name = *other)
+        return std::unexpected{"« " + *name + " » s'y oppose"};
+    if (const auto done = manager_.call(method, "b", 0); !done)
+        return std::unexpected{done.error()};
+    return {};
+}
+
+bool LogindPower::shouldSleepForLid()
+{
+    if (!manager_.flag("LidClosed").value_or(false) || manager_.flag("Docked").value_or(false))
+        return false;
+    const bool isOnCharger = manager_.flag("OnExternalPower").value_or(false);
+    const auto onCharger = isOnCharger ? manager_.text("HandleLidSwitchExternalPower") : std::nullopt;
+    // The one for the charger is empty where it follows the other.
+    const auto action = onCharger && !onCharger->empty() ? onCharger : manager_.text("HandleLidSwitch");
+    return action != "ignore";
+}
+
+BusSlot LogindPower::onPrepareForSleep(std::function<void()> prepare)
+{
+    prepare_ = std::move(prepare);
+    sd_bus_slot* slot = nullptr;
+    const auto heard = [](sd_bus_message* message, void* self, sd_bus_error*) {
+        int sleeps = 0;
+        if (sd_bus_message_read(message, "b", &sleeps) >= 0 && sleeps)
+            static_cast<LogindPower*>(self)->prepare_();
+        return 0;
+    };
+    sd_bus_match_signal_async(
+        &manager_.bus(), &slot, service, path, interface, "PrepareForSleep", heard, nullptr, this);
+    return BusSlot{slot};
+}
+
+} // namespace vespra

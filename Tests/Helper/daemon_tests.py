@@ -1,0 +1,323 @@
+"""The helper as a process on a bus of its own: daemon_tests.py HELPER HELPER-UNDER-TEST"""
+import json
+import os
+import pathlib
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import dbus
+import dbus.bus
+import dbus.lowlevel
+
+HELPER, UNDER_TEST = sys.argv.pop(1), sys.argv.pop(1)
+NAME = "app.vespra.Helper"
+HERE = pathlib.Path(__file__).parent
+LOCK = "sleep:handle-lid-switch"
+BUS_CONFIGURATION = """<busconfig><type>system</type><listen>unix:path={0}/bus</listen>
+<policy context="default"><allow own="*"/><allow send_destination="*"/><allow receive_sender="*"/></policy></busconfig>"""
+CLIENT = """
+import dbus, sys, time
+helper = dbus.Interface(dbus.SystemBus().get_object("app.vespra.Helper", "/app/vespra/Helper"), "app.vespra.Helper")
+helper.EnableClosedLid()
+print("applied", flush=True)
+while True:
+    time.sleep(0.2)
+    helper.Heartbeat()
+"""
+
+
+def wait(what, condition, limit=5.0):
+    deadline = time.monotonic() + limit
+    while not condition():
+        if time.monotonic() > deadline:
+            raise AssertionError(f"not within {limit} s: {what}")
+        time.sleep(0.01)
+
+
+class Client:
+    """A connection of its own to the helper."""
+
+    def __init__(self):
+        self.bus = dbus.bus.BusConnection(os.environ["DBUS_SYSTEM_BUS_ADDRESS"])
+
+    def __getattr__(self, method):
+        return lambda: self.bus.call_blocking(NAME, "/app/vespra/Helper", NAME, method, "", (), timeout=10)
+
+    def refused(self, method):
+        try:
+            getattr(self, method)()
+        except dbus.DBusException as error:
+            return error.get_dbus_name() == NAME + ".Error.Refused" and error.get_dbus_message()
+        return None
+
+
+class DaemonTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.directory = pathlib.Path(tempfile.mkdtemp(prefix="vespra-"))
+        configuration = cls.directory / "bus.conf"
+        configuration.write_text(BUS_CONFIGURATION.format(cls.directory))
+        os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={cls.directory}/bus"
+        cls.processes = [subprocess.Popen(
+            ["dbus-daemon", "--nofork", "--nopidfile", "--config-file", configuration])]
+        wait("the bus", (cls.directory / "bus").exists)
+        cls.processes.append(subprocess.Popen([sys.executable, "-B", HERE / "mock_system.py"]))
+        cls.bus = dbus.bus.BusConnection(os.environ["DBUS_SYSTEM_BUS_ADDRESS"])
+        wait("the mock", lambda: cls.bus.name_has_owner("app.vespra.Mock"))
+        cls.mock = dbus.Interface(cls.bus.get_object("app.vespra.Mock", "/mock"), "app.vespra.Mock")
+
+    @classmethod
+    def tearDownClass(cls):
+        for process in reversed(cls.processes):
+            process.kill()
+            process.wait()
+        shutil.rmtree(cls.directory)
+
+    def setUp(self):
+        self.state = self.directory / "state"
+        self.ledger = self.state / "sleep-override.json"
+        self.set(polkit="allow", lid=False, docked=False, lidAction="suspend", foreign=[], inhibitFails=False)
+
+    def tearDown(self):
+        self.end(signal.SIGKILL)
+        shutil.rmtree(self.state, ignore_errors=True)
+
+    def set(self, **changes):
+        self.mock.Set(json.dumps(changes))
+
+    def get(self, what):
+        return json.loads(self.mock.Get())[what]
+
+    def deeds(self):
+        return [deed for deed in self.get("deeds") if deed["kind"] != "polkit"]
+
+    def is_held(self):
+        return bool(self.get("locks"))
+
+    def start(self, lease=25, idle=60, kill_at=None):
+        self.end(signal.SIGKILL)
+        arguments = [UNDER_TEST, self.state, str(lease), str(idle)] + ([str(kill_at)] if kill_at is not None else [])
+        self.daemon = subprocess.Popen(arguments, stderr=subprocess.DEVNULL)
+        wait("the helper", lambda: self.daemon.poll() is not None or self.bus.name_has_owner(NAME))
+
+    def end(self, how):
+        if getattr(self, "daemon", None):
+            self.daemon.send_signal(how)
+            self.daemon.wait(10)
+            self.daemon = None
+        wait("the end of the helper", lambda: not self.bus.name_has_owner(NAME))
+
+    def assert_untouched(self):
+        wait("no lock", lambda: not self.is_held())
+        self.assertFalse(self.ledger.exists())
+
+    def test_applies_and_restores(self):
+        self.start()
+        client = Client()
+        self.assertEqual(client.ProtocolVersion(), 2)
+        self.assertFalse(client.Heartbeat())
+        client.EnableClosedLid()
+        client.EnableClosedLid()
+        self.assertEqual([lock[0::3][:2] for lock in self.get("locks")], [[LOCK, "block"]])
+        self.assertEqual(json.loads(self.ledger.read_text())["originalSleepDisabled"], False)
+        self.assertTrue(client.Heartbeat())
+        client.RestoreSleep()
+        self.assert_untouched()
+        self.assertFalse(client.Heartbeat())
+
+    def test_the_last_of_two_clients_restores(self):
+        self.start()
+        first, second = Client(), Client()
+        first.EnableClosedLid()
+        second.EnableClosedLid()
+        first.RestoreSleep()
+        self.assertTrue(self.is_held())
+        second.bus.close()
+        self.assert_untouched()
+
+    def test_a_killed_client_is_let_go_at_once_and_a_stopped_one_with_its_lease(self):
+        for how, lease in ((signal.SIGKILL, 25), (signal.SIGSTOP, 1)):
+            with self.subTest(how=how):
+                self.start(lease=lease)
+                with subprocess.Popen([sys.executable, "-c", CLIENT], stdout=subprocess.PIPE) as client:
+                    try:
+                        client.stdout.readline()
+                        time.sleep(1.5)
+                        self.assertTrue(self.is_held())
+                        client.send_signal(how)
+                        if how == signal.SIGSTOP:
+                            time.sleep(0.5)
+                            self.assertTrue(self.is_held())
+                        wait("the end of the lock", lambda: not self.is_held(), 1.0)
+                    finally:
+                        client.kill()
+                self.end(signal.SIGKILL)
+
+    def test_killed_at_any_step_it_leaves_the_setting_as_it_was(self):
+        steps = 0
+        while True:
+            with self.subTest(step=steps):
+                self.start(kill_at=steps)
+                survived = self.daemon.poll() is None
+                if survived:
+                    client = Client()
+                    try:
+                        client.EnableClosedLid()
+                        client.RestoreSleep()
+                    except dbus.DBusException:
+                        survived = False
+                self.end(signal.SIGKILL)
+                wait("no lock", lambda: not self.is_held())
+                self.start()
+                self.assert_untouched()
+                self.end(signal.SIGKILL)
+            if survived:
+                break
+            steps += 1
+        self.assertGreater(steps, 12)
+
+    def test_recovers_from_what_is_left_on_the_disk(self):
+        for content, is_kept in (('{"originalSleepDisabled":true,"appliedAt":1}', False),
+                                 ('{"originalSleepDis', True), ("", True)):
+            with self.subTest(content=content):
+                self.state.mkdir(exist_ok=True)
+                self.ledger.write_text(content)
+                self.start()
+                bad = pathlib.Path(f"{self.ledger}.bad")
+                self.assertFalse(self.ledger.exists())
+                self.assertEqual(bad.exists() and bad.read_text() == content, is_kept)
+                Client().EnableClosedLid()
+                self.end(signal.SIGTERM)
+                self.assert_untouched()
+
+    def test_refuses_without_changing_anything(self):
+        for what, changes, state_is_a_file in (("no right", {"polkit": "deny"}, False),
+                                               ("no policy", {"polkit": "broken"}, False),
+                                               ("no ledger", {}, True),
+                                               ("no lock", {"inhibitFails": True}, False)):
+            with self.subTest(what=what):
+                self.set(polkit="allow", inhibitFails=False)
+                self.set(**changes)
+                if state_is_a_file:
+                    self.state.write_text("")
+                self.start()
+                client = Client()
+                self.assertTrue(client.refused("EnableClosedLid"))
+                self.assertFalse(client.Heartbeat())
+                self.assert_untouched()
+                if "polkit" in changes:
+                    self.assertTrue(client.refused("SleepNow") and client.refused("ShutDown"))
+                    self.assertEqual(self.deeds(), [])
+                self.end(signal.SIGKILL)
+                if state_is_a_file:
+                    self.state.unlink()
+
+    def test_asks_polkit_about_the_connection(self):
+        self.start()
+        client = Client()
+        client.EnableClosedLid()
+        client.SleepNow()
+        client.ShutDown()
+        self.assertEqual([(deed["action"], deed["subject"], deed["flags"])
+                          for deed in self.get("deeds") if deed["kind"] == "polkit"],
+                         [(action, ["system-bus-name", client.bus.get_unique_name()], flags) for action, flags in
+                          (("app.vespra.helper.closed-lid", 1), ("org.freedesktop.login1.suspend", 0),
+                           ("org.freedesktop.login1.power-off", 0))])
+
+    def test_an_authorization_for_a_client_that_has_gone_counts_for_nothing(self):
+        self.set(polkit="slow")
+        self.start()
+        client = Client()
+        client.bus.send_message(dbus.lowlevel.MethodCallMessage(NAME, "/app/vespra/Helper", NAME, "EnableClosedLid"))
+        client.bus.flush()
+        wait("the question", lambda: self.get("deeds"))
+        client.bus.close()
+        time.sleep(0.6)
+        self.assert_untouched()
+
+    def test_lets_go_before_it_sleeps_and_respects_the_locks_of_others(self):
+        self.start()
+        client = Client()
+        for method, kind, what in (("SleepNow", "suspend", "sleep"), ("ShutDown", "powerOff", "shutdown")):
+            with self.subTest(method=method):
+                self.set(foreign=[])
+                client.EnableClosedLid()
+                getattr(client, method)()
+                wait("the deed", lambda: [deed["kind"] for deed in self.deeds()] == [kind])
+                self.assertEqual(self.deeds()[0]["locks"], [])
+                self.set(foreign=[["idle:" + what, "dpkg", "upgrade", "block", 0, 1]])
+                self.assertIn("dpkg", client.refused(method))
+                self.assertEqual(self.deeds(), [])
+
+    def test_sleeps_for_a_lid_that_stays_shut(self):
+        for changes, sleeps in (({}, True), ({"docked": True}, False), ({"lidAction": "ignore"}, False)):
+            with self.subTest(changes=changes):
+                self.set(lid=True, docked=False, lidAction="suspend")
+                self.set(**changes)
+                self.start()
+                client = Client()
+                client.EnableClosedLid()
+                client.RestoreSleep()
+                time.sleep(2.5)
+                self.assertEqual([deed["kind"] for deed in self.deeds()], ["suspend"] if sleeps else [])
+                self.end(signal.SIGKILL)
+
+    def test_leaves_when_it_has_nothing_to_do(self):
+        self.start(idle=0.5)
+        client = Client()
+        client.EnableClosedLid()
+        time.sleep(1)
+        self.assertIsNone(self.daemon.poll())
+        client.RestoreSleep()
+        self.assertEqual(self.daemon.wait(5), 0)
+
+    def test_any_order_of_clients_and_kills_keeps_the_promise(self):
+        seed = random.randrange(10**6)
+        choose = random.Random(seed)
+        lease, slack = 0.5, 0.3
+        self.start(lease=lease)
+        clients, last_sign, events = [Client(), Client()], 0.0, 0
+        end = time.monotonic() + 8
+        while time.monotonic() < end:
+            events += 1
+            which = choose.randrange(2)
+            event = choose.choice(["enable", "enable", "heartbeat", "restore", "vanish", "kill", "wait", "wait"])
+            try:
+                if event == "enable":
+                    clients[which].EnableClosedLid()
+                    last_sign = time.monotonic()
+                elif event == "heartbeat" and clients[which].Heartbeat():
+                    last_sign = time.monotonic()
+                elif event == "restore":
+                    clients[which].RestoreSleep()
+                elif event == "vanish":
+                    clients[which].bus.close()
+                    clients[which] = Client()
+                elif event == "kill":
+                    self.end(signal.SIGKILL)
+                    wait("no lock without a helper", lambda: not self.is_held())
+                    self.start(lease=lease)
+                    self.assertFalse(self.ledger.exists())
+                else:
+                    time.sleep(choose.random() ** 4 * lease * 1.5)
+            except dbus.DBusException as error:
+                self.fail(f"seed {seed}: {event}: {error}")
+            if self.is_held():
+                self.assertLess(time.monotonic() - last_sign, lease + slack, f"seed {seed}")
+                self.assertTrue(self.ledger.exists(), f"seed {seed}")
+        time.sleep(lease + slack)
+        self.assert_untouched()
+        print(f"{events} events", file=sys.stderr)
+
+    def test_the_installed_helper_takes_no_options_but_these(self):
+        for arguments, status in ((["--help"], 0), (["--lease", "1000"], 2), (["--install", "/tmp"], 2)):
+            self.assertEqual(subprocess.run([HELPER, *arguments], capture_output=True).returncode, status)
+
+
+unittest.main()
