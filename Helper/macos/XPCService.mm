@@ -16,7 +16,7 @@ struct Daemon {
     HelperDaemon& logic;
     std::function<void()> onRequest;
     int lastClient = 0;
-    std::map<int, std::unique_ptr<vespra::HelperXPCProtocol>> sessions;
+    std::map<int, std::unique_ptr<vespra::HelperXPCProtocol>> sessions{};
 };
 
 NSString* text(const HelperRefusal& refusal) { return refusal ? @(refusal->c_str()) : nil; }
@@ -153,7 +153,7 @@ struct XPCService::Listener {
 XPCService::XPCService(HelperDaemon& daemon, std::function<void()> onRequest)
     : listener_{std::make_unique<Listener>()}
 {
-    listener_->daemon = std::make_shared<Daemon>(Daemon{daemon, std::move(onRequest)});
+    listener_->daemon = std::make_shared<Daemon>(Daemon{.logic = daemon, .onRequest = std::move(onRequest)});
     listener_->delegate = [[VespraHelperListener alloc] initWithDaemon:listener_->daemon];
     listener_->listener = [[NSXPCListener alloc] initWithMachServiceName:@(Brand::helperMachServiceName().c_str())];
     const auto requirement = Brand::codeSigningRequirement(Brand::appBundleID());
