@@ -1,16 +1,9 @@
 #include "Core/Agents/JSONPlainText.h"
 #include "Core/Agents/OrderedJSON.h"
-#include "Core/Match.h"
 
 #include <cstring>
 
 namespace vespra {
-
-namespace {
-
-    constexpr std::string_view indentation = "  ";
-
-} // namespace
 
 class OrderedJSONPrinter {
 public:
@@ -118,6 +111,8 @@ private:
         constexpr std::size_t first = 4096, factor = 4;
         text_.resize_and_overwrite(factor * text_.size() + size + first, [](char*, std::size_t all) { return all; });
     }
+
+    static constexpr std::string_view indentation = "  ";
 
     std::string text_;
     std::size_t used_ = 0;
