@@ -1,9 +1,13 @@
 #pragma once
 
 #include "App/System/DisplayControl.h"
+#include "App/System/HelperConnection.h"
+#include "App/System/HelperService.h"
 #include "App/System/LidMonitoring.h"
+#include "App/System/MachineFacts.h"
 #include "App/System/PowerAssertionBackend.h"
 #include "App/System/SessionFollowing.h"
+#include "App/System/SystemPower.h"
 #include "App/System/SystemSleepObserving.h"
 #include "Core/RawValue.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
@@ -40,6 +44,14 @@ struct PlatformTime {
     std::unique_ptr<TaskScheduling> tasks;
 };
 
+/// The privileged component, and what closed-lid mode needs besides.
+struct PlatformHelper {
+    std::shared_ptr<HelperService> service;
+    HelperConnector connect;
+    std::shared_ptr<MachineFacts> facts;
+    std::shared_ptr<SystemPower> power;
+};
+
 /// All that the application needs of its system; every member is set, except `machine` and `machineSocket`. Main thread
 /// only, but for `time.mainLoop->post`. Members that come later use those before them.
 struct Platform {
@@ -57,6 +69,7 @@ struct Platform {
     std::unique_ptr<PowerAssertionBackend> assertions;
     std::unique_ptr<DisplayControl> display;
     std::unique_ptr<SessionFollowing> session;
+    PlatformHelper helper;
     /// Steers `machine` from outside.
     std::shared_ptr<MachineSocket> machineSocket;
 };

@@ -3,6 +3,7 @@
 #include "App/System/linux/Desktop.h"
 #include "App/System/linux/LinuxAssertions.h"
 #include "App/System/linux/LinuxDisplay.h"
+#include "App/System/linux/LinuxHelper.h"
 #include "App/System/linux/LinuxLid.h"
 #include "App/System/linux/LinuxPowerSource.h"
 #include "App/System/linux/LinuxThermal.h"
@@ -153,6 +154,7 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.assertions = own(members->assertions, std::make_unique<LinuxAssertions>(means(tasks)));
     platform.display = std::make_unique<LinuxDisplay>(tasks, assertionsLog());
     platform.session = std::make_unique<LinuxSession>(*members);
+    platform.helper = makeLinuxHelper();
     return platform;
 }
 

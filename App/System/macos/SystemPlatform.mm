@@ -1,6 +1,7 @@
 #include "App/System/SystemPlatform.h"
 
 #include "App/System/macos/MacAdapters.h"
+#include "App/System/macos/MacHelper.h"
 #include "App/System/QtMainLoop.h"
 
 #include <cstdlib>
@@ -46,6 +47,7 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.assertions = makeIOKitAssertions();
     platform.display = makeMacDisplay();
     platform.session = std::make_unique<MacSession>();
+    platform.helper = makeMacHelper(*platform.time.mainLoop);
     return platform;
 }
 

@@ -51,15 +51,10 @@ namespace {
 
     bool setHelper(MachineChange& change, std::string_view value)
     {
-        const std::array<HelperStatus, 5> all{helper::Ready{},
-            helper::NotInstalled{},
-            helper::AwaitingApproval{},
-            helper::Failed{},
-            helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay}};
-        const auto status = std::ranges::find(all, value, [](const HelperStatus& each) { return caseName(each); });
-        if (status != all.end())
-            change.state.helper = *status;
-        return status != all.end();
+        const auto mode = fromRawValue<SimulatedHelperMode>(value);
+        if (mode)
+            change.state.helper = *mode;
+        return mode.has_value();
     }
 
     bool setSleep(MachineChange& change, std::string_view value)
@@ -100,9 +95,9 @@ namespace {
             setThermal,
             [](const State& state) { return std::string{rawValue(state.thermal)}; }},
         {"helper",
-            "ready|notInstalled|awaitingApproval|failed|unsupported",
+            "ready|notInstalled|awaitingApproval|failed|noBuiltInDisplay|unsignedBuild|refusing|outdated|stuck",
             setHelper,
-            [](const State& state) { return std::string{caseName(state.helper)}; }},
+            [](const State& state) { return std::string{rawValue(state.helper)}; }},
         {"sleep", "now", setSleep, nullptr},
     }};
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Energy/HelperStatus.h"
+#include "App/System/simulated/SimulatedHelperMode.h"
 #include "Core/Energy/PowerSnapshot.h"
 #include "Core/Energy/ThermalLevel.h"
 
@@ -20,7 +20,7 @@ struct MachineState {
     bool hasExternalDisplay = false;
     bool isScreenOn = true;
     ThermalLevel thermal = ThermalLevel::nominal;
-    HelperStatus helper = helper::NotInstalled{};
+    SimulatedHelperMode helper = SimulatedHelperMode::notInstalled;
 
     PowerSnapshot power() const { return {.isOnACPower = hasCharger || !battery, .batteryLevel = battery}; }
     bool isClosedWithoutExternalDisplay() const { return isLidClosed && !hasExternalDisplay; }

@@ -112,7 +112,8 @@ SimulatedHelper::~SimulatedHelper()
 
 void SimulatedHelper::setMode(Mode mode)
 {
-    mode_ = mode;
+    if (std::exchange(mode_, mode) == mode)
+        return;
     if (!isReachable())
         for (auto* connection : connections_)
             connection->invalidate();
@@ -126,8 +127,10 @@ HelperConnector SimulatedHelper::connector()
 
 void SimulatedHelper::registerService(std::function<void(std::expected<void, std::string>)> done)
 {
-    if (mode_ == Mode::notInstalled)
+    if (mode_ == Mode::notInstalled) {
         mode_ = Mode::awaitingApproval;
+        notify(onModeChange);
+    }
     mainLoop_.post(lifetime_.guard([this, done = std::move(done)] {
         if (mode_ == Mode::refusing)
             done(std::unexpected{"le système simulé refuse"});

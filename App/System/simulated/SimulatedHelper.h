@@ -3,8 +3,8 @@
 #include "App/System/HelperConnection.h"
 #include "App/System/HelperService.h"
 #include "App/System/MachineFacts.h"
+#include "App/System/simulated/SimulatedHelperMode.h"
 #include "Core/Lifetime.h"
-#include "Core/RawValue.h"
 #include "Core/Scheduling/MainLoop.h"
 
 #include <set>
@@ -14,21 +14,7 @@ namespace vespra {
 /// A privileged component in memory, with its registration and the machine it is on. Main thread only.
 class SimulatedHelper final : public HelperService, public MachineFacts {
 public:
-    enum class Mode {
-        ready,
-        notInstalled,
-        awaitingApproval,
-        /// Registered, but cannot be reached.
-        failed,
-        noBuiltInDisplay,
-        unsignedBuild,
-        /// Answers, and refuses whatever would change anything.
-        refusing,
-        /// Speaks version 1.
-        outdated,
-        /// Takes requests and never answers.
-        stuck,
-    };
+    using Mode = SimulatedHelperMode;
 
     explicit SimulatedHelper(MainLoop& mainLoop, Mode mode = Mode::ready);
     ~SimulatedHelper() override;
@@ -36,6 +22,9 @@ public:
     Mode mode() const { return mode_; }
     /// A component that becomes unreachable loses its connections, and with them the override.
     void setMode(Mode mode);
+
+    /// Told when the application's doing has changed the mode: a registration.
+    std::function<void()> onModeChange;
 
     /// Some connection holds the override.
     bool isSleepDisabled() const { return !leases_.empty(); }
@@ -66,18 +55,5 @@ private:
     std::set<const Connection*> leases_;
     Lifetime lifetime_;
 };
-
-template <>
-inline constexpr auto rawValues<SimulatedHelper::Mode> = RawValueTable<SimulatedHelper::Mode, 9>{{
-    {SimulatedHelper::Mode::ready, "ready"},
-    {SimulatedHelper::Mode::notInstalled, "notInstalled"},
-    {SimulatedHelper::Mode::awaitingApproval, "awaitingApproval"},
-    {SimulatedHelper::Mode::failed, "failed"},
-    {SimulatedHelper::Mode::noBuiltInDisplay, "noBuiltInDisplay"},
-    {SimulatedHelper::Mode::unsignedBuild, "unsignedBuild"},
-    {SimulatedHelper::Mode::refusing, "refusing"},
-    {SimulatedHelper::Mode::outdated, "outdated"},
-    {SimulatedHelper::Mode::stuck, "stuck"},
-}};
 
 } // namespace vespra

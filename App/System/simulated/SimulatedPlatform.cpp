@@ -1,6 +1,7 @@
 #include "App/System/simulated/SimulatedPlatform.h"
 
 #include "App/System/Reading.h"
+#include "App/System/simulated/SimulatedHelper.h"
 #include "App/System/SystemPlatform.h"
 
 namespace vespra {
@@ -132,6 +133,50 @@ namespace {
         void refresh() override { }
     };
 
+    /// What the machine does when it is told to sleep or to shut down, by whomever.
+    class SimulatedPower final : public SystemPower {
+    public:
+        SimulatedPower(MainLoop& mainLoop, Machine machine)
+            : mainLoop_{mainLoop}
+            , machine_{std::move(machine)}
+        {
+        }
+        void sleepNow(Done done) override
+        {
+            sleep();
+            answer(std::move(done), {});
+        }
+        void shutDown(Done done) override { answer(std::move(done), std::unexpected{"only with the helper"}); }
+        void sleep() { std::ignore = machine_->set(MachineSettings{{"sleep", "now"}}); }
+
+    private:
+        void answer(Done done, std::expected<void, std::string> result)
+        {
+            mainLoop_.post([done = std::move(done), result = std::move(result)] { done(result); });
+        }
+
+        MainLoop& mainLoop_;
+        Machine machine_;
+    };
+
+    PlatformHelper makeSimulatedHelper(const Machine& machine, MainLoop& mainLoop)
+    {
+        const auto helper = std::make_shared<SimulatedHelper>(mainLoop, machine->state().helper);
+        const auto power = std::make_shared<SimulatedPower>(mainLoop, machine);
+        machine->onChange([weak = std::weak_ptr{helper}, &state = machine->state()] {
+            if (const auto there = weak.lock())
+                there->setMode(state.helper);
+        });
+        helper->onModeChange = [helper = helper.get(), machine] {
+            auto next = machine->state();
+            next.helper = helper->mode();
+            machine->set(next);
+        };
+        // A simulated laptop that was switched off could not be shown any more: it sleeps.
+        helper->onSleep = helper->onShutDown = [power] { power->sleep(); };
+        return {.service = helper, .connect = helper->connector(), .facts = helper, .power = power};
+    }
+
 } // namespace
 
 Platform makeSimulatedPlatform()
@@ -148,6 +193,7 @@ Platform makeSimulatedPlatform()
     platform.assertions = std::make_unique<SimulatedAssertions>(machine);
     platform.display = std::make_unique<SimulatedDisplay>(machine);
     platform.session = std::make_unique<SimulatedSession>();
+    platform.helper = makeSimulatedHelper(machine, *platform.time.mainLoop);
     return platform;
 }
 

@@ -173,6 +173,7 @@ namespace {
             SCOPED_TRACE(rawValue(row.mode));
             launch();
             helper.setMode(row.mode);
+            controller->refreshStatus();
             mainLoop.run();
             EXPECT_EQ(shownStatus(), row.shown);
             EXPECT_EQ(!wire.requests.empty(), row.talks);

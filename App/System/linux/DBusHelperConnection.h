@@ -1,0 +1,37 @@
+#pragma once
+
+#include "App/System/HelperConnection.h"
+#include "App/System/linux/DBus.h"
+#include "Core/Lifetime.h"
+
+#include <map>
+
+namespace vespra {
+
+/// A connection to the system bus of its own: the component ties what it does to it, and takes that back when it ends.
+/// Starts the component if need be.
+class DBusHelperConnection final : public HelperConnection {
+public:
+    DBusHelperConnection();
+    ~DBusHelperConnection() override;
+
+    void protocolVersion(HelperReply<std::int64_t> reply) override;
+    void enableClosedLid(HelperReply<HelperRefusal> reply) override;
+    void heartbeat(HelperReply<bool> reply) override;
+    void restoreSleep(HelperReply<HelperRefusal> reply) override;
+    void sleepNow(HelperReply<HelperRefusal> reply) override;
+    void shutDown(HelperReply<HelperRefusal> reply) override;
+    std::expected<HelperRefusal, HelperUnreachable> restoreSleepAndWait(Seconds timeout) override;
+
+private:
+    template <class Value, class Read> void ask(const char* method, HelperReply<Value> reply, Read read);
+
+    QString name_;
+    QDBusConnection bus_;
+    dbus::NameWatch owner_;
+    std::map<int, dbus::Call> calls_;
+    int lastCall_ = 0;
+    Lifetime lifetime_;
+};
+
+} // namespace vespra

@@ -1,0 +1,146 @@
+#include "App/System/linux/PolkitHelperService.h"
+
+#include "HelperProtocol/linux/InstallationNames.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QFileInfo>
+
+namespace vespra {
+
+namespace {
+
+    /// In the build and beside a bundle it lies with the application, installed below libexec. Empty: nowhere.
+    QString helperProgram()
+    {
+        const auto own = QCoreApplication::applicationDirPath();
+        for (const auto& path : {QString::fromLatin1(installation::packagedHelper),
+                 own + QStringLiteral("/vespra-helper"),
+                 own + QStringLiteral("/../libexec/vespra-helper")})
+            if (QFileInfo{path}.isExecutable())
+                return QFileInfo{path}.canonicalFilePath();
+        return {};
+    }
+
+    QDBusMessage checkAuthorization(bool mayAskTheUser)
+    {
+        QDBusArgument subject;
+        subject.beginStructure();
+        subject << QStringLiteral("system-bus-name")
+                << QVariantMap{{QStringLiteral("name"), dbus::systemBus().baseService()}};
+        subject.endStructure();
+        QDBusArgument noDetails;
+        noDetails.beginMap(QMetaType{QMetaType::QString}, QMetaType{QMetaType::QString});
+        noDetails.endMap();
+        const dbus::Target polkit{QStringLiteral("org.freedesktop.PolicyKit1"),
+            QStringLiteral("/org/freedesktop/PolicyKit1/Authority"),
+            QStringLiteral("org.freedesktop.PolicyKit1.Authority")};
+        auto message = polkit.method(QStringLiteral("CheckAuthorization"),
+            {QVariant::fromValue(subject),
+                QString::fromLatin1(installation::polkitAction),
+                QVariant::fromValue(noDetails),
+                mayAskTheUser ? 1U : 0U,
+                QString{}});
+        message.setAutoStartService(true);
+        return message;
+    }
+
+    HelperServiceStatus approval(const QDBusMessage& reply)
+    {
+        // Without polkit the component itself has to say what it refuses.
+        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QStringLiteral("(bba{ss})"))
+            return HelperServiceStatus::enabled;
+        const auto result = reply.arguments().value(0).value<QDBusArgument>();
+        bool isAuthorized = false, isChallenge = false;
+        result.beginStructure();
+        result >> isAuthorized >> isChallenge;
+        return isAuthorized ? HelperServiceStatus::enabled
+            : isChallenge   ? HelperServiceStatus::requiresApproval
+                            : HelperServiceStatus::unknown;
+    }
+
+} // namespace
+
+PolkitHelperService::~PolkitHelperService()
+{
+    // Whoever is typing the password goes on: the installation is whole or not at all without us.
+    if (installer_) {
+        installer_->disconnect();
+        installer_.release()->deleteLater();
+    }
+}
+
+void PolkitHelperService::ask(
+    const QDBusMessage& message, int timeout, std::function<void(const QDBusMessage&)> onReply)
+{
+    const int id = ++lastCall_;
+    calls_[id] = dbus::call(
+        dbus::systemBus(), message, timeout, [this, id, onReply = std::move(onReply)](const QDBusMessage& reply) {
+            calls_.erase(id);
+            onReply(reply);
+        });
+}
+
+void PolkitHelperService::status(std::function<void(HelperServiceStatus)> answer)
+{
+    ask(dbus::bus().method(QStringLiteral("ListActivatableNames")),
+        dbus::readingTimeout,
+        [this, answer = std::move(answer)](const QDBusMessage& reply) {
+            if (reply.type() != QDBusMessage::ReplyMessage)
+                return answer(HelperServiceStatus::unknown);
+            if (!reply.arguments().value(0).toStringList().contains(QLatin1String{installation::busName}))
+                return answer(HelperServiceStatus::notRegistered);
+            askPolkit(false, dbus::readingTimeout, answer);
+        });
+}
+
+void PolkitHelperService::askPolkit(bool mayAskTheUser, int timeout, Answer answer)
+{
+    ask(checkAuthorization(mayAskTheUser), timeout, [answer = std::move(answer)](const QDBusMessage& reply) {
+        answer(approval(reply));
+    });
+}
+
+void PolkitHelperService::openSettings()
+{
+    askPolkit(true, dbus::untilAnswered, [this](HelperServiceStatus) { notify(onChange); });
+}
+
+void PolkitHelperService::registerService(std::function<void(std::expected<void, std::string>)> done)
+{
+    const auto program = helperProgram();
+    if (installer_ || program.isEmpty()) {
+        const std::string reason = installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable";
+        ask(dbus::bus().method(QStringLiteral("GetId")), dbus::readingTimeout, [done, reason](const QDBusMessage&) {
+            done(std::unexpected{reason});
+        });
+        return;
+    }
+    status(lifetime_.guard([this, done, program](HelperServiceStatus current) {
+        if (current != HelperServiceStatus::notRegistered)
+            return done({});
+        installer_ = std::make_unique<QProcess>();
+        const auto finish = [this, done] { ended(done); };
+        QObject::connect(installer_.get(), &QProcess::finished, finish);
+        QObject::connect(installer_.get(), &QProcess::errorOccurred, [finish](QProcess::ProcessError error) {
+            if (error == QProcess::FailedToStart)
+                finish();
+        });
+        installer_->start(QStringLiteral("pkexec"), {program, QStringLiteral("--install")});
+    }));
+}
+
+void PolkitHelperService::ended(const std::function<void(std::expected<void, std::string>)>& done)
+{
+    const auto callback = done;
+    auto* const installer = installer_.release();
+    installer->deleteLater();
+    if (installer->error() == QProcess::FailedToStart)
+        return callback(std::unexpected{"pkexec : " + installer->errorString().toStdString()});
+    if (installer->exitStatus() == QProcess::NormalExit && installer->exitCode() == 0)
+        return callback({});
+    const auto said = QString::fromUtf8(installer->readAllStandardError()).trimmed();
+    callback(std::unexpected{said.isEmpty() ? "pkexec a échoué" : said.toStdString()});
+}
+
+} // namespace vespra

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "App/System/HelperService.h"
+#include "App/System/linux/DBus.h"
+#include "Core/Lifetime.h"
+
+#include <map>
+#include <QProcess>
+
+namespace vespra {
+
+/// The component is registered when the bus can start it, and approved when polkit lets this user have it. Registering
+/// asks for an administrator's password and has the component install itself; a package makes that unnecessary.
+class PolkitHelperService final : public HelperService {
+public:
+    ~PolkitHelperService() override;
+    void registerService(std::function<void(std::expected<void, std::string>)> done) override;
+    void status(std::function<void(HelperServiceStatus)> answer) override;
+    /// polkit asks right here.
+    void openSettings() override;
+
+private:
+    using Answer = std::function<void(HelperServiceStatus)>;
+
+    void ask(const QDBusMessage& message, int timeout, std::function<void(const QDBusMessage&)> onReply);
+    void askPolkit(bool mayAskTheUser, int timeout, Answer answer);
+    void ended(const std::function<void(std::expected<void, std::string>)>& done);
+
+    std::map<int, dbus::Call> calls_;
+    int lastCall_ = 0;
+    std::unique_ptr<QProcess> installer_;
+    Lifetime lifetime_;
+};
+
+} // namespace vespra

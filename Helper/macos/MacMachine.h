@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Helper/HelperDaemon.h"
+
+namespace vespra {
+
+/// The "SleepDisabled" setting of the power management. It outlives the process and the computer's restart; while it is
+/// on, the system does not even sleep for heat or an empty battery.
+class MacSleepSetting final : public SleepSetting {
+public:
+    std::expected<bool, std::string> isSleepDisabled() override;
+    /// Takes effect a little later, and does not look at the lid again.
+    HelperResult setSleepDisabled(bool disabled) override;
+};
+
+class MacPower final : public PowerControl {
+public:
+    HelperResult suspend() override;
+    HelperResult powerOff() override;
+    bool shouldSleepForLid() override;
+};
+
+/// Whoever got through to the daemon carries the application's signature: the listener lets nobody else in.
+class SignedCallers final : public Authorization {
+public:
+    void check(const ClientName&, Right, std::function<void(HelperResult)> answer) override { answer({}); }
+};
+
+} // namespace vespra

@@ -1,0 +1,49 @@
+#include "App/System/macos/MacAdapters.h"
+#include "Helper/LedgerFile.h"
+#include "Helper/macos/MacMachine.h"
+#include "Helper/macos/XPCService.h"
+
+#import <Foundation/Foundation.h>
+
+#include <csignal>
+
+namespace {
+
+using namespace vespra;
+
+constexpr auto stateDirectory = "/Library/Application Support/VespraHelper";
+/// How long to stay without anything to do; launchd starts the daemon again when somebody calls.
+constexpr Seconds idleTimeout = 60s;
+
+void endRunLoop() { CFRunLoopStop(CFRunLoopGetMain()); }
+
+} // namespace
+
+int main()
+{
+    signal(SIGTERM, SIG_IGN);
+    dispatch_source_t termination
+        = dispatch_source_create(DISPATCH_SOURCE_TYPE_SIGNAL, SIGTERM, 0, dispatch_get_main_queue());
+    dispatch_source_set_event_handler(termination, ^{
+        endRunLoop();
+    });
+    dispatch_resume(termination);
+
+    const auto tasks = makeDispatchTaskScheduler();
+    SystemClock clock;
+    LedgerFile ledger{stateDirectory};
+    MacSleepSetting setting;
+    MacPower power;
+    SignedCallers authorization;
+    HelperDaemon daemon{{setting, ledger, power, authorization, *tasks, clock}};
+    std::unique_ptr<ScheduledTask> idleExit;
+    const auto update = [&] { idleExit = daemon.isIdle() ? tasks->schedule(idleTimeout, endRunLoop) : nullptr; };
+    daemon.onChange = update;
+    {
+        const XPCService service{daemon, update};
+        update();
+        CFRunLoopRun();
+    }
+    daemon.onChange = nullptr;
+    return EXIT_SUCCESS;
+}
