@@ -148,16 +148,16 @@ void MockBus::own(const char* service)
 
 void MockBus::disown(const char* service)
 {
-    run([&] {
-        services_->bus.unregisterService(QLatin1String{service});
-        std::erase_if(
-            services_->cookies, [&](const auto& each) { return each.second.startsWith(QLatin1String{service}); });
-    });
+    run([&] { services_->bus.unregisterService(QLatin1String{service}); });
 }
 
 void MockBus::restart(const char* service)
 {
     disown(service);
+    run([&] {
+        std::erase_if(
+            services_->cookies, [&](const auto& each) { return each.second.startsWith(QLatin1String{service}); });
+    });
     own(service);
 }
 

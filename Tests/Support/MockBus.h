@@ -25,7 +25,7 @@ public:
     MockBus& operator=(const MockBus&) = delete;
 
     void own(const char* service);
-    /// The service goes, and with it all that it had granted, except descriptors.
+    /// The process lives on, with all that it has granted, but without the name.
     void disown(const char* service);
     /// As if it crashed and came back at once.
     void restart(const char* service);

@@ -68,12 +68,13 @@ void SessionInhibitor::ownerChanged(std::size_t candidate, bool owned)
 {
     candidates_[candidate].question.reset();
     candidates_[candidate].isOwned = owned;
-    // What the owner before had granted is gone with it.
+    // What the owner before has granted is gone with it, unless it lives on without the name.
     if (held_ && held_->candidate == candidate)
-        held_.reset();
+        giveBack(*std::exchange(held_, std::nullopt));
     if (asked_ == candidate) {
         asked_.reset();
-        pending_.reset();
+        outdated_.push_back(std::move(pending_));
+        ++question_;
     }
     reconcile();
 }
@@ -140,16 +141,25 @@ void SessionInhibitor::request(std::size_t candidate)
     pending_ = dbus::call(dbus::sessionBus(),
         service.target.method(QStringLiteral("Inhibit"), arguments),
         dbus::untilAnswered,
-        [this, candidate](const QDBusMessage& reply) { received(candidate, reply); });
+        [this, candidate, question = question_](const QDBusMessage& reply) { received(candidate, question, reply); });
 }
 
-void SessionInhibitor::received(std::size_t candidate, const QDBusMessage& reply)
+void SessionInhibitor::received(std::size_t candidate, int question, const QDBusMessage& reply)
 {
+    std::optional<Held> granted;
+    const auto cookie = reply.arguments().value(0);
+    if (reply.type() == QDBusMessage::ReplyMessage && cookie.metaType() == QMetaType::fromType<unsigned>())
+        granted = Held{candidate, reply.service(), cookie.toUInt()};
+    if (question != question_) {
+        std::erase_if(outdated_, [](const dbus::Call& call) { return call->isFinished(); });
+        if (granted)
+            giveBack(*granted);
+        return;
+    }
     pending_.reset();
     asked_.reset();
-    const auto cookie = reply.arguments().value(0);
-    if (reply.type() == QDBusMessage::ReplyMessage && cookie.metaType() == QMetaType::fromType<unsigned>()) {
-        held_ = Held{candidate, cookie.toUInt()};
+    if (granted) {
+        held_ = granted;
         hasLoggedFailure_ = false;
         return reconcile();
     }
@@ -163,8 +173,9 @@ void SessionInhibitor::received(std::size_t candidate, const QDBusMessage& reply
 
 void SessionInhibitor::giveBack(const Held& held)
 {
-    const auto& service = candidates_[held.candidate].service;
-    dbus::sessionBus().send(service.target.method(service.release, {held.cookie}));
+    const auto& [target, flags, release] = candidates_[held.candidate].service;
+    const dbus::Target grantor{held.grantor, target.path, target.interface};
+    dbus::sessionBus().send(grantor.method(release, {held.cookie}));
 }
 
 } // namespace vespra

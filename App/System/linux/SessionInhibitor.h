@@ -46,6 +46,8 @@ private:
     };
     struct Held {
         std::size_t candidate;
+        /// The bus name of the very process that granted it: the service may have changed hands since.
+        QString grantor;
         unsigned cookie;
     };
 
@@ -55,7 +57,7 @@ private:
     /// The one to use; absent while that is not known, and if there is none.
     std::optional<std::size_t> best() const;
     void request(std::size_t candidate);
-    void received(std::size_t candidate, const QDBusMessage& reply);
+    void received(std::size_t candidate, int question, const QDBusMessage& reply);
     void giveBack(const Held& held);
 
     QString application_;
@@ -69,6 +71,9 @@ private:
     /// The candidate that is being asked for a cookie.
     std::optional<std::size_t> asked_;
     dbus::Call pending_;
+    /// Questions to processes that have since lost the service's name: what they grant is given back.
+    std::vector<dbus::Call> outdated_;
+    int question_ = 0;
     bool hasLoggedFailure_ = false;
     std::unique_ptr<ScheduledTask> retry_;
 };

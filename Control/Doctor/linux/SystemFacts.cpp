@@ -174,29 +174,50 @@ namespace {
         return all;
     }
 
+    /// Somebody holds it, but the service does not say who.
+    Inhibitor anonymous(const char* service)
+    {
+        return {.service = service, .what = "inhibition", .who = "somebody", .why = "the service does not say who"};
+    }
+
+    bool says(const Bus::Answer& answer)
+    {
+        int value = 0;
+        return answer && sd_bus_message_read(answer.message, "b", &value) > 0 && value != 0;
+    }
+
+    Inhibitor gnomeInhibitor(const Bus& session, const char* path)
+    {
+        const Bus::Object inhibitor{sessionManager.service, path, "org.gnome.SessionManager.Inhibitor"};
+        Bus::Answer who, why, flags;
+        session.call(inhibitor, "GetAppId", who);
+        session.call(inhibitor, "GetReason", why);
+        session.call(inhibitor, "GetFlags", flags);
+        std::uint32_t bits = 0;
+        if (flags)
+            sd_bus_message_read(flags.message, "u", &bits);
+        std::string what = bits & 4 ? "suspend" : "";
+        if (bits & 8)
+            what += what.empty() ? "idle" : ":idle";
+        if (what.empty())
+            what = "flags " + std::to_string(bits);
+        return {.service = sessionManager.service, .what = what, .who = who.text(), .why = why.text()};
+    }
+
     void addGnomeInhibitors(const Bus& session, std::vector<Inhibitor>& all)
     {
         Bus::Answer answer;
         session.call(sessionManager, "GetInhibitors", answer);
-        if (!answer || sd_bus_message_enter_container(answer.message, 'a', "o") < 0)
+        if (answer && sd_bus_message_enter_container(answer.message, 'a', "o") > 0) {
+            for (const char* path = nullptr; sd_bus_message_read(answer.message, "o", &path) > 0;)
+                all.push_back(gnomeInhibitor(session, path));
             return;
-        for (const char* path = nullptr; sd_bus_message_read(answer.message, "o", &path) > 0;) {
-            const Bus::Object inhibitor{sessionManager.service, path, "org.gnome.SessionManager.Inhibitor"};
-            Bus::Answer who, why, flags;
-            session.call(inhibitor, "GetAppId", who);
-            session.call(inhibitor, "GetReason", why);
-            session.call(inhibitor, "GetFlags", flags);
-            std::uint32_t bits = 0;
-            if (flags)
-                sd_bus_message_read(flags.message, "u", &bits);
-            std::string what = bits & 4 ? "suspend" : "";
-            if (bits & 8)
-                what += what.empty() ? "idle" : ":idle";
-            all.push_back({.service = sessionManager.service,
-                .what = what.empty() ? "flags " + std::to_string(bits) : what,
-                .who = who.text(),
-                .why = why.text()});
         }
+        constexpr std::uint32_t suspendOrIdle = 4 | 8;
+        Bus::Answer isInhibited;
+        session.call(sessionManager, "IsInhibited", suspendOrIdle, isInhibited);
+        if (says(isInhibited))
+            all.push_back(anonymous(sessionManager.service));
     }
 
     /// False if the agent does not answer.
@@ -216,12 +237,8 @@ namespace {
     {
         Bus::Answer answer;
         session.call(powerManagement, "HasInhibit", answer);
-        int has = 0;
-        if (answer && sd_bus_message_read(answer.message, "b", &has) > 0 && has)
-            all.push_back({.service = powerManagement.service,
-                .what = "inhibition",
-                .who = "somebody",
-                .why = "the service does not say who"});
+        if (says(answer))
+            all.push_back(anonymous(powerManagement.service));
     }
 
     // What could defeat a session

@@ -204,6 +204,16 @@ TEST_F(LinuxServices, SessionInhibitorGivesBackACookieThatComesTooLate)
     bus().answer();
     waitUntilHeld({"org.gnome.SessionManager 4"});
     EXPECT_EQ(bus().mostHeld(), 1U);
+
+    inhibitor.drop();
+    waitUntilHeld({});
+    bus().keepBack("Inhibit");
+    inhibitor.hold("why");
+    settle();
+    bus().disown(gnome);
+    settle();
+    bus().answer(); // by a process that has lost the name
+    waitUntilHeld({});
 }
 
 TEST_F(LinuxServices, PowerFollowsUPowerAndTheKernelInItsPlace)

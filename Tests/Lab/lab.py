@@ -1,0 +1,103 @@
+"""A Linux laptop for one test case: its buses, battery, lid and displays, and programs that run on it."""
+
+import json
+import os
+import pathlib
+import subprocess
+import tempfile
+import time
+import unittest
+
+LAB = pathlib.Path(os.environ["VESPRA_LAB"])
+BIN = pathlib.Path(os.environ["VESPRA_BIN"])
+SLOW = 30  # seconds; never waited for unless something is broken
+
+# What a test starts from.
+CALM = {"battery": 80, "ac": 1, "lid": "open", "display": "internal", "thermal": "nominal", "desktop": "none",
+        "sleep_for": 1}
+
+
+class LabTest(unittest.TestCase):
+    """One laptop for all tests of a class; each starts from the same state of it."""
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory(prefix="vespra-lab-")
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name) / "lab"
+        cls.environment = dict(os.environ, LAB_DIR=str(cls.folder), LC_ALL="C", TZ="UTC")
+        cls.addClassCleanup(lambda: cls.lab("down"))
+        cls.lab("up", "--panel=none", "--notify=none")
+
+    def setUp(self):
+        self.set(**CALM)
+        (self.folder / "events.jsonl").write_text("")
+
+    @classmethod
+    def lab(cls, command, *arguments):
+        result = subprocess.run([LAB / command, *arguments], env=cls.environment, capture_output=True, text=True)
+        if result.returncode != 0:
+            raise RuntimeError(f"lab {command} {arguments}: {result.stdout}{result.stderr}")
+        return result.stdout
+
+    def set(self, **settings):
+        self.lab("set", *(f"{key}={value}" for key, value in settings.items()))
+
+    def events(self, *kinds):
+        lines = (self.folder / "events.jsonl").read_text().splitlines()
+        return [event for event in map(json.loads, lines) if event["event"] in kinds]
+
+    def held(self):
+        """What is listed, sorted: "idle:block" of logind, the service and flags of the session's."""
+        state = json.loads(self.lab("get"))
+        locks = [f"{lock['what']}:{lock['mode']}" for lock in state["inhibitors"]]
+        cookies = [f"{cookie['service']} {cookie['flags']}" for cookie in state["session_inhibitors"].values()]
+        return sorted(locks + cookies)
+
+    def start(self, *options, settings=None, **variables):
+        """vespra --headless --unlimited on the laptop, once it has said that it is awake."""
+        arguments = ["--headless", "--unlimited", *options]
+        if settings is not None:
+            file = self.folder / "settings.json"
+            file.write_text(json.dumps(settings))
+            arguments += ["--settings", str(file)]
+        process = subprocess.Popen(
+            [LAB / "run", "env", *(f"{key}={value}" for key, value in variables.items()), BIN / "vespra", *arguments],
+            env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(lambda: (process.kill(), process.communicate()))
+        self.assertEqual(process.stdout.readline(), "Awake until you stop it.\n")
+        return process
+
+    def output(self, process):
+        """What it says from now on until it ends by itself, without an error."""
+        out, err = process.communicate(timeout=SLOW)
+        self.assertEqual((process.returncode, err), (0, ""))
+        return out.splitlines()
+
+    def doctor(self):
+        """Its exit status and its answer."""
+        result = subprocess.run([LAB / "run", BIN / "vespractl", "doctor", "--json"], env=self.environment,
+                                capture_output=True, text=True, timeout=SLOW)
+        return result.returncode, json.loads(result.stdout)
+
+    def wait_for(self, condition, what="it"):
+        end = time.monotonic() + SLOW
+        while not condition():
+            self.assertLess(time.monotonic(), end, f"{what} never happened")
+            time.sleep(0.02)
+
+    def wait_until_held(self, *expected):
+        end = time.monotonic() + SLOW
+        while (held := self.held()) != sorted(expected):
+            self.assertLess(time.monotonic(), end, f"held to the end: {held}")
+            time.sleep(0.02)
+
+    def restart_services(self):
+        """logind, UPower and the session's services crash, with all that they know, and are started again."""
+        started = dict(line.split()[:2] for line in (self.folder / "pids").read_text().splitlines())
+        os.kill(int(started["labd"]), 9)
+        (self.folder / "ctl.sock").unlink()
+        # In the shell that has the lab's environment, and remembered for `down`.
+        script = f'. "{LAB}/common.sh"; load_env; start labd /usr/bin/python3 -B "{LAB}/labd.py" upower logind polkit'
+        subprocess.run(["bash", "-c", script], env=self.environment, check=True)
+        self.wait_for((self.folder / "ctl.sock").exists)
