@@ -9,6 +9,9 @@ namespace vespra::control {
 /// 0 done, 1 refused or failed, 2 bad input, 4 the application is not running.
 enum ExitStatus { done = 0, failed = 1, badInput = 2, notRunning = 4 };
 
+void addDoctorCommand(CLI::App& vespractl, int& exitStatus);
+void addMachineCommand(CLI::App& vespractl, int& exitStatus);
+void addHooksCommand(CLI::App& vespractl, int& exitStatus);
 void addSimulateCommand(CLI::App& vespractl, int& exitStatus);
 
 } // namespace vespra::control

@@ -6,6 +6,9 @@ int main(int argc, char** argv)
     CLI::App vespractl{"Controls Vespra from a terminal or a script."};
     vespractl.require_subcommand(1);
     int exitStatus = done;
+    addDoctorCommand(vespractl, exitStatus);
+    addMachineCommand(vespractl, exitStatus);
+    addHooksCommand(vespractl, exitStatus);
     addSimulateCommand(vespractl, exitStatus);
     try {
         vespractl.parse(argc, argv);

@@ -24,6 +24,7 @@
 
 namespace vespra {
 
+class MachineSocket;
 class SimulatedMachine;
 
 enum class PlatformKind { linux, macos, simulated };
@@ -51,8 +52,8 @@ struct PlatformHelper {
     std::shared_ptr<SystemPower> power;
 };
 
-/// All that the application needs of its system; every member is set, except `machine`. Main thread only, but for
-/// `time.mainLoop->post`. Members that come later use those before them.
+/// All that the application needs of its system; every member is set, except `machine` and `machineSocket`. Main thread
+/// only, but for `time.mainLoop->post`. Members that come later use those before them.
 struct Platform {
     PlatformKind kind = PlatformKind::simulated;
     /// Why the laptop is a simulated one though nobody asked for it: a sentence for the user. Empty otherwise.
@@ -69,6 +70,8 @@ struct Platform {
     std::unique_ptr<DisplayControl> display;
     std::unique_ptr<SessionFollowing> session;
     PlatformHelper helper;
+    /// Steers `machine` from outside.
+    std::shared_ptr<MachineSocket> machineSocket;
 };
 
 /// Builds the platform; a QCoreApplication must exist, and must outlive it. Without a `kind` it is the system's own

@@ -1,6 +1,7 @@
 #include "Control/Scenario/ScenarioPlayer.h"
 
 #include "Control/Scenario/SnapshotJSON.h"
+#include "Core/Scheduling/ScriptedMonitors.h"
 #include "Core/Scheduling/VirtualTime.h"
 
 #include <nlohmann/json.hpp>
@@ -8,40 +9,6 @@
 namespace vespra {
 
 namespace {
-
-    class ScriptedPower final : public PowerSourceMonitoring {
-    public:
-        explicit ScriptedPower(PowerSnapshot first)
-            : reading_{first}
-        {
-        }
-        PowerSnapshot snapshot() const override { return reading_; }
-        void report(PowerSnapshot next)
-        {
-            reading_ = next;
-            notify(onChange, next);
-        }
-
-    private:
-        PowerSnapshot reading_;
-    };
-
-    class ScriptedThermal final : public ThermalMonitoring {
-    public:
-        explicit ScriptedThermal(ThermalLevel first)
-            : reading_{first}
-        {
-        }
-        ThermalLevel level() const override { return reading_; }
-        void report(ThermalLevel next)
-        {
-            reading_ = next;
-            notify(onChange, next);
-        }
-
-    private:
-        ThermalLevel reading_;
-    };
 
     class ScenarioPlayer {
     public:
@@ -135,7 +102,7 @@ namespace {
         const Scenario& scenario_;
         const std::function<void(std::string_view)>& printLine_;
         VirtualTime time_;
-        ScriptedPower power_;
+        ScriptedPowerSource power_;
         ScriptedThermal thermal_;
         AgentTracker tracker_;
         SessionCoordinator coordinator_;

@@ -1,6 +1,6 @@
 #include "App/System/linux/TimerfdScheduler.h"
 
-#include "App/System/linux/FileDescriptor.h"
+#include "HelperProtocol/FileDescriptor.h"
 #include "Core/Scheduling/MainThread.h"
 
 #include <algorithm>

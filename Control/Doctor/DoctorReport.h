@@ -1,0 +1,71 @@
+#pragma once
+
+#include "App/System/SessionMarker.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What keeps this machine awake right now, and what could defeat it.
+namespace vespra::doctor {
+
+/// One thing that the application uses of its system.
+struct Facility {
+    std::string name;
+    /// By what it is carried out; absent: this machine has no way to.
+    std::optional<std::string> mechanism;
+    /// The current reading, if it is one.
+    std::string reading;
+};
+
+/// A lock or an inhibition that somebody holds.
+struct Inhibitor {
+    /// "logind", or the name of the session's service.
+    std::string service;
+    std::string what;
+    std::string who;
+    std::string why;
+    /// "block" or "delay"; empty where there are no modes.
+    std::string mode;
+    /// 0 where the service does not say.
+    long pid = 0;
+    std::optional<std::uint32_t> uid;
+    /// The name of the process; empty if it cannot be told.
+    std::string process;
+};
+
+/// What is found out about a system. One implementation per system.
+struct Facts {
+    std::vector<Facility> facilities;
+    /// Absent where the system does not say who holds what, or does not answer.
+    std::optional<std::vector<Inhibitor>> inhibitors;
+    /// A sentence each.
+    std::vector<std::string> threats;
+    /// The service that lists the lock of a session running in process `pid`.
+    std::string listingService;
+};
+Facts gatherFacts(const std::optional<SessionMarker::Session>& session);
+
+enum class Verdict {
+    noSession,
+    /// It holds nothing of this machine, as it is to be.
+    simulated,
+    listed,
+    missing,
+    /// The service that keeps the list does not answer, or keeps none.
+    unknown,
+};
+
+struct Report {
+    std::optional<SessionMarker::Session> session;
+    Facts facts;
+
+    /// Whether the running session really keeps this machine awake.
+    Verdict verdict(const std::string& application) const;
+};
+
+std::string text(const Report& report, const std::string& application);
+std::string json(const Report& report, const std::string& application);
+
+} // namespace vespra::doctor

@@ -1,0 +1,146 @@
+#include "App/Agents/AgentIntegration.h"
+#include "App/Agents/HookTexts.h"
+#include "Control/Command.h"
+#include "Core/Scheduling/WallClock.h"
+#include "HelperProtocol/PropertyList.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace vespra::control {
+
+namespace {
+
+    namespace fs = std::filesystem;
+
+    struct HooksArguments {
+        std::string home; // empty: this user's
+        std::string agent; // "claude" or "codex"
+        bool json = false;
+
+        AgentKind kind() const { return fromRawValue<AgentKind>(agent).value(); }
+        AgentIntegration integration() const
+        {
+            if (home.empty())
+                return {fs::absolute(homeDirectory()), Brand::applicationSupportDirectory()};
+            const auto absolute = fs::absolute(home).lexically_normal();
+            return {absolute, Brand::applicationSupportDirectory(absolute.string())};
+        }
+    };
+
+    int print(const std::string& text)
+    {
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+            return done;
+        std::fprintf(stderr, "hooks: cannot write the result: %s\n", std::strerror(errno));
+        return failed;
+    }
+
+    std::string inWords(const AgentIntegration& integration, AgentKind kind, HookSettingsFile::Connection connection)
+    {
+        char line[64];
+        std::snprintf(line,
+            sizeof line,
+            "%-13s%-17s",
+            std::string{displayName(kind)}.c_str(),
+            std::string{hookTexts::label(connection)}.c_str());
+        return line + integration.settingsFile(kind).string() + "\n";
+    }
+
+    int status(const HooksArguments& arguments)
+    {
+        auto integration = arguments.integration();
+        integration.refresh();
+        std::string words;
+        auto json = nlohmann::ordered_json::object();
+        for (const auto& [kind, connection] : integration.connections()) {
+            words += inWords(integration, kind, connection);
+            json[std::string{rawValue(kind)}] = rawValue(connection);
+        }
+        return print(arguments.json ? json.dump() + "\n" : words);
+    }
+
+    int preview(const HooksArguments& arguments)
+    {
+        return print(arguments.integration().hookFile(arguments.kind()).installer.preview() + "\n");
+    }
+
+    /// Prints how the agent is connected now, or what has gone wrong.
+    int report(const HooksArguments& arguments, const std::expected<void, HookSettingsFile::Failure>& result)
+    {
+        if (!result) {
+            const std::string title{hookTexts::failureTitle}, message{hookTexts::message(result.error())};
+            std::fprintf(stderr, "%s\n%s\n", title.c_str(), message.c_str());
+            return failed;
+        }
+        const auto integration = arguments.integration();
+        const auto kind = arguments.kind();
+        return print(inWords(integration, kind, integration.hookFile(kind).connection()));
+    }
+
+    /// The hooks run the copy of the hook command in the support folder.
+    void installCommand(const AgentIntegration& integration)
+    {
+        const auto installation = integration.installCommand();
+        if (installation == AgentIntegration::CommandInstallation::inPlace)
+            return;
+        const bool isMissing = installation == AgentIntegration::CommandInstallation::notFound;
+        std::fprintf(stderr,
+            "hooks: %s %s; until it is, the hooks have nothing to run\n",
+            Brand::agentCLIName().c_str(),
+            isMissing ? "is not installed with vespractl" : "could not be copied to the support folder");
+    }
+
+    int connect(const HooksArguments& arguments)
+    {
+        const auto integration = arguments.integration();
+        const auto file = integration.hookFile(arguments.kind());
+        if (file.connection() != HookSettingsFile::Connection::agentNotFound)
+            installCommand(integration);
+        const auto exitStatus = report(arguments, file.connect(SystemClock{}.now()));
+        if (exitStatus == done && arguments.kind() == AgentKind::codex)
+            return print(std::string{hookTexts::codexNote} + "\n");
+        return exitStatus;
+    }
+
+    int disconnect(const HooksArguments& arguments)
+    {
+        const auto file = arguments.integration().hookFile(arguments.kind());
+        return report(arguments, file.disconnect(SystemClock{}.now()));
+    }
+
+} // namespace
+
+void addHooksCommand(CLI::App& vespractl, int& exitStatus)
+{
+    const auto arguments = std::make_shared<HooksArguments>();
+    auto* hooks = vespractl.add_subcommand("hooks", "Connects Vespra with coding agents, by hooks in their settings");
+    hooks->require_subcommand(1);
+    hooks->fallthrough();
+    hooks->add_option("--home", arguments->home, "Another home directory than this user's")
+        ->check(CLI::ExistingDirectory);
+
+    const auto add = [&](const char* name, const char* description, auto run) {
+        auto* command = hooks->add_subcommand(name, description);
+        command->fallthrough();
+        command->callback([=, &exitStatus] { exitStatus = run(*arguments); });
+        return command;
+    };
+    const auto addForAgent = [&](const char* name, const char* description, auto run) {
+        add(name, description, run)
+            ->add_option("AGENT", arguments->agent, "claude or codex")
+            ->required()
+            ->check(CLI::IsMember({"claude", "codex"}));
+    };
+    add("status", "Tells how each agent is connected", status)->add_flag("--json", arguments->json, "As JSON");
+    addForAgent("preview", "Prints what connecting adds to the agent's settings file", preview);
+    addForAgent("connect", "Adds the hooks, after making a backup", connect);
+    addForAgent("disconnect", "Removes exactly what was added", disconnect);
+}
+
+} // namespace vespra::control

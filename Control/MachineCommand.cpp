@@ -1,0 +1,112 @@
+#include "App/System/simulated/MachineProtocol.h"
+#include "Control/Command.h"
+#include "Core/Coding/JSON.h"
+#include "HelperProtocol/UnixSocket.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+namespace vespra::control {
+
+namespace {
+
+    /// The answer's line; absent if no simulated laptop answers within 5 s, with the reason in `errno`.
+    std::optional<std::string> exchanged(const std::string& path, const std::string& request)
+    {
+        const auto address = unixSocket::address(path);
+        const auto socket = unixSocket::make();
+        if (!address || !socket)
+            return {};
+        const timeval limit{.tv_sec = 5, .tv_usec = 0};
+        setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+        const auto line = request + "\n";
+        if (connect(socket.get(), reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0
+            || write(socket.get(), line.data(), line.size()) != std::ssize(line))
+            return {};
+        std::string answer;
+        char bytes[4096];
+        for (ssize_t count = 0; (count = read(socket.get(), bytes, sizeof bytes)) > 0;)
+            answer.append(bytes, static_cast<std::size_t>(count));
+        return answer.ends_with('\n') ? std::optional{answer} : std::nullopt;
+    }
+
+    int say(int status, const std::string& message)
+    {
+        std::fprintf(stderr, "machine: %s\n", message.c_str());
+        return status;
+    }
+
+    /// Absent: the message has been written and `status` set.
+    std::optional<JSON> ask(const MachineSettings& settings, int& status)
+    {
+        const auto path = machineProtocol::defaultPath();
+        const auto answer = exchanged(path, machineProtocol::request(settings));
+        if (!answer) {
+            status = say(notRunning,
+                "no simulated laptop is running (" + path + ": " + std::strerror(errno)
+                    + "); start one with: vespra --platform simulated");
+            return {};
+        }
+        auto json = JSON::parse(*answer, nullptr, false);
+        if (!json.is_object() || !json.contains("machine") || json.contains("error")) {
+            status = say(failed, json.is_object() ? json.value("error", "unreadable answer") : "unreadable answer");
+            return {};
+        }
+        return json;
+    }
+
+    int set(const std::vector<std::string>& texts)
+    {
+        MachineSettings settings;
+        for (const auto& text : texts) {
+            const auto setting = machineSetting(text);
+            if (!setting)
+                return say(badInput, setting.error());
+            settings.push_back(*setting);
+        }
+        if (const auto change = changed(MachineState{}, settings); !change)
+            return say(badInput, change.error());
+        int status = done;
+        ask(settings, status);
+        return status;
+    }
+
+    int get(bool asJSON)
+    {
+        int status = done;
+        const auto answer = ask({}, status);
+        if (!answer)
+            return status;
+        if (asJSON)
+            std::printf("%s\n", answer->dump().c_str());
+        else
+            for (const auto& [key, value] : (*answer)["machine"].items())
+                std::printf("%s=%s\n", key.c_str(), value.get<std::string>().c_str());
+        return done;
+    }
+
+} // namespace
+
+void addMachineCommand(CLI::App& vespractl, int& exitStatus)
+{
+    auto* command = vespractl.add_subcommand("machine", "Steers the simulated laptop");
+    command->require_subcommand(1);
+
+    auto* setting = command->add_subcommand("set", "Changes the laptop: " + machineSettingsHelp());
+    const auto settings = std::make_shared<std::vector<std::string>>();
+    setting->add_option("KEY=VALUE", *settings, "What to change; all of it or, if any of it is wrong, nothing")
+        ->required();
+    setting->callback([settings, &exitStatus] { exitStatus = set(*settings); });
+
+    auto* getting = command->add_subcommand("get", "Prints the state of the laptop");
+    const auto asJSON = std::make_shared<bool>(false);
+    getting->add_flag("--json", *asJSON, "As JSON, with what holds the laptop awake");
+    getting->callback([asJSON, &exitStatus] { exitStatus = get(*asJSON); });
+}
+
+} // namespace vespra::control

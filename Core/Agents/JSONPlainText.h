@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace vespra {
+
+/// Whether a JSON string may hold `c` as it is, and `c` is ASCII.
+constexpr bool isPlainInJSON(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 0x20 && byte < 0x80 && byte != '"' && byte != '\\';
+}
+
+/// How many bytes at the beginning of `text` are plain. Eight at a time: nearly all bytes of a settings file are.
+inline std::size_t plainLength(std::string_view text)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101, highBits = 0x8080808080808080;
+    std::size_t length = 0;
+    for (; length + 8 <= text.size(); length += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + length, 8);
+        // A byte's high bit ends up set if it is zero after the exclusive or, below the space, or set to begin with.
+        const auto quotes = (word ^ ones * '"') - ones;
+        const auto backslashes = (word ^ ones * '\\') - ones;
+        const auto controls = word - ones * 0x20;
+        if ((quotes | backslashes | controls | word) & highBits)
+            break;
+    }
+    while (length < text.size() && isPlainInJSON(text[length]))
+        ++length;
+    return length;
+}
+
+} // namespace vespra

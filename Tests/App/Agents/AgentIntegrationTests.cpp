@@ -1,0 +1,111 @@
+#include "App/Agents/AgentIntegration.h"
+
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+
+using namespace vespra;
+namespace fs = std::filesystem;
+
+namespace {
+
+using Connection = HookSettingsFile::Connection;
+using CommandInstallation = AgentIntegration::CommandInstallation;
+
+struct Home {
+    TemporaryDirectory directory;
+    fs::path tool = directory / "bundle-tool";
+    fs::path support = directory / "Application Support/it's $HOME `x` \"Vespra\"";
+    fs::path command = support / "vespra-agent";
+    AgentIntegration integration{directory.path(), support};
+
+    void writeTool(const std::string& script) const
+    {
+        std::ofstream{tool} << script;
+        fs::permissions(tool, fs::perms{0755});
+    }
+};
+
+std::string text(std::ifstream& stream)
+{
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+TEST(AgentIntegration, KnowsEachAgentAfterARefresh)
+{
+    Home home;
+    fs::create_directory(home.directory / ".claude");
+    EXPECT_TRUE(home.integration.connections().empty());
+    ASSERT_TRUE(home.integration.hookFile(AgentKind::claudeCode).connect(Instant{}));
+    home.integration.refresh();
+    EXPECT_EQ(home.integration.connections(),
+        (AgentIntegration::Connections{
+            {AgentKind::claudeCode, Connection::connected}, {AgentKind::codex, Connection::agentNotFound}}));
+
+    AgentIntegration preview{home.directory.path(), home.support, /*isPreview=*/true};
+    preview.refresh();
+    EXPECT_TRUE(preview.connections().empty());
+}
+
+TEST(AgentIntegration, TheHooksRunTheCopyOfTheToolWhateverTheFolderIsCalled)
+{
+    const Home home;
+    const auto output = home.directory / "output";
+    home.writeTool("#!/bin/sh\necho \"$1\" >'" + output.string() + "'\n");
+    ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
+    const auto command = home.integration.hookFile(AgentKind::codex).installer.command;
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    std::ifstream stream{output};
+    EXPECT_EQ(text(stream), "codex\n");
+}
+
+TEST(AgentIntegration, ReplacesTheToolInOneStepAndOnlyWhenItDiffers)
+{
+    const Home home;
+    const auto file = [&] {
+        struct stat status{};
+        EXPECT_EQ(stat(home.command.c_str(), &status), 0);
+        return status.st_ino;
+    };
+    home.writeTool("#!/bin/sh\nexit 0\n");
+    ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
+    const auto first = file();
+    ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
+    EXPECT_EQ(file(), first);
+
+    std::ifstream running{home.command};
+    home.writeTool("#!/bin/sh\nexit 1 # longer\n");
+    ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
+    EXPECT_EQ(text(running), "#!/bin/sh\nexit 0\n");
+    std::ifstream replaced{home.command};
+    EXPECT_EQ(text(replaced), "#!/bin/sh\nexit 1 # longer\n");
+
+    fs::permissions(home.command, fs::perms{0600});
+    ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
+    EXPECT_NE(fs::status(home.command).permissions() & fs::perms::owner_exec, fs::perms::none);
+}
+
+TEST(AgentIntegration, LogsWhyThereIsNoTool)
+{
+    const Home home;
+    std::vector<std::string> messages;
+    SystemLog::redirect([&](const SystemLog::Entry& entry) {
+        messages.push_back(std::string{entry.category} + ": " + std::string{entry.message});
+    });
+    EXPECT_EQ(home.integration.installCommand({}), CommandInstallation::notFound);
+    EXPECT_EQ(home.integration.installCommand(home.directory.path()), CommandInstallation::notCopied);
+    SystemLog::redirect(nullptr);
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0], "agents: Commande des hooks absente du bundle");
+    EXPECT_TRUE(messages[1].starts_with("agents: Copie de la commande des hooks impossible : ")) << messages[1];
+    EXPECT_FALSE(fs::exists(home.support));
+}
+
+} // namespace

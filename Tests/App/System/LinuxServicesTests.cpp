@@ -1,0 +1,345 @@
+#include "App/System/linux/LinuxLid.h"
+#include "App/System/linux/LinuxPowerSource.h"
+#include "App/System/linux/LogindSleep.h"
+#include "App/System/linux/SessionInhibitor.h"
+#include "App/System/linux/TimerfdScheduler.h"
+#include "App/System/QtMainLoop.h"
+#include "Core/Scheduling/VirtualTime.h"
+#include "Tests/Support/FakeMonitors.h"
+#include "Tests/Support/MockBus.h"
+#include "Tests/Support/QtApplication.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <fstream>
+#include <gmock/gmock.h>
+
+namespace vespra {
+
+namespace {
+
+    using testing::ElementsAre;
+    using testing::IsEmpty;
+
+    constexpr auto logindName = "org.freedesktop.login1", upowerName = "org.freedesktop.UPower";
+    constexpr auto gnome = "org.gnome.SessionManager", xfce = "org.freedesktop.PowerManagement";
+    constexpr auto manager = "org.freedesktop.login1.Manager", device = "org.freedesktop.UPower.Device";
+    constexpr auto logindPath = "/org/freedesktop/login1", upowerPath = "/org/freedesktop/UPower";
+    constexpr auto devicePath = "/org/freedesktop/UPower/devices/DisplayDevice";
+
+    /// The process has one bus: it is made before the first test and stays.
+    MockBus& bus()
+    {
+        static MockBus mock;
+        return mock;
+    }
+
+    struct FakeInhibition final : Inhibition {
+        explicit FakeInhibition(bool& held)
+            : isHeld{held}
+        {
+        }
+        void hold(const std::string&) override { isHeld = true; }
+        void drop() override { isHeld = false; }
+        void verify() override { }
+        bool& isHeld;
+    };
+
+    class LinuxServices : public testing::Test {
+    protected:
+        LinuxServices()
+        {
+            SystemLog::redirect([this](const SystemLog::Entry& entry) { logged.emplace_back(entry.message); });
+            bus().reset();
+        }
+        ~LinuxServices() override { SystemLog::redirect({}); }
+
+        std::unique_ptr<LogindLock> lock(const char* what, const char* mode)
+        {
+            return std::make_unique<LogindLock>(
+                QStringLiteral("Vespra"), QLatin1String{what}, QLatin1String{mode}, time, SystemLog{"app", "test"});
+        }
+
+        /// Lets everything that is on its way arrive: a question to the bus, asked last, has been answered.
+        void settle()
+        {
+            for (int round = 0; round < 3; ++round) {
+                bool isAnswered = false;
+                const auto question = dbus::call(dbus::systemBus(),
+                    dbus::bus().method(QStringLiteral("GetId")),
+                    dbus::untilAnswered,
+                    [&](const QDBusMessage&) { isAnswered = true; });
+                QtApplication::runUntil([&] { return isAnswered; });
+                bus().held(); // the services have had a turn too
+                QCoreApplication::processEvents();
+            }
+        }
+        std::vector<std::string> held()
+        {
+            settle();
+            return bus().held();
+        }
+        void waitUntilHeld(const std::vector<std::string>& expected)
+        {
+            QtApplication::runUntil([&] { return held() == expected; });
+        }
+
+        void setBattery(bool onBattery, double percentage)
+        {
+            bus().setProperty(upowerPath, upowerName, "OnBattery", onBattery);
+            bus().setProperty(devicePath, device, "Type", 2U);
+            bus().setProperty(devicePath, device, "IsPresent", true);
+            bus().setProperty(devicePath, device, "Percentage", percentage);
+        }
+
+        VirtualTime time;
+        std::vector<std::string> logged;
+    };
+
+} // namespace
+
+TEST_F(LinuxServices, LogindLockIsHeldExactlyWhileWantedAndAcrossRestarts)
+{
+    const auto idle = lock("idle", "block");
+    idle->hold("why");
+    EXPECT_THAT(held(), IsEmpty()) << "no logind yet";
+    bus().own(logindName);
+    waitUntilHeld({"idle:block"});
+    idle->hold("why");
+    EXPECT_THAT(held(), ElementsAre("idle:block"));
+    bus().restart(logindName);
+    waitUntilHeld({"idle:block"});
+    EXPECT_EQ(bus().mostHeld(), 1U);
+    idle->drop();
+    waitUntilHeld({});
+    bus().restart(logindName);
+    EXPECT_THAT(held(), IsEmpty());
+}
+
+TEST_F(LinuxServices, LogindLockThatComesLateIsGivenBackOrKeptButNeverDoubled)
+{
+    bus().own(logindName);
+    bus().keepBack("Inhibit");
+    const auto idle = lock("idle", "block");
+    idle->hold("why");
+    idle->drop();
+    bus().answer();
+    waitUntilHeld({});
+
+    bus().keepBack("Inhibit");
+    idle->hold("why");
+    idle->drop();
+    idle->hold("why");
+    bus().answer();
+    waitUntilHeld({"idle:block"});
+    EXPECT_EQ(bus().mostHeld(), 1U);
+}
+
+TEST_F(LinuxServices, WhatIsRefusedIsLoggedOnceAndAskedForAgainEveryHalfMinute)
+{
+    bus().own(logindName);
+    bus().own(gnome);
+    const auto idle = lock("idle", "block");
+    SessionInhibitor inhibitor{
+        QStringLiteral("Vespra"), {InhibitService::sessionManager(4)}, nullptr, time, SystemLog{"app", "test"}};
+    bus().keepBack("Inhibit");
+    idle->hold("why");
+    inhibitor.hold("why");
+    settle();
+    bus().refuse();
+    settle();
+    bus().keepBack("Inhibit");
+    time.advance(30s);
+    settle();
+    bus().refuse();
+    EXPECT_THAT(held(), IsEmpty());
+    EXPECT_EQ(logged.size(), 2U) << "one each";
+    time.advance(30s);
+    waitUntilHeld({"idle:block", "org.gnome.SessionManager 4"});
+    EXPECT_EQ(time.pendingTasks(), 0U);
+}
+
+TEST_F(LinuxServices, SessionInhibitorHoldsTheBestServiceThatIsThere)
+{
+    bool isOtherwiseHeld = false;
+    SessionInhibitor inhibitor{QStringLiteral("Vespra"),
+        {InhibitService::sessionManager(4), InhibitService::powerManagement()},
+        std::make_unique<FakeInhibition>(isOtherwiseHeld),
+        time,
+        SystemLog{"app", "test"}};
+    inhibitor.hold("why");
+    EXPECT_THAT(held(), IsEmpty());
+    EXPECT_TRUE(isOtherwiseHeld);
+    bus().own(xfce);
+    waitUntilHeld({"org.freedesktop.PowerManagement.Inhibit"});
+    EXPECT_FALSE(isOtherwiseHeld);
+    bus().own(gnome);
+    waitUntilHeld({"org.gnome.SessionManager 4"});
+    bus().restart(gnome);
+    waitUntilHeld({"org.gnome.SessionManager 4"});
+    bus().disown(gnome);
+    waitUntilHeld({"org.freedesktop.PowerManagement.Inhibit"});
+    inhibitor.drop();
+    waitUntilHeld({});
+    EXPECT_EQ(bus().mostHeld(), 1U);
+}
+
+TEST_F(LinuxServices, SessionInhibitorGivesBackACookieThatComesTooLate)
+{
+    bus().own(gnome);
+    bus().keepBack("Inhibit");
+    SessionInhibitor inhibitor{
+        QStringLiteral("Vespra"), {InhibitService::sessionManager(4)}, nullptr, time, SystemLog{"app", "test"}};
+    inhibitor.hold("why");
+    settle();
+    inhibitor.drop();
+    bus().answer();
+    waitUntilHeld({});
+    EXPECT_EQ(bus().mostHeld(), 1U) << "it had been granted";
+
+    bus().keepBack("Inhibit");
+    inhibitor.hold("why");
+    inhibitor.drop();
+    inhibitor.hold("why");
+    settle();
+    bus().answer();
+    waitUntilHeld({"org.gnome.SessionManager 4"});
+    EXPECT_EQ(bus().mostHeld(), 1U);
+}
+
+TEST_F(LinuxServices, PowerFollowsUPowerAndTheKernelInItsPlace)
+{
+    const TemporaryDirectory sysfs;
+    const auto write = [&](const char* name, const char* text) {
+        std::filesystem::create_directories((sysfs / name).parent_path());
+        std::ofstream{sysfs / name} << text;
+    };
+    write("class/power_supply/BAT0/type", "Battery");
+    write("class/power_supply/BAT0/status", "Discharging");
+    write("class/power_supply/BAT0/capacity", "41");
+    setBattery(false, 57.4);
+    bus().own(upowerName);
+
+    LinuxPowerSource power{std::make_shared<UPower>(), time, sysfs.path()};
+    EXPECT_EQ(power.snapshot(), charger(57)) << "known from the start";
+    std::vector<PowerSnapshot> told;
+    power.onChange = [&](PowerSnapshot reading) { told.push_back(reading); };
+    const auto waitFor
+        = [&](PowerSnapshot expected) { QtApplication::runUntil([&] { return power.snapshot() == expected; }); };
+
+    bus().changeProperty(upowerPath, upowerName, "OnBattery", true);
+    waitFor(battery(57));
+    bus().changeProperty(upowerPath, upowerName, "DaemonVersion", QStringLiteral("0.99"));
+    bus().changeProperty(devicePath, device, "Percentage", 56.6); // still 57
+    bus().changeProperty(devicePath, device, "Percentage", 55.0);
+    waitFor(battery(55));
+    EXPECT_THAT(told, ElementsAre(battery(57), battery(55)));
+
+    bus().changeProperty(devicePath, device, "Percentage", QStringLiteral("nearly full"));
+    waitFor(battery({}));
+    bus().changeProperty(upowerPath, upowerName, "OnBattery", 1);
+    waitFor(charger({}));
+
+    bus().disown(upowerName);
+    waitFor(battery(41));
+    write("class/power_supply/BAT0/capacity", "40");
+    power.sessionRuns(true);
+    time.advance(30s);
+    EXPECT_EQ(power.snapshot(), battery(40));
+    power.sessionRuns(false);
+    EXPECT_EQ(time.pendingTasks(), 0U) << "without a session nothing is polled";
+
+    setBattery(true, 39);
+    bus().own(upowerName);
+    waitFor(battery(39));
+}
+
+TEST_F(LinuxServices, PowerDoesNotWaitForAUPowerThatHangs)
+{
+    const TemporaryDirectory sysfs;
+    bus().own(upowerName);
+    bus().keepBack("GetAll");
+    const LinuxPowerSource power{std::make_shared<UPower>(), time, sysfs.path()};
+    EXPECT_EQ(power.snapshot(), PowerSnapshot::desktop());
+}
+
+TEST_F(LinuxServices, LidFollowsUPowerOrElseLogindAndTheDisplays)
+{
+    const TemporaryDirectory sysfs;
+    std::filesystem::create_directories(sysfs / "class/drm/card0-HDMI-A-1");
+    const auto setDisplay
+        = [&](const char* status) { std::ofstream{sysfs / "class/drm/card0-HDMI-A-1/status"} << status; };
+    setDisplay("connected");
+    setBattery(false, 80);
+    bus().setProperty(upowerPath, upowerName, "LidIsPresent", true);
+    bus().setProperty(upowerPath, upowerName, "LidIsClosed", true);
+    bus().setProperty(logindPath, manager, "LidClosed", true);
+    bus().own(upowerName);
+    bus().own(logindName);
+
+    LinuxLid lid{std::make_shared<UPower>(), time, sysfs.path()};
+    EXPECT_TRUE(lid.isLidClosed());
+    EXPECT_FALSE(lid.isClosedWithoutExternalDisplay());
+    std::vector<bool> told;
+    lid.onChange = [&](bool closed) { told.push_back(closed); };
+    setDisplay("disconnected");
+    lid.refresh();
+    EXPECT_THAT(told, ElementsAre(true));
+
+    bus().changeProperty(upowerPath, upowerName, "LidIsClosed", false);
+    QtApplication::runUntil([&] { return told.size() == 2; });
+    bus().disown(upowerName);
+    QtApplication::runUntil([&] { return lid.isLidClosed(); });
+    EXPECT_THAT(told, ElementsAre(true, false, true)) << "logind says it is closed";
+
+    lid.sessionRuns(true);
+    bus().setProperty(logindPath, manager, "LidClosed", false);
+    time.advance(5s);
+    QtApplication::runUntil([&] { return told.size() == 4; });
+    EXPECT_FALSE(lid.isClosedWithoutExternalDisplay());
+}
+
+TEST_F(LinuxServices, SleepIsDelayedUntilTheEndOfTheSessionHasBeenDealtWith)
+{
+    bus().own(logindName);
+    QtMainLoop loop;
+    int resumes = 0;
+    LogindSleep sleep{loop, lock("sleep", "delay"), "why", [&] { ++resumes; }};
+    EXPECT_THAT(held(), IsEmpty()) << "no session, no delay";
+    sleep.sessionRuns(true);
+    waitUntilHeld({"sleep:delay"});
+
+    std::vector<std::string> steps;
+    sleep.onWillSleep = [&] {
+        steps.emplace_back("will sleep");
+        loop.post([&] {
+            // What the end of the session sets off still happens under the lock.
+            EXPECT_THAT(bus().held(), ElementsAre("sleep:delay"));
+            steps.emplace_back("dealt with");
+        });
+    };
+    sleep.onDidWake = [&] { steps.emplace_back("did wake"); };
+    bus().emitSignal(logindPath, manager, "PrepareForSleep", {QStringLiteral("true")}); // malformed
+    bus().emitSignal(logindPath, manager, "PrepareForSleep", {true});
+    waitUntilHeld({});
+    EXPECT_THAT(steps, ElementsAre("will sleep", "dealt with"));
+    EXPECT_EQ(resumes, 0);
+
+    bus().emitSignal(logindPath, manager, "PrepareForSleep", {false});
+    waitUntilHeld({"sleep:delay"});
+    EXPECT_EQ(steps.back(), "did wake");
+    EXPECT_EQ(resumes, 1);
+    sleep.sessionRuns(false);
+    waitUntilHeld({});
+}
+
+} // namespace vespra
+
+/// Before any test asks for a bus there is one.
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    // Connections to the bus last as long as the process, and need the event loop all the time.
+    const vespra::QtApplication application;
+    vespra::bus();
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,149 @@
+#include "App/System/Platform.h"
+#include "App/System/SessionMarker.h"
+#include "App/System/simulated/MachineProtocol.h"
+#include "App/System/simulated/SimulatedPlatform.h"
+#include "Tests/Support/FakeMonitors.h"
+#include "Tests/Support/QtApplication.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+
+namespace vespra {
+
+namespace {
+
+    using testing::ElementsAre;
+    using testing::HasSubstr;
+    using testing::IsEmpty;
+
+} // namespace
+
+TEST(MachineSettings, ReadBackAsTheyWereSet)
+{
+    const MachineSettings settings{{"battery", "0"},
+        {"charger", "off"},
+        {"lid", "closed"},
+        {"display", "external"},
+        {"screen", "off"},
+        {"thermal", "critical"},
+        {"helper", "awaitingApproval"}};
+    const auto change = changed(MachineState{}, settings);
+    ASSERT_TRUE(change);
+    EXPECT_EQ(machineSettings(change->state), settings);
+    EXPECT_FALSE(change->sleepsNow);
+    EXPECT_TRUE(changed({}, {{"sleep", "now"}})->sleepsNow);
+    EXPECT_EQ(changed({}, {{"battery", "none"}, {"charger", "off"}})->state.power(), PowerSnapshot::desktop());
+}
+
+TEST(MachineSettings, RefuseWhatTheyDoNotTake)
+{
+    for (const auto& [key, value] : MachineSettings{{"battery", "101"},
+             {"battery", "-1"},
+             {"battery", "5.5"},
+             {"battery", ""},
+             {"charger", "yes"},
+             {"lid", "CLOSED"},
+             {"display", "two"},
+             {"thermal", "hot"},
+             {"helper", "Ready"},
+             {"sleep", "later"}}) {
+        const auto change = changed({}, {{"lid", "closed"}, {key, value}});
+        ASSERT_FALSE(change) << key << "=" << value;
+        EXPECT_THAT(change.error(), HasSubstr(key + " takes "));
+    }
+    EXPECT_THAT(changed({}, {{"brightness", "1"}}).error(), HasSubstr("\"brightness\" is nothing to set"));
+    EXPECT_FALSE(machineSetting("lid"));
+    EXPECT_FALSE(machineSetting("=closed"));
+    EXPECT_EQ(machineSetting("a=b=c"), (MachineSettings::value_type{"a", "b=c"}));
+}
+
+TEST(MachineProtocol, AnswersWithWhatIsInForceAndHeld)
+{
+    SimulatedMachine machine;
+    machine.hold({"activity", "reason"});
+    EXPECT_EQ(machineProtocol::answer(machine, machineProtocol::request({{"battery", "12"}})),
+        R"({"machine":{"battery":"12","charger":"on","lid":"open","display":"internal","screen":"on",)"
+        R"("thermal":"nominal","helper":"notInstalled"},"held":[{"type":"activity","name":"reason"}]})");
+}
+
+TEST(MachineProtocol, ChangesNothingOnABadRequest)
+{
+    SimulatedMachine machine;
+    for (const auto* request : {"",
+             "[]",
+             "{}",
+             R"({"set":[]})",
+             R"({"set":{"battery":12}})",
+             R"({"set":{"lid":"closed","battery":"many"}})",
+             "\xff"}) {
+        EXPECT_THAT(machineProtocol::answer(machine, request), testing::StartsWith(R"({"error":)")) << request;
+        EXPECT_EQ(machine.state(), MachineState{});
+    }
+}
+
+/// The monitors' common rule, seen from outside: the first reading is there, later ones are told if they differ.
+TEST(SimulatedPlatform, TellsOnlyOfRealChanges)
+{
+    const QtApplication application;
+    auto platform = makeSimulatedPlatform();
+    std::vector<std::string> told;
+    platform.power->onChange
+        = [&](PowerSnapshot power) { told.push_back("level " + std::to_string(*power.batteryLevel)); };
+    platform.thermal->onChange = [&](ThermalLevel level) { told.emplace_back(rawValue(level)); };
+    platform.lid->onChange = [&](bool closed) { told.emplace_back(closed ? "closed alone" : "not closed alone"); };
+    EXPECT_EQ(platform.power->snapshot(), charger(80));
+
+    const auto set = [&](const MachineSettings& settings) {
+        EXPECT_TRUE(platform.machine->set(settings));
+        return std::exchange(told, {});
+    };
+    EXPECT_THAT(set({{"battery", "80"}, {"helper", "ready"}}), IsEmpty());
+    EXPECT_THAT(set({{"battery", "79"}}), ElementsAre("level 79"));
+    EXPECT_THAT(set({{"charger", "off"}, {"thermal", "serious"}}), ElementsAre("level 79", "serious"));
+    EXPECT_THAT(set({{"lid", "closed"}, {"display", "external"}}), IsEmpty());
+    EXPECT_TRUE(platform.lid->isLidClosed());
+    EXPECT_THAT(set({{"display", "internal"}}), ElementsAre("closed alone"));
+    EXPECT_THAT(set({{"lid", "open"}}), ElementsAre("not closed alone"));
+    EXPECT_EQ(platform.power->snapshot(), battery(79));
+}
+
+TEST(SimulatedPlatform, TellsOfSleepAndOfADisplayThatComesOn)
+{
+    const QtApplication application;
+    auto platform = makeSimulatedPlatform();
+    std::vector<std::string> told;
+    platform.sleep->onWillSleep = [&] { told.emplace_back("will sleep"); };
+    platform.sleep->onDidWake = [&] { told.emplace_back("did wake"); };
+    platform.display->onScreensWake = [&] { told.emplace_back("screens woke"); };
+    platform.display->setWatchesWaking(true);
+    EXPECT_TRUE(platform.display->turnOff());
+    EXPECT_FALSE(platform.machine->state().isScreenOn);
+    EXPECT_TRUE(platform.machine->set({{"screen", "on"}, {"sleep", "now"}}));
+    EXPECT_THAT(told, ElementsAre("screens woke", "will sleep", "did wake"));
+}
+
+TEST(SessionMarker, ShowsASessionExactlyWhileItRuns)
+{
+    const TemporaryDirectory folder;
+    const auto path = (folder / "Vespra/session.lock").string();
+    EXPECT_FALSE(SessionMarker::read(path));
+    {
+        SessionMarker marker{path, "linux"};
+        marker.sessionRuns(false);
+        EXPECT_FALSE(SessionMarker::read(path));
+        marker.sessionRuns(true);
+        marker.sessionRuns(true);
+        const auto session = SessionMarker::read(path);
+        ASSERT_TRUE(session);
+        EXPECT_EQ(session->pid, getpid());
+        EXPECT_EQ(session->platform, "linux");
+        SessionMarker{path, "simulated"}.sessionRuns(true); // another one changes nothing
+        EXPECT_EQ(SessionMarker::read(path)->platform, "linux");
+        marker.sessionRuns(false);
+        EXPECT_FALSE(SessionMarker::read(path));
+        marker.sessionRuns(true);
+    }
+    EXPECT_FALSE(SessionMarker::read(path));
+}
+
+} // namespace vespra

@@ -1,0 +1,348 @@
+#include "Core/Agents/HookSettingsFile.h"
+
+#include "Tests/Support/FaultyFiles.h"
+#include "Tests/Support/HookExamples.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace vespra;
+namespace fs = std::filesystem;
+
+namespace {
+
+using Connection = HookSettingsFile::Connection;
+using Failure = HookSettingsFile::Failure;
+
+const auto now = Instant::fromISO8601("2026-01-31T09:15:00Z").value();
+const auto partlyOurs = R"({"model":"x","hooks":{"Stop":[{"hooks":[{"command":"vespra-agent"}]}]}})";
+
+/// A home directory with Claude Code in it, and the settings file under test.
+struct Home {
+    TemporaryDirectory directory;
+    fs::path file = directory / ".claude/settings.json";
+    fs::path work = directory / "share/Vespra/hooks";
+
+    explicit Home(const std::optional<std::string>& text = {})
+    {
+        fs::create_directory(directory / ".claude");
+        if (text)
+            write(*text);
+    }
+    HookSettingsFile settings(FileSystem& files = systemFiles()) const
+    {
+        return {.file = file,
+            .installer = exampleInstaller(AgentKind::claudeCode),
+            .workDirectory = work,
+            .name = "claude",
+            .files = &files};
+    }
+    std::string installed(const std::optional<std::string>& text) const
+    {
+        return settings().installer.installing(text).value();
+    }
+
+    void write(const std::string& text) const { std::ofstream{file, std::ios::binary} << text; }
+    static std::optional<std::string> read(const fs::path& path)
+    {
+        std::ifstream stream{path, std::ios::binary};
+        if (!stream)
+            return {};
+        std::ostringstream text;
+        text << stream.rdbuf();
+        return text.str();
+    }
+    std::optional<std::string> text() const { return read(file); }
+    std::vector<std::string> backups() const
+    {
+        std::vector<std::string> texts;
+        if (fs::exists(work / "backups"))
+            for (const auto& entry : fs::directory_iterator{work / "backups"})
+                texts.push_back(read(entry).value());
+        return texts;
+    }
+    bool hasBackup(const std::string& text) const
+    {
+        const auto all = backups();
+        return std::ranges::find(all, text) != all.end();
+    }
+    bool hasTemporaryFiles() const
+    {
+        for (const auto& entry : fs::recursive_directory_iterator{directory.path()})
+            if (entry.path().filename().string().contains(".vespra-"))
+                return true;
+        return false;
+    }
+};
+
+mode_t mode(const fs::path& path)
+{
+    struct stat status{};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+TEST(HookSettingsFile, TellsHowTheAgentIsConnected)
+{
+    for (const auto& [text, expected] : std::vector<std::pair<std::optional<std::string>, Connection>>{
+             {{}, Connection::notConnected},
+             {" \n", Connection::notConnected},
+             {"{}", Connection::notConnected},
+             {"[]", Connection::notConnected},
+             {"\xFF", Connection::notConnected},
+             {"{", Connection::modified},
+             {partlyOurs, Connection::modified},
+             {exampleInstaller(AgentKind::claudeCode).preview(), Connection::connected},
+         })
+        EXPECT_EQ(Home{text}.settings().connection(), expected) << text.value_or("absent");
+    const Home home;
+    fs::remove(home.directory / ".claude");
+    EXPECT_EQ(home.settings().connection(), Connection::agentNotFound);
+    EXPECT_EQ(home.settings().connect(now).error(), Failure::agentNotFound);
+}
+
+TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
+{
+    for (const auto& text :
+        std::vector<std::optional<std::string>>{{}, "", "{ \"model\" : 1.50 }", "\t{\r\n}\r\n", R"({"hooks":{}})"}) {
+        SCOPED_TRACE(text.value_or("absent"));
+        const Home home{text};
+        ASSERT_TRUE(home.settings().connect(now));
+        EXPECT_EQ(home.text(), home.installed(text));
+        EXPECT_EQ(home.backups(), text ? std::vector{*text} : std::vector<std::string>{});
+
+        const auto record = nlohmann::json::parse(Home::read(home.work / "claude.json").value());
+        EXPECT_EQ(record.contains("original"), text.has_value());
+        EXPECT_EQ(record["written"], *home.text());
+
+        ASSERT_TRUE(home.settings().disconnect(now));
+        EXPECT_EQ(home.text(), text);
+        EXPECT_FALSE(fs::exists(home.work / "claude.json"));
+    }
+}
+
+TEST(HookSettingsFile, DisconnectingKeepsWhatCameInBetween)
+{
+    const Home home{"{}\n"};
+    ASSERT_TRUE(home.settings().connect(now));
+    auto changed = OrderedJSON::parse(home.text().value()).value().setting("model", "x").formatted();
+    home.write(changed);
+    ASSERT_TRUE(home.settings().disconnect(now));
+    EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
+    EXPECT_TRUE(home.hasBackup(changed));
+}
+
+TEST(HookSettingsFile, ConnectingAgainChangesNothing)
+{
+    const Home home{"{ }"};
+    ASSERT_TRUE(home.settings().connect(now));
+    const auto laidOutByHand = std::string{"\n"} + home.text().value();
+    home.write(laidOutByHand);
+    const auto record = Home::read(home.work / "claude.json");
+    ASSERT_TRUE(home.settings().connect(now));
+    EXPECT_EQ(home.text(), laidOutByHand);
+    EXPECT_EQ(Home::read(home.work / "claude.json"), record);
+    EXPECT_EQ(home.backups().size(), 1u);
+}
+
+TEST(HookSettingsFile, NeverPutsHooksOfOursBack)
+{
+    const Home home{partlyOurs};
+    ASSERT_TRUE(home.settings().connect(now));
+    EXPECT_EQ(home.settings().connection(), Connection::connected);
+    ASSERT_TRUE(home.settings().disconnect(now));
+    EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
+}
+
+TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
+{
+    for (const std::string text : {"{", "[]", R"({"hooks":[]})", R"({"hooks":{"Stop":null}})"}) {
+        const Home home{text};
+        EXPECT_EQ(home.settings().connect(now).error(), Failure::unreadableSettings) << text;
+        EXPECT_EQ(home.text(), text);
+        EXPECT_TRUE(home.backups().empty());
+    }
+    const Home home;
+    fs::create_directory(home.file);
+    EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
+    EXPECT_TRUE(home.settings().disconnect(now));
+    fs::remove(home.file);
+    ASSERT_EQ(mkfifo(home.file.c_str(), 0600), 0);
+    EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
+    EXPECT_TRUE(fs::is_fifo(home.file));
+}
+
+TEST(HookSettingsFile, ADeletedFileNeedsNoDisconnecting)
+{
+    const Home home{"{}"};
+    ASSERT_TRUE(home.settings().connect(now));
+    fs::remove(home.file);
+    EXPECT_TRUE(home.settings().disconnect(now));
+    EXPECT_FALSE(fs::exists(home.file));
+    EXPECT_TRUE(fs::exists(home.work / "claude.json"));
+}
+
+TEST(HookSettingsFile, KeepsEveryBackupOfOneSecondAndBytesThatAreNoText)
+{
+    const Home home;
+    const std::vector<std::string> texts{"\xFF\xFE{", "{\"a\":1}", "{\"a\":2}", ""};
+    for (const auto& text : texts) {
+        home.write(text);
+        ASSERT_TRUE(home.settings().connect(now));
+        EXPECT_EQ(home.settings().connection(), Connection::connected);
+    }
+    for (const auto& text : texts)
+        EXPECT_TRUE(home.hasBackup(text)) << text;
+    EXPECT_TRUE(fs::exists(home.work / "backups/claude-settings.json-2026-01-31T09-15-00Z"));
+    EXPECT_TRUE(fs::exists(home.work / "backups/claude-settings.json-2026-01-31T09-15-00Z-4"));
+}
+
+TEST(HookSettingsFile, KeepsModeAndOwnerAndMakesItsOwnFilesPrivate)
+{
+    const Home home{"{}"};
+    fs::permissions(home.file, fs::perms{0640});
+    const bool isRoot = geteuid() == 0;
+    if (isRoot) {
+        ASSERT_EQ(chown(home.file.c_str(), 1234, 5678), 0);
+    }
+    for (const bool connects : {true, false}) {
+        ASSERT_TRUE(connects ? home.settings().connect(now) : home.settings().disconnect(now));
+        EXPECT_EQ(mode(home.file), 0640u);
+        struct stat status{};
+        ASSERT_EQ(stat(home.file.c_str(), &status), 0);
+        EXPECT_EQ(status.st_uid, isRoot ? 1234 : geteuid());
+        if (connects) {
+            EXPECT_EQ(mode(home.work / "claude.json"), 0600u);
+        }
+    }
+    for (const auto& entry : fs::directory_iterator{home.work / "backups"})
+        EXPECT_EQ(mode(entry), 0600u);
+    for (const char* directory : {"share", "share/Vespra", "share/Vespra/hooks", "share/Vespra/hooks/backups"})
+        EXPECT_EQ(mode(home.directory / directory), 0700u) << directory;
+
+    const Home empty;
+    ASSERT_TRUE(empty.settings().connect(now));
+    EXPECT_EQ(mode(empty.file), 0600u);
+}
+
+TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
+{
+    for (const char* text : {"{}", static_cast<const char*>(nullptr)}) {
+        const Home home;
+        fs::create_directories(home.directory / "dotfiles/claude");
+        const auto target = home.directory / "dotfiles/claude/settings.json";
+        if (text)
+            std::ofstream{target} << text;
+        fs::create_symlink("claude/settings.json", home.directory / "dotfiles/link");
+        fs::create_symlink(home.directory / "dotfiles/link", home.directory / ".claude/second");
+        fs::create_symlink("../.claude/second", home.file);
+
+        ASSERT_TRUE(home.settings().connect(now));
+        EXPECT_EQ(home.settings().connection(), Connection::connected);
+        EXPECT_TRUE(fs::is_symlink(home.file) && fs::is_symlink(home.directory / "dotfiles/link"));
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
+        ASSERT_TRUE(home.settings().disconnect(now));
+        EXPECT_EQ(Home::read(target), text ? std::optional<std::string>{text} : std::nullopt);
+        EXPECT_TRUE(fs::is_symlink(home.file));
+    }
+    const Home home;
+    fs::create_symlink("settings.json", home.file);
+    EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
+}
+
+TEST(HookSettingsFile, ComputesAgainWhatSomebodyElseChangedMeanwhile)
+{
+    struct Row {
+        int changes;
+        bool succeeds;
+    };
+    for (const auto& row : {Row{1, true}, Row{2, true}, Row{3, false}}) {
+        SCOPED_TRACE(row.changes);
+        const Home home{"{}"};
+        FaultyFiles files;
+        int changes = 0;
+        // Ours is about to take the file's place.
+        files.afterSync = [&] {
+            if (fs::exists(home.directory / ".claude/.settings.json.vespra-1") && changes < row.changes)
+                home.write("{\"change\":" + std::to_string(++changes) + "}");
+        };
+        const auto connected = home.settings(files).connect(now);
+        const auto theirs = "{\"change\":" + std::to_string(row.changes) + "}";
+        EXPECT_EQ(connected.has_value(), row.succeeds);
+        EXPECT_EQ(home.text(), row.succeeds ? home.installed(theirs) : theirs);
+        EXPECT_EQ(home.hasBackup(theirs), row.succeeds);
+        EXPECT_FALSE(home.hasTemporaryFiles());
+    }
+}
+
+struct Operation {
+    const char* name;
+    std::optional<std::string> text; // before connecting
+    bool disconnects;
+    bool changesInBetween;
+};
+
+/// The file is whole, the old or the new one, and what the user had in it is in it or in a backup.
+void checkAfterFault(const Home& home, const std::optional<std::string>& before, const Operation& operation)
+{
+    const auto text = home.text();
+    const bool isRestored = operation.disconnects && text == operation.text;
+    if (text == before || isRestored)
+        return;
+    const auto& installer = home.settings().installer;
+    EXPECT_EQ(text, operation.disconnects ? installer.uninstalling(*before).value() : home.installed(before));
+    EXPECT_TRUE(!before || home.hasBackup(*before));
+}
+
+TEST(HookSettingsFile, SurvivesAFaultBeforeEveryStep)
+{
+    FaultyFiles healthy;
+    const std::string model = "{\"model\": 1.50}\n";
+    for (const auto& operation : std::vector<Operation>{
+             {"connect", model, false, false},
+             {"connect without a file", {}, false, false},
+             {"connect what is partly ours", partlyOurs, false, false},
+             {"restore", model, true, false},
+             {"delete", {}, true, false},
+             {"uninstall", model, true, true},
+         })
+        for (const auto fault : {FaultyFiles::Fault::failure, FaultyFiles::Fault::powerLoss})
+            for (int step = 0, isHit = true; isHit; ++step) {
+                SCOPED_TRACE(testing::Message() << operation.name << ", " << static_cast<int>(fault) << " at " << step);
+                const Home home{operation.text};
+                if (operation.disconnects) {
+                    ASSERT_TRUE(home.settings(healthy).connect(now));
+                }
+                if (operation.changesInBetween)
+                    home.write("\n" + *home.text());
+                const auto before = home.text();
+
+                FaultyFiles files{fault, step};
+                const auto settings = home.settings(files);
+                const auto result = operation.disconnects ? settings.disconnect(now) : settings.connect(now);
+                isHit = files.isHit();
+                checkAfterFault(home, before, operation);
+                if (!isHit) {
+                    ASSERT_TRUE(result);
+                }
+                if (fault == FaultyFiles::Fault::failure) {
+                    ASSERT_FALSE(home.hasTemporaryFiles());
+                }
+
+                // Whatever state that left, the way back is open.
+                ASSERT_TRUE(home.settings(healthy).connect(now));
+                ASSERT_EQ(home.settings().connection(), Connection::connected);
+                ASSERT_TRUE(home.settings(healthy).disconnect(now));
+                ASSERT_EQ(home.settings().connection(), Connection::notConnected);
+                const auto users = home.settings().installer.uninstalling(operation.text.value_or("{}"));
+                ASSERT_EQ(OrderedJSON::parse(home.text().value_or("{}")), OrderedJSON::parse(users.value()));
+            }
+}
+
+} // namespace

@@ -1,0 +1,142 @@
+#include "Core/Agents/OrderedJSON.h"
+
+#include <gtest/gtest.h>
+
+using namespace vespra;
+using namespace std::string_literals;
+
+namespace {
+
+OrderedJSON parsed(std::string_view text) { return OrderedJSON::parse(text).value(); }
+
+TEST(OrderedJSON, PrintsWhatItRead)
+{
+    struct Row {
+        std::string text, printed;
+    };
+    for (const auto& row : std::vector<Row>{
+             {R"({"b":1,"a":2,"b":null})", "{\n  \"b\": 1,\n  \"a\": 2,\n  \"b\": null\n}"},
+             {"\t[1.0, 2e10,\r\n-0, 01, +1, 5., .5, 12345678901234567890, 1E-400] ",
+                 "[\n  1.0,\n  2e10,\n  -0,\n  01,\n  +1,\n  5.,\n  .5,\n  12345678901234567890,\n  1E-400\n]"},
+             {"[[],{},[{}]]", "[\n  [],\n  {},\n  [\n    {}\n  ]\n]"},
+             {"true", "true"},
+             {" false ", "false"},
+             {R"("\ud83d\ude00 \u00e9\u20AC\u0041")", "\"😀 é€A\""},
+             {R"("\"\\\/\b\f\n\r\t\u0001\u001f")", R"("\"\\/\b\f\n\r\t\u0001\u001f")"},
+             {"\"\x7F ÿ ﷽ \U0010FFFF\"", "\"\x7F ÿ ﷽ \U0010FFFF\""},
+             {R"("\u0000")", R"("\u0000")"},
+             // Around the eight bytes that are looked at together.
+             {R"("1234567\"1234567\\12345678é1234567")", R"("1234567\"1234567\\12345678é1234567")"},
+         })
+        EXPECT_EQ(parsed(row.text).formatted(), row.printed) << row.text;
+}
+
+TEST(OrderedJSON, NamesTheFirstByteThatIsWrong)
+{
+    struct Row {
+        std::string text;
+        std::size_t offset;
+    };
+    for (const auto& row : std::vector<Row>{
+             {"", 0},
+             {" \n", 2},
+             {"{}  x", 4},
+             {"[1,]", 3},
+             {"[1 2]", 3},
+             {"[1", 2},
+             {R"({"a":1,})", 7},
+             {R"({"a" 1})", 5},
+             {"{a:1}", 1},
+             {R"({"a":})", 5},
+             {"{", 1},
+             {"trux", 3},
+             {"nul", 3},
+             {"[1.2.3]", 1},
+             {" -", 1},
+             {"1e", 0},
+             {".", 0},
+             {"+-1", 0},
+             {"1e+", 0},
+             {"nan", 1},
+             {"x", 0},
+             {"\xEF\xBB\xBF{}", 0},
+             {"\xC2\xA0{}", 0},
+             {"\"abc", 4},
+             {"\"a\nb\"", 2},
+             {"\"a\0b\""s, 2},
+             {R"("\x")", 2},
+             {R"("\)", 2},
+             {R"("\u12g4")", 5},
+             {R"("\ud83d")", 7},
+             {R"("\ud83d\n")", 8},
+             {R"("\ud83d\u0041")", 2},
+             {R"("\ude00")", 2},
+             // Ill-formed UTF-8: a lone trailing byte, overlong forms, a surrogate, too large, cut short.
+             {"\"a\x80\"", 2},
+             {"\"a\xC0\x80\"", 2},
+             {"\"a\xC1\xBF\"", 2},
+             {"\"\xE0\x9F\xBF\"", 1},
+             {"\"\xED\xA0\x80\"", 1},
+             {"\"\xF0\x8F\xBF\xBF\"", 1},
+             {"\"\xF4\x90\x80\x80\"", 1},
+             {"\"\xF5\x80\x80\x80\"", 1},
+             {"\"12345678\xE2\x82\"", 9},
+         }) {
+        const auto result = OrderedJSON::parse(row.text);
+        ASSERT_FALSE(result) << row.text;
+        EXPECT_EQ(result.error().offset, row.offset) << row.text;
+    }
+}
+
+TEST(OrderedJSON, SetsTheFirstMemberInItsPlaceAndAppendsNewOnes)
+{
+    const auto object = parsed(R"({"a":1,"b":2,"a":3})");
+    EXPECT_EQ(object.setting("a", "x"), parsed(R"({"a":"x","b":2,"a":3})"));
+    EXPECT_EQ(object.setting("c", true), parsed(R"({"a":1,"b":2,"a":3,"c":true})"));
+    EXPECT_EQ(object.setting("a", std::nullopt), parsed(R"({"b":2,"a":3})"));
+    EXPECT_EQ(object.setting("c", std::nullopt), object);
+    EXPECT_EQ(object, parsed(R"({"a":1,"b":2,"a":3})"));
+    EXPECT_EQ(parsed("[1]").setting("a", true), parsed("[1]"));
+    ASSERT_TRUE(object["a"]);
+    EXPECT_EQ(*object["a"], OrderedJSON::Number{"1"});
+    EXPECT_FALSE(object["c"]);
+    EXPECT_FALSE(parsed(R"("a")")["a"]);
+}
+
+TEST(OrderedJSON, EqualityIsOfOrderAndSpelling)
+{
+    for (const auto& [one, other] : std::vector<std::pair<const char*, const char*>>{
+             {R"({"a":1,"b":2})", R"({"b":2,"a":1})"},
+             {"[1.0]", "[1]"},
+             {R"("1")", "1"},
+             {"[]", "{}"},
+             {"null", "false"},
+             {R"({"a":[{"b":1}]})", R"({"a":[{"b":2}]})"},
+         }) {
+        EXPECT_NE(parsed(one), parsed(other)) << one;
+        EXPECT_EQ(parsed(one), parsed(one)) << one;
+    }
+}
+
+TEST(OrderedJSON, NestsAThousandDeepAndNoDeeper)
+{
+    constexpr auto limit = OrderedJSON::deepestNesting;
+    const auto nested = [](std::size_t levels) {
+        std::string text;
+        for (std::size_t i = 0; i < levels; ++i)
+            text += i % 2 ? "{\"k\":" : "[";
+        text += '0';
+        for (std::size_t i = levels; i-- > 0;)
+            text += i % 2 ? '}' : ']';
+        return text;
+    };
+    EXPECT_GE(limit, 1'000u);
+    const auto deepest = parsed(nested(limit));
+    EXPECT_EQ(parsed(deepest.formatted()), deepest);
+    const auto tooDeep = OrderedJSON::parse(nested(limit + 1));
+    ASSERT_FALSE(tooDeep);
+    EXPECT_EQ(tooDeep.error().offset, limit / 2 * 6); // the bracket that is one too many
+    EXPECT_FALSE(OrderedJSON::parse(std::string(1'000'000, '[')));
+}
+
+} // namespace

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "HelperProtocol/FileDescriptor.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QThread>
+#include <QVariantMap>
+#include <vector>
+
+namespace vespra {
+
+/// A bus of the test's own, which is both the system's and the session's, with services that come and go on it: logind,
+/// UPower and those of a desktop. They live on a thread of their own, as if in another process.
+class MockBus {
+public:
+    /// Starts the bus daemon and names it in the environment: once per process, before anything else uses a bus.
+    MockBus();
+    ~MockBus();
+    MockBus(const MockBus&) = delete;
+    MockBus& operator=(const MockBus&) = delete;
+
+    void own(const char* service);
+    /// The service goes, and with it all that it had granted, except descriptors.
+    void disown(const char* service);
+    /// As if it crashed and came back at once.
+    void restart(const char* service);
+    /// Disowns all and forgets everything.
+    void reset();
+
+    /// From now on calls of `member` are kept unanswered, until `answer`.
+    void keepBack(const char* member);
+    void answer();
+    /// Answers them with an error instead.
+    void refuse();
+
+    void setProperty(const char* path, const char* interface, const char* name, const QVariant& value);
+    /// Sets it and emits PropertiesChanged.
+    void changeProperty(const char* path, const char* interface, const char* name, const QVariant& value);
+    void emitSignal(const char* path, const char* interface, const char* name, const QVariantList& arguments);
+
+    /// "idle:block" of each lock that is open, and "org.gnome.SessionManager 4" of each cookie.
+    std::vector<std::string> held();
+    /// The most that were held at the same time since the last reset.
+    std::size_t mostHeld();
+
+private:
+    class Services;
+
+    void run(const std::function<void()>& task);
+
+    std::unique_ptr<Services> services_;
+    QThread thread_;
+    long daemon_ = 0;
+};
+
+} // namespace vespra
