@@ -3,6 +3,7 @@
 #include "HelperProtocol/Brand.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -16,14 +17,19 @@ void SessionMarker::sessionRuns(bool runs)
         return;
     if (!runs)
         return lock_.reset();
+    if (read(path_))
+        return;
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path{path_}.parent_path(), ignored);
-    FileDescriptor file{open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)};
-    if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0)
-        return;
+    // Locked and written before it gets its name: nobody sees it half done.
+    const auto draft = path_ + "." + std::to_string(getpid());
+    FileDescriptor file{open(draft.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600)};
     const auto text = std::to_string(getpid()) + " " + platform_ + "\n";
-    if (ftruncate(file.get(), 0) == 0 && write(file.get(), text.data(), text.size()) == std::ssize(text))
+    if (file && flock(file.get(), LOCK_EX | LOCK_NB) == 0
+        && write(file.get(), text.data(), text.size()) == std::ssize(text) && rename(draft.c_str(), path_.c_str()) == 0)
         lock_ = std::move(file);
+    else
+        unlink(draft.c_str());
 }
 
 std::optional<SessionMarker::Session> SessionMarker::read(const std::string& path)

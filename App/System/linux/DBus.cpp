@@ -1,22 +1,34 @@
 #include "App/System/linux/DBus.h"
 
+#include "App/System/linux/BusProbe.h"
 #include "Core/Lifetime.h"
 
 #include <QDBusArgument>
-#include <QFile>
 
 namespace vespra::dbus {
 
-QDBusConnection systemBus() { return QDBusConnection::systemBus(); }
+using namespace std::chrono_literals;
+
+namespace {
+
+    constexpr auto welcomeLimit = 1000ms;
+
+    QDBusConnection noBus() { return QDBusConnection{QStringLiteral("no bus")}; }
+
+} // namespace
+
+QDBusConnection systemBus()
+{
+    // Qt itself would wait for a bus that hangs.
+    static const bool answers = openBus(sd_bus_open_system, welcomeLimit) != nullptr;
+    return answers ? QDBusConnection::systemBus() : noBus();
+}
 
 QDBusConnection sessionBus()
 {
-    // Without an address the library would start a bus of its own on X11.
-    const auto runtimeDirectory = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
-        && (runtimeDirectory.isEmpty() || !QFile::exists(runtimeDirectory + QStringLiteral("/bus"))))
-        return QDBusConnection{QStringLiteral("no session bus")};
-    return QDBusConnection::sessionBus();
+    // Without an address Qt would start a bus of its own on X11; sd-bus does not.
+    static const bool answers = openBus(sd_bus_open_user, welcomeLimit) != nullptr;
+    return answers ? QDBusConnection::sessionBus() : noBus();
 }
 
 QDBusMessage Target::method(const QString& name, const QVariantList& arguments) const

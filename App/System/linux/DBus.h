@@ -13,7 +13,8 @@
 /// Calls and signals of the buses. Nothing here waits, but for what says so. Main thread only.
 namespace vespra::dbus {
 
-/// The process's connection to the system bus; `isConnected` is false if there is none.
+/// The process's connection to the system bus; `isConnected` is false if there is none, or none that answers within one
+/// second.
 QDBusConnection systemBus();
 /// The same of the user's session. Never starts a bus.
 QDBusConnection sessionBus();

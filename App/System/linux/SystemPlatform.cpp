@@ -14,8 +14,6 @@
 #include "App/System/QtMainLoop.h"
 #include "HelperProtocol/Brand.h"
 
-#include <QDBusError>
-
 namespace vespra {
 
 namespace {
@@ -135,8 +133,7 @@ PlatformTime makePlatformTime()
 std::expected<Platform, std::string> makeSystemPlatform()
 {
     if (!dbus::systemBus().isConnected())
-        return std::unexpected{
-            "The system bus does not answer: " + dbus::systemBus().lastError().message().toStdString()};
+        return std::unexpected{"The system bus does not answer."};
     Platform platform;
     platform.kind = PlatformKind::linux;
     platform.time = makePlatformTime();

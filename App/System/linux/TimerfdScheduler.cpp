@@ -1,7 +1,7 @@
 #include "App/System/linux/TimerfdScheduler.h"
 
-#include "HelperProtocol/FileDescriptor.h"
 #include "Core/Scheduling/MainThread.h"
+#include "HelperProtocol/FileDescriptor.h"
 
 #include <algorithm>
 #include <cerrno>

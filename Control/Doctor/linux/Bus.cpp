@@ -1,24 +1,22 @@
 #include "Control/Doctor/linux/Bus.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace vespra::doctor {
 
 namespace {
 
-    constexpr std::uint64_t timeout = 2'000'000; // microseconds
+    constexpr std::chrono::seconds limit{2};
 
     constexpr Bus::Object daemon{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus"};
 
 } // namespace
 
 Bus::Bus(int (*open)(sd_bus**))
+    : bus_{openBus(open, limit)}
 {
-    if (open(&bus_) < 0)
-        bus_ = nullptr;
-    else
-        sd_bus_set_method_call_timeout(bus_, timeout);
+    if (bus_)
+        sd_bus_set_method_call_timeout(bus_.get(), std::chrono::microseconds{limit}.count());
 }
 
 bool Bus::isOwned(const char* service) const
@@ -28,7 +26,7 @@ bool Bus::isOwned(const char* service) const
     sd_bus_message* reply = nullptr;
     int owned = 0;
     if (sd_bus_call_method(
-            bus_, daemon.service, daemon.path, daemon.interface, "NameHasOwner", nullptr, &reply, "s", service)
+            bus_.get(), daemon.service, daemon.path, daemon.interface, "NameHasOwner", nullptr, &reply, "s", service)
         >= 0)
         sd_bus_message_read(reply, "b", &owned);
     sd_bus_message_unref(reply);
@@ -40,7 +38,7 @@ bool Bus::isActivatable(const std::string& service) const
     if (!bus_)
         return false;
     char** names = nullptr;
-    if (sd_bus_list_names(bus_, nullptr, &names) < 0)
+    if (sd_bus_list_names(bus_.get(), nullptr, &names) < 0)
         return false;
     bool found = false;
     for (char** name = names; name && *name; ++name) {
@@ -56,7 +54,7 @@ std::optional<bool> Bus::flag(const Object& object, const char* property) const
     int value = 0;
     if (!bus_
         || sd_bus_get_property_trivial(
-               bus_, object.service, object.path, object.interface, property, nullptr, 'b', &value)
+               bus_.get(), object.service, object.path, object.interface, property, nullptr, 'b', &value)
             < 0)
         return {};
     return value != 0;
@@ -67,7 +65,7 @@ std::optional<double> Bus::number(const Object& object, const char* property) co
     double value = 0;
     if (!bus_
         || sd_bus_get_property_trivial(
-               bus_, object.service, object.path, object.interface, property, nullptr, 'd', &value)
+               bus_.get(), object.service, object.path, object.interface, property, nullptr, 'd', &value)
             < 0)
         return {};
     return value;
@@ -78,7 +76,7 @@ std::optional<std::uint32_t> Bus::count(const Object& object, const char* proper
     std::uint32_t value = 0;
     if (!bus_
         || sd_bus_get_property_trivial(
-               bus_, object.service, object.path, object.interface, property, nullptr, 'u', &value)
+               bus_.get(), object.service, object.path, object.interface, property, nullptr, 'u', &value)
             < 0)
         return {};
     return value;
@@ -88,7 +86,8 @@ std::optional<std::string> Bus::text(const Object& object, const char* property)
 {
     char* value = nullptr;
     if (!bus_
-        || sd_bus_get_property_string(bus_, object.service, object.path, object.interface, property, nullptr, &value)
+        || sd_bus_get_property_string(
+               bus_.get(), object.service, object.path, object.interface, property, nullptr, &value)
             < 0)
         return {};
     std::string copy{value};
@@ -108,14 +107,14 @@ void Bus::call(const Object& object, const char* method, Answer& answer) const
 {
     if (bus_)
         sd_bus_call_method(
-            bus_, object.service, object.path, object.interface, method, nullptr, &answer.message, nullptr);
+            bus_.get(), object.service, object.path, object.interface, method, nullptr, &answer.message, nullptr);
 }
 
 void Bus::call(const Object& object, const char* method, std::uint32_t argument, Answer& answer) const
 {
     if (bus_)
         sd_bus_call_method(
-            bus_, object.service, object.path, object.interface, method, nullptr, &answer.message, "u", argument);
+            bus_.get(), object.service, object.path, object.interface, method, nullptr, &answer.message, "u", argument);
 }
 
 } // namespace vespra::doctor

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "App/System/linux/BusProbe.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <systemd/sd-bus.h>
 #include <vector>
 
 /// Questions to a bus, each answered within 2 s or not at all.
@@ -19,12 +20,6 @@ public:
 
     static Bus system() { return Bus{sd_bus_open_system}; }
     static Bus session() { return Bus{sd_bus_open_user}; }
-    Bus(const Bus&) = delete;
-    Bus& operator=(const Bus&) = delete;
-    ~Bus() { sd_bus_flush_close_unref(bus_); }
-
-    explicit operator bool() const { return bus_ != nullptr; }
-
     bool isOwned(const char* service) const;
     /// Whether the bus would start it.
     bool isActivatable(const std::string& service) const;
@@ -52,7 +47,7 @@ public:
 private:
     explicit Bus(int (*open)(sd_bus**));
 
-    sd_bus* bus_ = nullptr;
+    BusConnection bus_;
 };
 
 } // namespace vespra::doctor
