@@ -53,7 +53,9 @@ namespace {
         const auto result = reply.arguments().value(0).value<QDBusArgument>();
         bool isAuthorized = false, isChallenge = false;
         result.beginStructure();
-        result >> isAuthorized >> isChallenge;
+        QMap<QString, QString> details;
+        result >> isAuthorized >> isChallenge >> details;
+        result.endStructure();
         return isAuthorized ? HelperServiceStatus::enabled
             : isChallenge   ? HelperServiceStatus::requiresApproval
                             : HelperServiceStatus::unknown;
