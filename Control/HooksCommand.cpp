@@ -27,7 +27,9 @@ namespace {
         {
             if (home.empty())
                 return {fs::absolute(homeDirectory()), Brand::applicationSupportDirectory()};
-            const auto absolute = fs::absolute(home).lexically_normal();
+            auto absolute = fs::absolute(home).lexically_normal();
+            if (!absolute.has_filename()) // a slash at the end
+                absolute = absolute.parent_path();
             return {absolute, Brand::applicationSupportDirectory(absolute.string())};
         }
     };

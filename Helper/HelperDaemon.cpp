@@ -70,13 +70,15 @@ private:
     /// Runs `work` if the client may; it is dropped, unanswered, with a client that goes meanwhile.
     template <class Work> void withRight(Authorization::Right right, const HelperReply<HelperRefusal>& reply, Work work)
     {
-        daemon_.machine_.authorization.check(
-            name_, right, lifetime_.guard([this, reply, work](const HelperResult& allowed) {
-                if (allowed)
-                    return work();
-                daemon_.log_.error("Demande refusée à " + name_ + " : " + allowed.error());
-                reply(HelperRefusal{allowed.error()});
-            }));
+        const auto answered = lifetime_.guard([this, reply, work](const HelperResult& allowed) {
+            if (allowed)
+                return work();
+            daemon_.log_.error("Demande refusée à " + name_ + " : " + allowed.error());
+            reply(HelperRefusal{allowed.error()});
+        });
+        daemon_.machine_.authorization.check(name_,
+            right,
+            [answered, waiting = daemon_.waitForRight()](const HelperResult& allowed) { answered(allowed); });
     }
 
     HelperDaemon& daemon_;
@@ -112,6 +114,17 @@ HelperDaemon::~HelperDaemon()
 std::unique_ptr<HelperXPCProtocol> HelperDaemon::clientSession(const ClientName& client)
 {
     return std::make_unique<ClientSession>(*this, client);
+}
+
+std::shared_ptr<void> HelperDaemon::waitForRight()
+{
+    ++waitingForRights_;
+    notify(onChange);
+    const auto end = lifetime_.guard([this](void*) {
+        --waitingForRights_;
+        notify(onChange);
+    });
+    return {this, end};
 }
 
 void HelperDaemon::sleepNow(HelperReply<HelperRefusal> reply, int triesLeft)

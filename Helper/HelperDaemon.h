@@ -42,13 +42,15 @@ public:
     void systemWillSleep() { shutLid_.cancel(); }
 
     /// Nothing is in force, owed or under way: the program may end.
-    bool isIdle() const { return leases_.isIdle() && !shutLid_.isUnderWay(); }
+    bool isIdle() const { return leases_.isIdle() && !shutLid_.isUnderWay() && waitingForRights_ == 0; }
     /// Told when `isIdle` may have changed.
     std::function<void()> onChange;
 
 private:
     class ClientSession;
 
+    /// Keeps the daemon from being idle until the last copy is gone.
+    std::shared_ptr<void> waitForRight();
     void sleepNow(HelperReply<HelperRefusal> reply, int triesLeft);
 
     HelperMachine machine_;
@@ -57,6 +59,7 @@ private:
     OverrideLeases leases_;
     ShutLidSleep shutLid_;
     std::unique_ptr<ScheduledTask> sleepRetry_;
+    int waitingForRights_ = 0;
     Lifetime lifetime_;
 };
 

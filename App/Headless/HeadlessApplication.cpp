@@ -2,6 +2,9 @@
 
 #include "App/Headless/ExitStatus.h"
 #include "App/Headless/SessionReport.h"
+#include "App/Wording/AgentWording.h"
+#include "App/Wording/ClosedLidWording.h"
+#include "App/Wording/Localized.h"
 #include "App/Wording/SessionWording.h"
 #include "HelperProtocol/Brand.h"
 
@@ -9,6 +12,18 @@
 #include <cstdlib>
 
 namespace vespra {
+
+namespace {
+
+    /// The component answers within this time, or the session starts without closed-lid mode.
+    constexpr Seconds componentAnswerLimit = 3s;
+    /// A machine that was too hot stays awake this long, so that the end can be noticed with the lid still shut.
+    constexpr Seconds overheatingRestoreDelay = 3s;
+    /// Time for the component to put the machine to sleep, or to be found unable to.
+    constexpr Seconds forcedActionLimit = 30s;
+    constexpr Seconds restoreLimit = 2s;
+
+} // namespace
 
 HeadlessApplication::HeadlessApplication(
     Platform& platform, const HeadlessOptions& options, TerminalOutput& output, std::function<void(int)> onFinish)
@@ -33,14 +48,59 @@ HeadlessApplication::~HeadlessApplication() = default;
 void HeadlessApplication::start()
 {
     coordinator_.onEvent = lifetime_.guard([this](const SessionEvent& event) { follow(event); });
+    followClosedLid();
     agentSocket_.emplace(Brand::agentSocketPath(),
         *platform_.time.mainLoop,
         *platform_.time.clock,
         lifetime_.guard([this](const AgentEvent& event) { receive(event); }));
     agentSocket_->start();
     followSystem();
-    if (!options_.isIdle)
+    if (options_.isIdle)
+        return;
+    if (options_.preferences.options.closedLid)
+        startOnceReady();
+    else
         startSession();
+}
+
+void HeadlessApplication::followClosedLid()
+{
+    closedLid_.emplace(coordinator_,
+        ClosedLidEnvironment{
+            .service = *platform_.helper.service,
+            .connect = platform_.helper.connect,
+            .facts = *platform_.helper.facts,
+            .power = *platform_.helper.power,
+            .tasks = *platform_.time.tasks,
+            .mainLoop = *platform_.time.mainLoop,
+        });
+    forcedEndAction_.emplace(*platform_.time.tasks);
+    forcedEndAction_->perform = [this, perform = closedLid_->performer()](AgentEndAction action) {
+        perform(action);
+        finishAfter(forcedActionLimit);
+    };
+    if (!options_.preferences.options.closedLid)
+        return;
+    closedLidLoop_.emplace(*platform_.time.mainLoop, [this] {
+        const auto status = coordinator_.closedLidStatus(true);
+        if (coordinator_.state().isActive() && std::exchange(shownClosedLidStatus_, status) != status)
+            output_.printLine(localized("Closed lid: %1", {message(status)}));
+    });
+}
+
+/// Whether closed-lid mode blocks a start is known only when the component has answered.
+void HeadlessApplication::startOnceReady()
+{
+    const auto start = lifetime_.guard([this] {
+        startLimit_.reset();
+        readinessLoop_.reset();
+        startSession();
+    });
+    startLimit_ = platform_.time.tasks->schedule(componentAnswerLimit, start);
+    readinessLoop_.emplace(*platform_.time.mainLoop, [this, start] {
+        if (isReady(coordinator_.conditions().helper))
+            startLimit_ = platform_.time.tasks->schedule(0s, start);
+    });
 }
 
 void HeadlessApplication::followSystem()
@@ -94,20 +154,40 @@ void HeadlessApplication::receive(const AgentEvent& event)
 
 void HeadlessApplication::follow(const SessionEvent& event)
 {
-    const bool hasEnded = std::holds_alternative<event::Ended>(event);
-    if (hasEnded)
+    const auto* ended = std::get_if<event::Ended>(&event);
+    if (ended)
         output_.showLive({});
     output_.printLine(reportLine(event));
-    if (hasEnded)
+    if (ended)
+        followEnd(ended->end.reason);
+}
+
+void HeadlessApplication::followEnd(const EndReason& reason)
+{
+    const auto action = coordinator_.settings().agents.endAction;
+    if (std::holds_alternative<end::Overheating>(reason)) {
+        closedLid_->setRestoreNotBefore(platform_.time.tasks->continuousNow() + overheatingRestoreDelay);
+        finishAfter(overheatingRestoreDelay);
+    } else if (std::holds_alternative<end::AgentsFinished>(reason) && action != AgentEndAction::letSleep) {
+        output_.printLine(notificationBody(action));
+        forcedEndAction_->schedule(action, coordinator_.now());
+    } else {
         finish(ExitStatus::done);
+    }
 }
 
 void HeadlessApplication::terminate()
 {
+    forcedEndAction_->cancel();
     if (coordinator_.state().isActive())
         coordinator_.stop(end::AppTerminated{});
     else
         finish(ExitStatus::done);
+}
+
+void HeadlessApplication::finishAfter(Seconds delay)
+{
+    delayedFinish_ = platform_.time.tasks->schedule(delay, lifetime_.guard([this] { finish(ExitStatus::done); }));
 }
 
 void HeadlessApplication::finish(int exitStatus)
@@ -118,6 +198,7 @@ void HeadlessApplication::finish(int exitStatus)
     if (assertionLoop_)
         assertionLoop_->stop();
     platform_.session->sessionRuns(false);
+    closedLid_->restoreBeforeQuit(restoreLimit);
     if (assertions_)
         assertions_->apply(PowerRequirements::none());
     notify(onFinish_, exitStatus);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "App/Agents/AgentSocketServer.h"
+#include "App/Agents/ForcedEndAction.h"
 #include "App/Headless/HeadlessOptions.h"
 #include "App/Headless/TerminalOutput.h"
+#include "App/System/ClosedLidController.h"
 #include "App/System/Platform.h"
 #include "App/System/PowerAssertionController.h"
 #include "Core/Agents/AgentEndCondition.h"
@@ -27,14 +29,18 @@ public:
 
     /// Listens to the agents and starts the session. A refusal is printed and finishes at once.
     void start();
-    /// Ends the session because the application ends, and finishes.
+    /// Ends the session because the application ends, or cancels what was to follow it, and finishes.
     void terminate();
 
 private:
     void receive(const AgentEvent& event);
     void follow(const SessionEvent& event);
+    void followEnd(const EndReason& reason);
     void followSystem();
+    void followClosedLid();
     void startSession();
+    void startOnceReady();
+    void finishAfter(Seconds delay);
     void finish(int exitStatus);
     void drawLive();
 
@@ -45,10 +51,17 @@ private:
     AgentTracker agents_;
     SessionCoordinator coordinator_;
     std::shared_ptr<AgentEndCondition> agentCondition_;
+    std::optional<ClosedLidController> closedLid_;
+    std::optional<ForcedEndAction> forcedEndAction_;
     std::optional<AgentSocketServer> agentSocket_;
     std::optional<PowerAssertionController> assertions_;
     std::optional<ObservationLoop> assertionLoop_;
     std::optional<ObservationLoop> liveLoop_;
+    std::optional<ObservationLoop> closedLidLoop_;
+    std::optional<ObservationLoop> readinessLoop_;
+    std::unique_ptr<ScheduledTask> startLimit_;
+    std::optional<ClosedLidStatus> shownClosedLidStatus_;
+    std::unique_ptr<ScheduledTask> delayedFinish_;
     std::unique_ptr<ScheduledTask> nextSecond_;
     Lifetime lifetime_;
 };

@@ -212,7 +212,7 @@ void ClosedLidController::applied(const std::expected<HelperRefusal, HelperUnrea
     }
     isApplied_ = true;
     setStatus(helper::Ready{});
-    if (wantsApplied_)
+    if (wantsApplied_ && !isQuitting_)
         scheduleHeartbeat();
     doWhatIsWanted();
 }

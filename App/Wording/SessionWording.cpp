@@ -39,22 +39,6 @@ std::string message(const StartRefusal& refusal)
         [](const refusal::TooHot&) { return localized("Mac is too hot for closed-lid mode."); });
 }
 
-std::string statusLine(const AgentSession& session)
-{
-    auto name = std::string{displayName(session.agent)};
-    if (const auto folder = session.folderName())
-        name += " (" + *folder + ")";
-    switch (session.activity) {
-    case AgentActivity::working:
-        return localized("%1 is working", {name});
-    case AgentActivity::waitingForApproval:
-        return localized("%1 waits for approval", {name});
-    case AgentActivity::idle:
-        break;
-    }
-    return localized("%1 is idle", {name});
-}
-
 std::string timeText(Instant instant)
 {
     using std::chrono::duration_cast, std::chrono::milliseconds;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Core/Agents/AgentTracker.h"
 #include "Core/Session/SessionEvent.h"
 
 #include <string>
@@ -13,9 +12,6 @@ std::string notificationTitle(const EndReason& reason);
 
 /// Why a start, or closed-lid mode, was refused.
 std::string message(const StartRefusal& refusal);
-
-/// "Claude Code (project) is working".
-std::string statusLine(const AgentSession& session);
 
 /// A clock time in the user's locale, short: "18:30".
 std::string timeText(Instant instant);

@@ -273,6 +273,10 @@ namespace {
 
         void skipWhitespace()
         {
+            // Most of it is indentation.
+            constexpr std::string_view indentation = "        ";
+            while (text_.substr(position_).starts_with(indentation))
+                position_ += indentation.size();
             const auto isWhitespace = [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; };
             while (position_ < text_.size() && isWhitespace(text_[position_]))
                 ++position_;

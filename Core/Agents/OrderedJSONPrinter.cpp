@@ -1,39 +1,12 @@
 #include "Core/Agents/JSONPlainText.h"
 #include "Core/Agents/OrderedJSON.h"
-#include "Core/Match.h"
 
 #include <cstring>
 
 namespace vespra {
 
-namespace {
-
-    constexpr std::string_view indentation = "  ";
-
-    /// The size of the printed value, but for what escapes add. Growing the text step by step instead takes longer than
-    /// the printing itself.
-    std::size_t leastSize(const OrderedJSON& value, std::size_t indent)
-    {
-        constexpr std::size_t quotes = 2, brackets = 2, word = 5, colon = 2, commaAndLineFeed = 2;
-        if (const auto* string = value.stringValue())
-            return string->size() + quotes;
-        std::size_t size = brackets + word + indent;
-        const auto line = indent + indentation.size() + commaAndLineFeed;
-        if (const auto* members = value.object())
-            for (const auto& [key, held] : *members)
-                size += line + key.size() + quotes + colon + leastSize(held, indent + indentation.size());
-        else if (const auto* elements = value.array())
-            for (const auto& element : *elements)
-                size += line + leastSize(element, indent + indentation.size());
-        return size;
-    }
-
-} // namespace
-
 class OrderedJSONPrinter {
 public:
-    explicit OrderedJSONPrinter(std::size_t expectedSize) { makeRoom(expectedSize); }
-
     std::string take() &&
     {
         text_.resize(used_);
@@ -132,10 +105,14 @@ private:
         if (text_.size() - used_ < size) [[unlikely]]
             grow(size);
     }
+    /// In great steps: what is never written to costs nothing, while each step copies all there is.
     void grow(std::size_t size)
     {
-        text_.resize_and_overwrite(text_.size() + text_.size() / 2 + size, [](char*, std::size_t all) { return all; });
+        constexpr std::size_t first = 4096, factor = 4;
+        text_.resize_and_overwrite(factor * text_.size() + size + first, [](char*, std::size_t all) { return all; });
     }
+
+    static constexpr std::string_view indentation = "  ";
 
     std::string text_;
     std::size_t used_ = 0;
@@ -145,7 +122,7 @@ private:
 
 std::string OrderedJSON::formatted() const
 {
-    OrderedJSONPrinter printer{leastSize(*this, 0)};
+    OrderedJSONPrinter printer;
     printer.print(*this);
     return std::move(printer).take();
 }

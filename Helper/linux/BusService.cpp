@@ -34,6 +34,7 @@ struct BusService::Methods {
     static int start(
         sd_bus_message& call, BusService& service, void (HelperXPCProtocol::*operation)(HelperReply<Value>))
     {
+        ++service.requests_;
         notify(service.onRequest);
         auto* const session = service.client(sd_bus_message_get_sender(&call));
         if (!session)
@@ -71,17 +72,34 @@ BusService::~BusService() = default;
 HelperResult BusService::publish()
 {
     sd_bus_slot* slot = nullptr;
-    int result = sd_bus_add_object_vtable(
+    const int result = sd_bus_add_object_vtable(
         &bus_, &slot, installation::objectPath, installation::interface, Methods::table, this);
     object_.reset(slot);
-    if (result >= 0)
-        result = sd_bus_request_name(&bus_, installation::busName, 0);
+    if (result < 0)
+        return std::unexpected{systemError(result)};
+    return takeName();
+}
+
+HelperResult BusService::takeName()
+{
+    const int result = sd_bus_request_name(&bus_, installation::busName, 0);
     if (result < 0)
         return std::unexpected{std::string{installation::busName} + " : " + systemError(result)};
     return {};
 }
 
-void BusService::withdraw() { sd_bus_release_name(&bus_, installation::busName); }
+bool BusService::withdraw()
+{
+    const int before = requests_;
+    sd_bus_release_name(&bus_, installation::busName);
+    while (sd_bus_process(&bus_, nullptr) > 0) {
+    }
+    if (requests_ == before)
+        return true;
+    // If another daemon has been started by now, this one serves those that it knows, and goes then.
+    (void)takeName();
+    return false;
+}
 
 HelperXPCProtocol* BusService::client(const char* name)
 {

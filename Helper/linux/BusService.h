@@ -18,8 +18,9 @@ public:
 
     /// Takes the calls and the name; from here on clients can come.
     HelperResult publish();
-    /// Gives the name up: the next call starts another daemon.
-    void withdraw();
+    /// Gives the name up: the next call starts another daemon. False if calls have come meanwhile; then it takes the
+    /// name back.
+    bool withdraw();
 
     /// Told of every request.
     std::function<void()> onRequest;
@@ -30,11 +31,13 @@ private:
 
     /// Absent if the caller has gone already.
     HelperXPCProtocol* client(const char* name);
+    HelperResult takeName();
 
     sd_bus& bus_;
     HelperDaemon& daemon_;
     BusSlot object_;
     std::map<std::string, std::unique_ptr<Client>> clients_;
+    int requests_ = 0;
 };
 
 } // namespace vespra

@@ -38,26 +38,31 @@ namespace {
         return std::pair{std::move(event), std::move(bus)};
     }
 
-    /// Ends the loop when there has been nothing to do for a while.
+    /// Ends the loop when there has been nothing to do for a while, and nobody calls at the last moment.
     class IdleExit {
     public:
-        IdleExit(sd_event& event, TaskScheduling& tasks, Seconds timeout)
+        IdleExit(sd_event& event, TaskScheduling& tasks, Seconds timeout, BusService& service)
             : event_{event}
             , tasks_{tasks}
             , timeout_{timeout}
+            , service_{service}
         {
         }
         void update(bool isIdle)
         {
             task_.reset();
             if (isIdle)
-                task_ = tasks_.schedule(timeout_, [this] { sd_event_exit(&event_, EXIT_SUCCESS); });
+                task_ = tasks_.schedule(timeout_, [this] {
+                    if (service_.withdraw())
+                        sd_event_exit(&event_, EXIT_SUCCESS);
+                });
         }
 
     private:
         sd_event& event_;
         TaskScheduling& tasks_;
         Seconds timeout_;
+        BusService& service_;
         std::unique_ptr<ScheduledTask> task_;
     };
 
@@ -70,11 +75,12 @@ namespace {
         LogindPower power{bus};
         PolkitAuthorization authorization{bus};
         HelperDaemon daemon{{setting, ledger, power, authorization, tasks, clock}, options.leaseTimeout};
-        IdleExit idle{event, tasks, options.idleTimeout};
         BusService service{bus, daemon};
+        IdleExit idle{event, tasks, options.idleTimeout, service};
         daemon.onChange = service.onRequest = [&] { idle.update(daemon.isIdle()); };
         const auto sleepSlot = power.onPrepareForSleep([&] { daemon.systemWillSleep(); });
         if (const auto published = service.publish(); !published) {
+            daemon.onChange = nullptr;
             log.error("Démarrage impossible : " + published.error());
             return EXIT_FAILURE;
         }
@@ -83,11 +89,7 @@ namespace {
         sd_notify(0, "READY=1");
         const int ended = sd_event_loop(&event);
         sd_notify(0, "STOPPING=1");
-        service.withdraw();
-        // What came before the name was gone is answered.
-        while (sd_bus_process(&bus, nullptr) > 0) {
-        }
-        daemon.onChange = nullptr;
+        daemon.onChange = service.onRequest = nullptr;
         return ended < 0 ? EXIT_FAILURE : ended;
     }
 

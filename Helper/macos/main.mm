@@ -1,6 +1,7 @@
 #include "App/System/macos/MacAdapters.h"
 #include "Helper/LedgerFile.h"
 #include "Helper/macos/MacMachine.h"
+#include "Helper/macos/MainQueueWatchdog.h"
 #include "Helper/macos/XPCService.h"
 
 #import <Foundation/Foundation.h>
@@ -36,8 +37,12 @@ int main()
     MacPower power;
     SignedCallers authorization;
     HelperDaemon daemon{{setting, ledger, power, authorization, *tasks, clock}};
+    MainQueueWatchdog watchdog;
     std::unique_ptr<ScheduledTask> idleExit;
-    const auto update = [&] { idleExit = daemon.isIdle() ? tasks->schedule(idleTimeout, endRunLoop) : nullptr; };
+    const auto update = [&] {
+        watchdog.setWatches(!daemon.isIdle());
+        idleExit = daemon.isIdle() ? tasks->schedule(idleTimeout, endRunLoop) : nullptr;
+    };
     daemon.onChange = update;
     {
         const XPCService service{daemon, update};

@@ -234,6 +234,7 @@ namespace {
             start();
             machine.asksTheUser = true;
             session->enableClosedLid([](auto) { });
+            EXPECT_FALSE(daemon->isIdle()) << "somebody is typing a password";
             row.meanwhile();
             ASSERT_EQ(machine.asked.size(), 1u);
             machine.asked.front()();

@@ -64,9 +64,10 @@ class DaemonTest(unittest.TestCase):
         configuration = cls.directory / "bus.conf"
         configuration.write_text(BUS_CONFIGURATION.format(cls.directory))
         os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={cls.directory}/bus"
-        cls.processes = [subprocess.Popen(
-            ["dbus-daemon", "--nofork", "--nopidfile", "--config-file", configuration])]
-        wait("the bus", (cls.directory / "bus").exists)
+        bus = subprocess.Popen(["dbus-daemon", "--nofork", "--nopidfile", "--print-address", "--config-file",
+                                configuration], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        cls.processes = [bus]
+        bus.stdout.readline()
         cls.processes.append(subprocess.Popen([sys.executable, "-B", HERE / "mock_system.py"]))
         cls.bus = dbus.bus.BusConnection(os.environ["DBUS_SYSTEM_BUS_ADDRESS"])
         wait("the mock", lambda: cls.bus.name_has_owner("app.vespra.Mock"))
@@ -76,7 +77,7 @@ class DaemonTest(unittest.TestCase):
     def tearDownClass(cls):
         for process in reversed(cls.processes):
             process.kill()
-            process.wait()
+            process.communicate()
         shutil.rmtree(cls.directory)
 
     def setUp(self):

@@ -1,4 +1,4 @@
-"""logind and polkit, as far as the helper meets them, on the bus in DBUS_SYSTEM_BUS_ADDRESS.
+"""logind, polkit and UPower, as far as the helper meets them, on the bus in DBUS_SYSTEM_BUS_ADDRESS.
 
 Steered and read through app.vespra.Mock at /mock: Set(JSON) and Get() -> JSON.
 """
@@ -14,7 +14,7 @@ MANAGER = "org.freedesktop.login1.Manager"
 POLKIT = "org.freedesktop.PolicyKit1.Authority"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 
-state = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": []}
+state = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": [], "hasLid": True}
 deeds = []  # what was asked for, with the locks held then
 locks = {}  # read end of the pipe -> [what, who, why, mode, uid, pid]
 
@@ -68,13 +68,19 @@ class Polkit(dbus.service.Object):
     @dbus.service.method(POLKIT, "(sa{sv})sa{ss}us", "(bba{ss})", async_callbacks=("answer", "fail"))
     def CheckAuthorization(self, subject, action, _details, flags, _cancellation, answer, fail):
         note("polkit", action=action, subject=[subject[0], str(subject[1]["name"])], flags=int(flags))
-        verdict = (state["polkit"] != "deny", False, dbus.Dictionary({}, signature="ss"))
+        verdict = (state["polkit"] in ("allow", "slow"), state["polkit"] == "ask", dbus.Dictionary({}, signature="ss"))
         if state["polkit"] == "slow":
             GLib.timeout_add(300, lambda: answer(verdict) and False)
         elif state["polkit"] == "broken":
             fail(Refused("no such action"))
         else:
             answer(verdict)
+
+
+class UPower(dbus.service.Object):
+    @dbus.service.method(PROPERTIES, "ss", "v")
+    def Get(self, _interface, _name):
+        return state["hasLid"]
 
 
 class Mock(dbus.service.Object):
@@ -92,7 +98,9 @@ dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
 connection = dbus.SystemBus()
 objects = [Logind(connection, "/org/freedesktop/login1"),
            Polkit(connection, "/org/freedesktop/PolicyKit1/Authority"),
+           UPower(connection, "/org/freedesktop/UPower"),
            Mock(connection, "/mock")]
 names = [dbus.service.BusName(name, connection)
-         for name in ("org.freedesktop.login1", "org.freedesktop.PolicyKit1", "app.vespra.Mock")]
+         for name in ("org.freedesktop.login1", "org.freedesktop.PolicyKit1", "org.freedesktop.UPower",
+                      "app.vespra.Mock")]
 GLib.MainLoop().run()

@@ -107,6 +107,27 @@ class Headless(unittest.TestCase):
         self.machine("battery=30")
         self.assertEqual(self.finish(process), (0, "Session ended — battery at 30%\n", ""))
 
+    def test_closed_lid_mode_is_told_of_and_ends_by_heat(self):
+        process, line = self.started("--unlimited", "--closed-lid")
+        self.assertEqual((line, process.stdout.readline()), ("Awake until you stop it.\n", "Closed lid: Not set up\n"))
+        self.machine("helper=ready")
+        self.assertEqual(process.stdout.readline(), "Closed lid: Checking…\n")
+        self.assertEqual(process.stdout.readline(), "Closed lid: You can close the lid\n")
+        self.machine("thermal=serious")
+        self.assertEqual(self.finish(process)[:2], (0, "Session ended — Mac too hot\n"))
+
+    def test_the_end_action_follows_unless_it_is_cancelled(self):
+        settings = pathlib.Path(self.folder.name) / "settings.json"
+        settings.write_text(json.dumps({"agents": {
+            "graceDelay": 0, "waitingCountsAsFinished": True, "endAction": "sleepNow"}}))
+        process, _ = self.started("--agent", "--settings", settings)
+        self.hook("UserPromptSubmit")
+        self.hook("Stop")
+        self.assertEqual(process.stdout.readline(), "Session ended — agents finished\n")
+        self.assertIn("will sleep in 1 minute.", process.stdout.readline())
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(self.finish(process)[:2], (0, ""))
+
     def test_the_session_outlives_the_reader_of_its_output(self):
         process, _ = self.started("--unlimited")
         process.stdout.close()

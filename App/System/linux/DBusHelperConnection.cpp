@@ -1,5 +1,6 @@
 #include "App/System/linux/DBusHelperConnection.h"
 
+#include "Core/Lifetime.h"
 #include "HelperProtocol/linux/InstallationNames.h"
 
 namespace vespra {
@@ -52,10 +53,10 @@ namespace {
 DBusHelperConnection::DBusHelperConnection()
     : name_{nextName()}
     , bus_{QDBusConnection::connectToBus(QDBusConnection::SystemBus, name_)}
-    , owner_{bus_, QString::fromLatin1(installation::busName), lifetime_.guard([this](bool owned) {
+    , owner_{bus_, QString::fromLatin1(installation::busName), [this](bool owned) {
                  if (!owned)
                      notify(onInvalidation);
-             })}
+             }}
 {
 }
 

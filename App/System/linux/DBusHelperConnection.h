@@ -2,7 +2,6 @@
 
 #include "App/System/HelperConnection.h"
 #include "App/System/linux/DBus.h"
-#include "Core/Lifetime.h"
 
 #include <map>
 
@@ -31,7 +30,6 @@ private:
     dbus::NameWatch owner_;
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
-    Lifetime lifetime_;
 };
 
 } // namespace vespra

@@ -121,6 +121,16 @@ TEST_F(Coordinator, EndConditionTakesPartFromStartToEnd)
     EXPECT_EQ(condition->calls, "begin end ");
 }
 
+TEST_F(Coordinator, NoDeadlineOfAnEndConditionOutlivesItsSession)
+{
+    const auto condition = std::make_shared<ScriptedCondition>();
+    condition->deadline = start + 7min;
+    ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, condition));
+    EXPECT_EQ(deadline(), 7min);
+    coordinator->stop(end::StoppedByUser{});
+    EXPECT_EQ(deadline(), std::nullopt);
+}
+
 TEST_F(Coordinator, AGuardrailWinsOverTheEndCondition)
 {
     const auto condition = std::make_shared<ScriptedCondition>();

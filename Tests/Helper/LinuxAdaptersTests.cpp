@@ -1,0 +1,199 @@
+// The application's side against the helper as a process, which the bus starts: on a private bus with stand-ins.
+
+#include "App/System/ClosedLidController.h"
+#include "App/System/linux/DBusHelperConnection.h"
+#include "App/System/linux/LinuxHelper.h"
+#include "App/System/linux/TimerfdScheduler.h"
+#include "App/System/QtMainLoop.h"
+#include "Tests/Support/FakeMonitors.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <fstream>
+#include <gmock/gmock.h>
+#include <QCoreApplication>
+#include <QDBusReply>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTimer>
+
+namespace vespra {
+
+namespace {
+
+    template <class Condition> bool becomes(Condition condition)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!condition() && timer.elapsed() < 5000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        return condition();
+    }
+
+    /// The bus of all tests here: QtDBus keeps the process's connection to it.
+    class PrivateBus {
+    public:
+        PrivateBus()
+        {
+            const auto address = "unix:path=" + (directory / "bus").string();
+            std::ofstream{directory / "bus.conf"} << "<busconfig><type>system</type><listen>" << address << "</listen>"
+                                                  << "<servicedir>" << directory.path().string()
+                                                  << "</servicedir><policy context=\"default\">"
+                                                  << "<allow own=\"*\"/><allow send_destination=\"*\"/><allow "
+                                                     "receive_sender=\"*\"/></policy></busconfig>";
+            std::ofstream{directory / "helper.service"}
+                << "[D-BUS Service]\nName=app.vespra.Helper\nUser=root\nExec=" << HELPER_UNDER_TEST << " "
+                << (directory / "state").string() << " 2 60\n";
+            qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(address));
+            const auto configuration = QString::fromStdString("--config-file=" + (directory / "bus.conf").string());
+            daemon.start("dbus-daemon", {"--nofork", "--nopidfile", "--print-address", configuration});
+            // A connection that failed once would be kept.
+            if (!daemon.waitForReadyRead(5000))
+                ADD_FAILURE() << "no bus";
+            mock.start("/usr/bin/python3", {"-B", MOCK_SYSTEM});
+            if (!becomes([] { return dbus::isOwned(dbus::systemBus(), "app.vespra.Mock"); }))
+                ADD_FAILURE() << "no mock";
+        }
+        ~PrivateBus()
+        {
+            for (auto* process : {&mock, &daemon}) {
+                process->kill();
+                process->waitForFinished();
+            }
+        }
+
+        static QByteArray ask(const QString& method, const QVariantList& arguments = {})
+        {
+            const dbus::Target target{"app.vespra.Mock", "/mock", "app.vespra.Mock"};
+            const auto reply = dbus::systemBus().call(target.method(method, arguments));
+            return reply.arguments().value(0).toString().toUtf8();
+        }
+        static void set(const char* json) { ask("Set", {QString::fromUtf8(json)}); }
+        static bool isHeld() { return ask("Get").contains("handle-lid-switch"); }
+
+    private:
+        TemporaryDirectory directory;
+        QProcess daemon;
+        QProcess mock;
+    };
+
+    class LinuxAdaptersTest : public testing::Test {
+    protected:
+        static void SetUpTestSuite()
+        {
+            static int count = 1;
+            static char name[] = "tests";
+            static char* names[] = {name, nullptr};
+            application = std::make_unique<QCoreApplication>(count, names);
+            bus = std::make_unique<PrivateBus>();
+        }
+        static void TearDownTestSuite()
+        {
+            bus.reset();
+            application.reset();
+        }
+        void SetUp() override { PrivateBus::set(R"({"polkit": "allow", "hasLid": true})"); }
+
+        void launch()
+        {
+            controller.emplace(coordinator,
+                ClosedLidEnvironment{*helper.service, helper.connect, *helper.facts, *helper.power, tasks, mainLoop});
+        }
+        bool shows(HelperStatus status)
+        {
+            return becomes([&] { return coordinator.conditions().helper == status; });
+        }
+
+        static inline std::unique_ptr<QCoreApplication> application;
+        static inline std::unique_ptr<PrivateBus> bus;
+        QtMainLoop mainLoop;
+        TimerfdTaskScheduler tasks;
+        TimerfdDeadlineScheduler deadlines;
+        SystemClock clock;
+        FakePowerSource source;
+        FakeThermal thermal;
+        SessionCoordinator coordinator{
+            {}, Calendar::current(), {clock, deadlines, source, thermal}, helper::NotInstalled{}};
+        PlatformHelper helper = makeLinuxHelper();
+        std::optional<ClosedLidController> controller;
+    };
+
+    TEST_F(LinuxAdaptersTest, AClosedLidSessionHoldsTheLockFromStartToEnd)
+    {
+        launch();
+        ASSERT_TRUE(shows(helper::Ready{}));
+        ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
+        ASSERT_TRUE(becomes([this] { return coordinator.conditions().lidSleepDisabled; }));
+        EXPECT_TRUE(PrivateBus::isHeld());
+        coordinator.stop(end::StoppedByUser{});
+        EXPECT_TRUE(becomes([this] { return !coordinator.conditions().lidSleepDisabled; }));
+        EXPECT_FALSE(PrivateBus::isHeld());
+    }
+
+    TEST_F(LinuxAdaptersTest, QuittingWaitsForTheLockToGo)
+    {
+        launch();
+        ASSERT_TRUE(shows(helper::Ready{}));
+        ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
+        ASSERT_TRUE(becomes([] { return PrivateBus::isHeld(); }));
+        ASSERT_TRUE(becomes([this] { return controller->isApplied(); }));
+        controller->restoreBeforeQuit(2s);
+        EXPECT_FALSE(controller->isApplied());
+        EXPECT_TRUE(becomes([] { return !PrivateBus::isHeld(); }));
+    }
+
+    TEST_F(LinuxAdaptersTest, TheEndOfAConnectionLetsGo)
+    {
+        auto connection = helper.connect();
+        std::optional<std::expected<HelperRefusal, HelperUnreachable>> reply;
+        connection->enableClosedLid([&](const auto& answer) { reply = answer; });
+        ASSERT_TRUE(becomes([&] { return reply.has_value(); }));
+        EXPECT_EQ(**reply, HelperRefusal{});
+        EXPECT_TRUE(PrivateBus::isHeld());
+        connection.reset();
+        EXPECT_TRUE(becomes([] { return !PrivateBus::isHeld(); }));
+    }
+
+    TEST_F(LinuxAdaptersTest, TellsRefusalsFromAnUnreachableHelper)
+    {
+        PrivateBus::set(R"({"polkit": "deny"})");
+        const auto connection = helper.connect();
+        std::optional<std::expected<HelperRefusal, HelperUnreachable>> reply;
+        connection->enableClosedLid([&](const auto& answer) { reply = answer; });
+        ASSERT_TRUE(becomes([&] { return reply.has_value(); }));
+        ASSERT_TRUE(reply->has_value());
+        EXPECT_EQ(**reply, HelperRefusal{"polkit ne l'autorise pas"});
+    }
+
+    TEST_F(LinuxAdaptersTest, ShowsWhatUPowerAndPolkitSay)
+    {
+        struct Row {
+            const char* machine;
+            HelperStatus shown;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {R"({"hasLid": false})", helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay}},
+                 {R"({"hasLid": true, "polkit": "ask"})", helper::AwaitingApproval{}},
+                 {R"({"polkit": "deny"})", helper::Failed{}},
+                 {R"({"polkit": "broken"})", helper::Ready{}},
+             }) {
+            SCOPED_TRACE(row.machine);
+            PrivateBus::set(row.machine);
+            launch();
+            EXPECT_TRUE(shows(row.shown));
+        }
+    }
+
+    TEST_F(LinuxAdaptersTest, SleepsAndShutsDownThroughLogind)
+    {
+        int done = 0;
+        const auto count = [&](const std::expected<void, std::string>& result) { done += result.has_value(); };
+        helper.power->sleepNow(count);
+        helper.power->shutDown(count);
+        ASSERT_TRUE(becomes([&] { return done == 2; }));
+        const auto deeds = PrivateBus::ask("Get");
+        EXPECT_TRUE(deeds.contains("suspend") && deeds.contains("powerOff")) << deeds.constData();
+    }
+
+} // namespace
+
+} // namespace vespra
