@@ -52,7 +52,6 @@ class Readings(LabTest):
     def test_heat_warns_and_the_session_goes_on(self):
         vespra = self.start()
         self.set(thermal="serious")
-        self.set(ac=1, battery=79)
         self.assertEqual(vespra.stdout.readline().split(".")[0], "Your Mac is running hot")
         self.assertIn("idle:block", self.held())
 

@@ -65,12 +65,12 @@ TEST(BatterySampleFilter, WaitsOnWhileTheSecondLookDisagrees)
     Filtered filtered{battery(80)};
     filtered.filter.sample(battery(10));
     filtered.time.advance(8s);
-    filtered.filter.sample(battery(40));
+    filtered.filter.sample(battery(16)); // 6 points apart
     filtered.time.advance(2s);
     EXPECT_EQ(filtered.believed, battery(80));
-    filtered.filter.sample(battery(36));
+    filtered.filter.sample(battery(21));
     filtered.time.advance(10s);
-    EXPECT_EQ(filtered.believed, battery(36)) << "5 points apart is agreement";
+    EXPECT_EQ(filtered.believed, battery(21)) << "5 points apart is agreement";
 }
 
 TEST(BatterySampleFilter, BelievesTheChargerAtOnce)

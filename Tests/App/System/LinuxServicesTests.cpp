@@ -1,3 +1,4 @@
+#include "App/System/linux/BusProbe.h"
 #include "App/System/linux/LinuxLid.h"
 #include "App/System/linux/LinuxPowerSource.h"
 #include "App/System/linux/LogindSleep.h"
@@ -5,6 +6,7 @@
 #include "App/System/linux/TimerfdScheduler.h"
 #include "App/System/QtMainLoop.h"
 #include "Core/Scheduling/VirtualTime.h"
+#include "HelperProtocol/UnixSocket.h"
 #include "Tests/Support/FakeMonitors.h"
 #include "Tests/Support/MockBus.h"
 #include "Tests/Support/QtApplication.h"
@@ -12,6 +14,7 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
+#include <sys/socket.h>
 
 namespace vespra {
 
@@ -272,6 +275,21 @@ TEST_F(LinuxServices, PowerDoesNotWaitForAUPowerThatHangs)
     EXPECT_EQ(power.snapshot(), PowerSnapshot::desktop());
 }
 
+TEST_F(LinuxServices, ABusThatHangsIsNone)
+{
+    const TemporaryDirectory folder;
+    const auto path = (folder / "bus").string();
+    const auto socket = unixSocket::make(); // it lets others connect, and says nothing
+    const auto address = unixSocket::address(path).value();
+    ASSERT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(socket.get(), 1), 0);
+    const std::string before = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
+    EXPECT_FALSE(openBus(sd_bus_open_system, 20ms));
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", before.c_str(), 1);
+    EXPECT_TRUE(openBus(sd_bus_open_system, 10s));
+}
+
 TEST_F(LinuxServices, LidFollowsUPowerOrElseLogindAndTheDisplays)
 {
     const TemporaryDirectory sysfs;
@@ -321,10 +339,12 @@ TEST_F(LinuxServices, SleepIsDelayedUntilTheEndOfTheSessionHasBeenDealtWith)
     std::vector<std::string> steps;
     sleep.onWillSleep = [&] {
         steps.emplace_back("will sleep");
+        // What the end of the session sets off, and what that does, still happens under the lock.
         loop.post([&] {
-            // What the end of the session sets off still happens under the lock.
-            EXPECT_THAT(bus().held(), ElementsAre("sleep:delay"));
-            steps.emplace_back("dealt with");
+            loop.post([&] {
+                EXPECT_THAT(bus().held(), ElementsAre("sleep:delay"));
+                steps.emplace_back("dealt with");
+            });
         });
     };
     sleep.onDidWake = [&] { steps.emplace_back("did wake"); };
