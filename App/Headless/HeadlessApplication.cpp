@@ -2,6 +2,7 @@
 
 #include "App/Headless/ExitStatus.h"
 #include "App/Headless/SessionReport.h"
+#include "App/Wording/Localized.h"
 #include "App/Wording/SessionWording.h"
 #include "HelperProtocol/Brand.h"
 
@@ -49,7 +50,7 @@ void HeadlessApplication::followSystem()
     coordinator_.updateLid(platform_.lid->isClosedWithoutExternalDisplay());
     platform_.lid->onChange = lifetime_.guard([this](bool closed) { coordinator_.updateLid(closed); });
 
-    assertions_.emplace(Brand::appName() + ": keeping the Mac awake",
+    assertions_.emplace(localized("%1: keeping the Mac awake", {Brand::appName()}),
         Brand::appBundleID(),
         PowerAssertionController::System{
             .assertions = *platform_.assertions,

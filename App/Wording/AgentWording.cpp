@@ -1,0 +1,50 @@
+#include "App/Wording/AgentWording.h"
+
+#include "App/Wording/Localized.h"
+
+namespace vespra {
+
+std::string explanation(AgentEndAction action)
+{
+    switch (action) {
+    case AgentEndAction::letSleep:
+        return localized("The Mac goes back to its usual sleep settings.");
+    case AgentEndAction::sleepNow:
+        return localized("The Mac goes to sleep right away, after a 1-minute countdown you can cancel.");
+    case AgentEndAction::shutDown:
+        break;
+    }
+    return localized("The Mac shuts down after a 1-minute countdown you can cancel. Unsaved work in other apps will be "
+                     "lost.");
+}
+
+std::string notificationBody(AgentEndAction action)
+{
+    switch (action) {
+    case AgentEndAction::letSleep:
+        return localized("Your Mac can go to sleep again.");
+    case AgentEndAction::sleepNow:
+        return localized("The Mac will sleep in 1 minute.");
+    case AgentEndAction::shutDown:
+        break;
+    }
+    return localized("The Mac will shut down in 1 minute. Save your work.");
+}
+
+std::string statusLine(const AgentSession& session)
+{
+    auto name = std::string{displayName(session.agent)};
+    if (const auto folder = session.folderName())
+        name += " (" + *folder + ")";
+    switch (session.activity) {
+    case AgentActivity::working:
+        return localized("%1 is working", {name});
+    case AgentActivity::waitingForApproval:
+        return localized("%1 waits for approval", {name});
+    case AgentActivity::idle:
+        break;
+    }
+    return localized("%1 is idle", {name});
+}
+
+} // namespace vespra

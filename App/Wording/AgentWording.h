@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Core/Agents/AgentPolicy.h"
+#include "Core/Agents/AgentTracker.h"
+
+#include <string>
+
+/// The agents' values in the user's words.
+namespace vespra {
+
+/// What the end action does, under its choice.
+std::string explanation(AgentEndAction action);
+/// The body of the notification that the agents are done.
+std::string notificationBody(AgentEndAction action);
+
+/// "Claude Code (project) is working".
+std::string statusLine(const AgentSession& session);
+
+} // namespace vespra
