@@ -1,6 +1,7 @@
 #include "App/Headless/ExitStatus.h"
 #include "App/Headless/HeadlessApplication.h"
 #include "App/Headless/TerminationSignals.h"
+#include "App/Wording/Translations.h"
 #include "HelperProtocol/Brand.h"
 
 #include <QCoreApplication>
@@ -45,5 +46,7 @@ int main(int argc, char** argv)
     int plainArgumentCount = 1;
     QCoreApplication application{plainArgumentCount, argv};
     QCoreApplication::setApplicationName(QString::fromStdString(Brand::appName()));
+    if (const auto installed = installTranslation(application); !installed)
+        std::fprintf(stderr, "%s\n", installed.error().c_str());
     return runHeadless(application, std::get<HeadlessOptions>(options));
 }

@@ -1,5 +1,6 @@
 #include "App/Agents/AgentIntegration.h"
 #include "App/Agents/HookTexts.h"
+#include "App/Wording/SystemText.h"
 #include "Control/Command.h"
 #include "Core/Scheduling/WallClock.h"
 #include "HelperProtocol/PropertyList.h"
@@ -76,7 +77,7 @@ namespace {
     int report(const HooksArguments& arguments, const std::expected<void, HookSettingsFile::Failure>& result)
     {
         if (!result) {
-            const std::string title{hookTexts::failureTitle}, message{hookTexts::message(result.error())};
+            const std::string title{hookTexts::failureTitle}, message{systemText(hookTexts::message(result.error()))};
             std::fprintf(stderr, "%s\n%s\n", title.c_str(), message.c_str());
             return failed;
         }

@@ -109,7 +109,7 @@ void HeadlessApplication::followSystem()
     coordinator_.updateLid(platform_.lid->isClosedWithoutExternalDisplay());
     platform_.lid->onChange = lifetime_.guard([this](bool closed) { coordinator_.updateLid(closed); });
 
-    assertions_.emplace(Brand::appName() + ": keeping the Mac awake",
+    assertions_.emplace(localized("%1: keeping the Mac awake", {Brand::appName()}),
         Brand::appBundleID(),
         PowerAssertionController::System{
             .assertions = *platform_.assertions,

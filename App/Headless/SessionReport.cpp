@@ -1,6 +1,7 @@
 #include "App/Headless/SessionReport.h"
 
 #include "App/Wording/AgentWording.h"
+#include "App/Wording/Format.h"
 #include "App/Wording/Localized.h"
 #include "App/Wording/SessionWording.h"
 #include "Core/Session/CountdownFormat.h"

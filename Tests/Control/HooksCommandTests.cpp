@@ -1,3 +1,4 @@
+#include "App/Wording/SystemText.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -57,7 +58,7 @@ TEST(HooksCommand, SaysWhatWentWrong)
     const auto title = std::string{"Couldn't change the agent's settings\n"};
     const auto absent = vespractl(home.path(), "connect codex");
     EXPECT_EQ(absent.status, 1);
-    EXPECT_EQ(absent.output, title + "This agent isn't installed on this Mac.\n");
+    EXPECT_EQ(absent.output, title + std::string{systemText("This agent isn't installed on this Mac.")} + "\n");
     const auto unreadable = vespractl(home.path(), "disconnect claude");
     EXPECT_EQ(unreadable.status, 1);
     EXPECT_EQ(unreadable.output,

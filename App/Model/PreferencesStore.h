@@ -1,0 +1,29 @@
+#pragma once
+
+#include "App/Model/UserDefaults.h"
+#include "Core/Session/SessionPreferences.h"
+#include "Core/Session/SessionSettings.h"
+
+/// What the user chose between launches. Every value is read and written whole; one that is missing, of another type or
+/// malformed counts as its default, silently. Without defaults (null) nothing is stored. Main thread only.
+namespace vespra::PreferencesStore {
+
+SessionPreferences load(const UserDefaults* defaults);
+void save(const SessionPreferences& preferences, UserDefaults* defaults);
+
+SessionSettings loadSettings(const UserDefaults* defaults);
+void saveSettings(const SessionSettings& settings, UserDefaults* defaults);
+
+/// Whether a hot machine is heard; by default it is.
+bool playsHeatAlarm(const UserDefaults* defaults);
+void setPlaysHeatAlarm(bool plays, UserDefaults* defaults);
+
+/// By default not.
+bool showsRemainingTimeInMenuBar(const UserDefaults* defaults);
+void setShowsRemainingTimeInMenuBar(bool shows, UserDefaults* defaults);
+
+/// By default not.
+bool didFinishOnboarding(const UserDefaults* defaults);
+void setDidFinishOnboarding(UserDefaults* defaults);
+
+} // namespace vespra::PreferencesStore

@@ -1,0 +1,211 @@
+#include "App/Model/PreferencesStore.h"
+
+#include "App/Model/linux/SettingsFileDefaults.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <fstream>
+#include <limits>
+#include <sys/resource.h>
+
+namespace vespra {
+
+namespace {
+
+    namespace store = PreferencesStore;
+    namespace fs = std::filesystem;
+
+    std::string contents(const fs::path& path)
+    {
+        std::ifstream file{path};
+        return std::string{std::istreambuf_iterator{file}, {}};
+    }
+
+    class Preferences : public testing::Test {
+    protected:
+        Preferences()
+        {
+            SystemLog::redirect([this](const SystemLog::Entry& entry) { log_.emplace_back(entry.message); });
+        }
+        ~Preferences() override { SystemLog::redirect({}); }
+
+        SettingsFileDefaults defaults() const { return SettingsFileDefaults{QString::fromStdString(path_.string())}; }
+        /// What the next launch reads, under another name because one process reads a file once.
+        SettingsFileDefaults nextLaunch()
+        {
+            const auto copy = folder_ / ("launch" + std::to_string(++launches_));
+            fs::copy_file(path_, copy);
+            return SettingsFileDefaults{QString::fromStdString(copy.string())};
+        }
+        /// What another program, or another version, has left under `key`.
+        void leave(const char* key, const QVariant& value) const
+        {
+            QSettings{QString::fromStdString(path_.string()), QSettings::IniFormat}.setValue(QLatin1String{key}, value);
+        }
+        static void expectDefaults(const UserDefaults* defaults)
+        {
+            EXPECT_EQ(store::load(defaults), SessionPreferences{});
+            EXPECT_EQ(store::loadSettings(defaults), SessionSettings{});
+            EXPECT_TRUE(store::playsHeatAlarm(defaults));
+            EXPECT_FALSE(store::showsRemainingTimeInMenuBar(defaults));
+            EXPECT_FALSE(store::didFinishOnboarding(defaults));
+        }
+
+        TemporaryDirectory folder_;
+        fs::path path_ = folder_ / "Vespra/Vespra.ini";
+        int launches_ = 0;
+        std::vector<std::string> log_;
+        const SessionPreferences chosen_{
+            .mode = SessionMode::until,
+            .timerDuration = 5400s,
+            .untilTime = {6, 45},
+            .options = {.keepsDisplayAwake = true, .closedLid = true},
+        };
+        const SessionSettings settings_{
+            .energy = {.requiresACPower = false, .lowBatteryThreshold = 35, .batteryTimeLimit = 5400s},
+            .closedLid = {.continuesOnBattery = true},
+            .agentSafetyCap = 3600s,
+            .agents = {.graceDelay = 0s, .waitingCountsAsFinished = false, .endAction = AgentEndAction::shutDown},
+        };
+    };
+
+    TEST_F(Preferences, AreTheDefaultsAtFirst)
+    {
+        const auto clean = defaults();
+        expectDefaults(&clean);
+        expectDefaults(nullptr);
+        EXPECT_FALSE(fs::exists(path_)) << "reading wrote something";
+    }
+
+    TEST_F(Preferences, ComeBackAtTheNextLaunch)
+    {
+        auto file = defaults();
+        store::save(chosen_, &file);
+        store::saveSettings(settings_, &file);
+        store::setPlaysHeatAlarm(false, &file);
+        store::setShowsRemainingTimeInMenuBar(true, &file);
+        store::setDidFinishOnboarding(&file);
+        const auto next = nextLaunch();
+        EXPECT_EQ(store::load(&next), chosen_);
+        EXPECT_EQ(store::loadSettings(&next), settings_);
+        EXPECT_FALSE(store::playsHeatAlarm(&next));
+        EXPECT_TRUE(store::showsRemainingTimeInMenuBar(&next));
+        EXPECT_TRUE(store::didFinishOnboarding(&next));
+        EXPECT_THAT(log_, testing::IsEmpty());
+    }
+
+    TEST_F(Preferences, ThatCannotBeReadAreTheDefaultsUntilTheNextSave)
+    {
+        const QByteArray wrongMode = R"({"mode":"forever","timerDuration":60,"untilTime":{"hour":1,"minute":1},)"
+                                     R"("options":{"keepsDisplayAwake":true,"closedLid":true}})";
+        for (const QVariant& foreign : std::vector<QVariant>{
+                 QByteArray{"{"}, QByteArray{"[]"}, QByteArray{"\0\xff", 2}, wrongMode, QStringLiteral("{}"), 42}) {
+            SCOPED_TRACE(foreign.toString().toStdString());
+            leave("sessionPreferences", foreign);
+            leave("sessionSettings", foreign == wrongMode ? QByteArray{R"({"agentSafetyCap":"long"})"} : foreign);
+            auto file = defaults();
+            EXPECT_EQ(store::load(&file), SessionPreferences{});
+            EXPECT_EQ(store::loadSettings(&file), SessionSettings{});
+            store::save(chosen_, &file);
+            EXPECT_EQ(store::load(&file), chosen_);
+        }
+    }
+
+    TEST_F(Preferences, TakeNoTextForABoolean)
+    {
+        for (const QVariant& foreign : std::vector<QVariant>{
+                 QStringLiteral("false"), QStringLiteral("true"), QStringLiteral("1"), 0, QByteArray{"bool:false"}}) {
+            SCOPED_TRACE(foreign.toString().toStdString());
+            for (const char* key : {"playsHeatAlarm", "showsRemainingTimeInMenuBar", "didFinishOnboarding"})
+                leave(key, foreign);
+            const auto file = defaults();
+            expectDefaults(&file);
+        }
+    }
+
+    TEST_F(Preferences, OfAFileThatIsNoSettingsFileAreTheDefaults)
+    {
+        fs::create_directory(path_.parent_path());
+        std::ofstream{path_} << "\x7f\nnonsense\n[unclosed\n=\n";
+        auto file = defaults();
+        expectDefaults(&file);
+        store::save(chosen_, &file);
+        const auto next = nextLaunch();
+        EXPECT_EQ(store::load(&next), chosen_);
+        EXPECT_THAT(log_, testing::IsEmpty());
+    }
+
+    TEST_F(Preferences, WithoutAJSONFormAreNotWritten)
+    {
+        auto file = defaults();
+        store::save(chosen_, &file);
+        store::save({.timerDuration = Seconds{std::numeric_limits<double>::infinity()}}, &file);
+        EXPECT_EQ(store::load(&file), chosen_);
+    }
+
+    /// No file can grow while it lasts, as on a full disk.
+    class FullDisk {
+    public:
+        FullDisk()
+        {
+            getrlimit(RLIMIT_FSIZE, &before_);
+            rlimit none = before_;
+            none.rlim_cur = 64;
+            setrlimit(RLIMIT_FSIZE, &none);
+        }
+        ~FullDisk()
+        {
+            setrlimit(RLIMIT_FSIZE, &before_);
+            std::signal(SIGXFSZ, handler_);
+        }
+
+    private:
+        rlimit before_{};
+        void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+    };
+
+    TEST_F(Preferences, StayAsTheyWereOnAFullDisk)
+    {
+        auto file = defaults();
+        store::saveSettings(settings_, &file);
+        const auto before = contents(path_);
+        {
+            const FullDisk full;
+            store::save(chosen_, &file);
+            store::setPlaysHeatAlarm(false, &file);
+        }
+        EXPECT_EQ(contents(path_), before);
+        EXPECT_EQ(log_, std::vector(2, "préférences non enregistrées : " + path_.string()));
+        EXPECT_EQ(store::load(&file), chosen_) << "the running application forgot";
+
+        store::setDidFinishOnboarding(&file);
+        const auto next = nextLaunch();
+        EXPECT_EQ(store::load(&next), chosen_) << "not written once there was room again";
+        EXPECT_EQ(log_.size(), 2u) << "reported although written";
+        EXPECT_EQ(std::distance(fs::directory_iterator{path_.parent_path()}, {}), 1) << "something was left behind";
+    }
+
+    TEST_F(Preferences, WithoutAPlaceToWriteAreKeptInMemory)
+    {
+        std::ofstream{path_.parent_path()} << "in the way";
+        auto file = defaults();
+        store::save(chosen_, &file);
+        EXPECT_EQ(store::load(&file), chosen_);
+        EXPECT_EQ(contents(path_.parent_path()), "in the way");
+        EXPECT_EQ(log_.size(), 1u);
+    }
+
+    TEST(UserDefaultsFile, StandsInTheConfigurationFolder)
+    {
+        const TemporaryDirectory config;
+        qputenv("XDG_CONFIG_HOME", config.path().c_str());
+        makeUserDefaults()->setBoolean("playsHeatAlarm", false);
+        qunsetenv("XDG_CONFIG_HOME");
+        EXPECT_THAT(contents(config / "Vespra/Vespra.ini"), testing::HasSubstr("playsHeatAlarm=bool:false\n"));
+    }
+
+} // namespace
+
+} // namespace vespra
