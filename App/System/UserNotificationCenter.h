@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vespra {
+
+struct NotificationAction {
+    std::string identifier;
+    std::string title;
+    bool operator==(const NotificationAction&) const = default;
+};
+
+/// A kind of notification with buttons of its own.
+struct NotificationCategory {
+    std::string identifier;
+    std::vector<NotificationAction> actions;
+    bool operator==(const NotificationCategory&) const = default;
+};
+
+struct UserNotification {
+    /// One that is shown under the same identifier gives way to this one.
+    std::string identifier;
+    std::string title;
+    std::string body;
+    /// Empty: no buttons.
+    std::string category;
+    bool operator==(const UserNotification&) const = default;
+};
+
+/// What the user did with a notification.
+struct NotificationResponse {
+    std::string notification;
+    /// The action's identifier; empty when the notification itself was clicked.
+    std::string action;
+    bool operator==(const NotificationResponse&) const = default;
+};
+
+/// Where the user is told of something while no window is open. Nothing here waits for the system. Main thread only.
+class UserNotificationCenter {
+public:
+    virtual ~UserNotificationCenter() = default;
+
+    /// Replaces all categories; to be called before the first notification.
+    virtual void setCategories(std::vector<NotificationCategory> categories) = 0;
+    /// Asks the user where the system wants that, for alerts with a sound.
+    virtual void requestAuthorization() = 0;
+    /// Shows it at once, with the system's default sound, also while the application is in front. A failure is logged.
+    virtual void post(const UserNotification& notification) = 0;
+    /// Takes back those that are still shown.
+    virtual void removeDelivered(const std::vector<std::string>& identifiers) = 0;
+
+    std::function<void(const NotificationResponse&)> onResponse;
+};
+
+} // namespace vespra
