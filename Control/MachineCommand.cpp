@@ -105,7 +105,7 @@ void addMachineCommand(CLI::App& vespractl, int& exitStatus)
 
     auto* getting = command->add_subcommand("get", "Prints the state of the laptop");
     const auto asJSON = std::make_shared<bool>(false);
-    getting->add_flag("--json", *asJSON, "As JSON, with what holds the laptop awake");
+    getting->add_flag("--json", *asJSON, "As JSON, with what holds the laptop awake and what it shows");
     getting->callback([asJSON, &exitStatus] { exitStatus = get(*asJSON); });
 }
 

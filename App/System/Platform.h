@@ -7,8 +7,10 @@
 #include "App/System/MachineFacts.h"
 #include "App/System/PowerAssertionBackend.h"
 #include "App/System/SessionFollowing.h"
+#include "App/System/SoundPlayer.h"
 #include "App/System/SystemPower.h"
 #include "App/System/SystemSleepObserving.h"
+#include "App/System/UserNotificationCenter.h"
 #include "Core/RawValue.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
 #include "Core/Scheduling/MainLoop.h"
@@ -69,6 +71,9 @@ struct Platform {
     std::unique_ptr<PowerAssertionBackend> assertions;
     std::unique_ptr<DisplayControl> display;
     std::unique_ptr<SessionFollowing> session;
+    std::unique_ptr<UserNotificationCenter> notifications;
+    /// Of the heat alarm.
+    std::unique_ptr<SoundPlayer> alarm;
     PlatformHelper helper;
     /// Steers `machine` from outside.
     std::shared_ptr<MachineSocket> machineSocket;

@@ -1,6 +1,7 @@
 #include "App/System/SystemPlatform.h"
 
 #include "App/System/linux/Desktop.h"
+#include "App/System/linux/DesktopNotifications.h"
 #include "App/System/linux/LinuxAssertions.h"
 #include "App/System/linux/LinuxDisplay.h"
 #include "App/System/linux/LinuxHelper.h"
@@ -9,9 +10,11 @@
 #include "App/System/linux/LinuxThermal.h"
 #include "App/System/linux/Logind.h"
 #include "App/System/linux/LogindSleep.h"
+#include "App/System/linux/ProcessSoundPlayer.h"
 #include "App/System/linux/SessionInhibitor.h"
 #include "App/System/linux/TimerfdScheduler.h"
 #include "App/System/QtMainLoop.h"
+#include "App/System/ResourceFile.h"
 #include "HelperProtocol/Brand.h"
 
 namespace vespra {
@@ -24,6 +27,7 @@ namespace {
     constexpr auto display = PowerAssertionType::preventUserIdleDisplaySleep;
 
     SystemLog assertionsLog() { return {Brand::appBundleID(), "assertions"}; }
+    SystemLog notificationsLog() { return {Brand::appBundleID(), "notifications"}; }
     QString application() { return QString::fromStdString(Brand::appName()); }
 
     std::unique_ptr<LogindLock> logindLock(const char* what, const char* mode, TaskScheduling& tasks)
@@ -151,6 +155,12 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.assertions = own(members->assertions, std::make_unique<LinuxAssertions>(means(tasks)));
     platform.display = std::make_unique<LinuxDisplay>(tasks, assertionsLog());
     platform.session = std::make_unique<LinuxSession>(*members);
+    platform.notifications = std::make_unique<DesktopNotifications>(
+        application(), QString::fromStdString(Brand::appBundleID()), notificationsLog());
+    platform.alarm = std::make_unique<ProcessSoundPlayer>(resourceFile(heatAlarmSound),
+        ProcessSoundPlayer::systemPrograms(),
+        *platform.time.mainLoop,
+        notificationsLog());
     platform.helper = makeLinuxHelper();
     return platform;
 }

@@ -3,8 +3,11 @@
 #include "App/System/DisplayControl.h"
 #include "App/System/LidMonitoring.h"
 #include "App/System/PowerAssertionBackend.h"
+#include "App/System/SoundPlayer.h"
 #include "App/System/SystemSleepObserving.h"
+#include "App/System/UserNotificationCenter.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
+#include "Core/Scheduling/MainLoop.h"
 #include "Core/Scheduling/PowerSourceMonitoring.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Core/Scheduling/ThermalMonitoring.h"
@@ -24,5 +27,7 @@ std::unique_ptr<LidMonitoring> makeLidMonitor();
 std::unique_ptr<SystemSleepObserving> makeSystemSleepObserver();
 std::unique_ptr<PowerAssertionBackend> makeIOKitAssertions();
 std::unique_ptr<DisplayControl> makeMacDisplay();
+std::unique_ptr<UserNotificationCenter> makeMacNotificationCenter(MainLoop& mainLoop);
+std::unique_ptr<SoundPlayer> makeMacSoundPlayer(MainLoop& mainLoop);
 
 } // namespace vespra

@@ -47,6 +47,8 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.assertions = makeIOKitAssertions();
     platform.display = makeMacDisplay();
     platform.session = std::make_unique<MacSession>();
+    platform.notifications = makeMacNotificationCenter(*platform.time.mainLoop);
+    platform.alarm = makeMacSoundPlayer(*platform.time.mainLoop);
     platform.helper = makeMacHelper(*platform.time.mainLoop);
     return platform;
 }

@@ -33,6 +33,19 @@ namespace {
         return settings;
     }
 
+    JSON shown(const SimulatedMachine& machine)
+    {
+        auto all = JSON::array();
+        for (const auto& [identifier, title, body, actions] : machine.notifications()) {
+            auto buttons = JSON::array();
+            for (const auto& action : actions)
+                buttons.push_back({{"identifier", action.identifier}, {"title", action.title}});
+            all.push_back(
+                {{"identifier", identifier}, {"title", title}, {"body", body}, {"actions", std::move(buttons)}});
+        }
+        return all;
+    }
+
 } // namespace
 
 std::string request(const MachineSettings& settings) { return text({{"set", object(settings)}}); }
@@ -46,7 +59,10 @@ std::string answer(SimulatedMachine& machine, std::string_view request)
     auto held = JSON::array();
     for (const auto& [id, assertion] : machine.assertions())
         held.push_back({{"type", assertion.type}, {"name", assertion.name}});
-    return text({{"machine", object(machine.get())}, {"held", held}});
+    return text({{"machine", object(machine.get())},
+        {"held", held},
+        {"notifications", shown(machine)},
+        {"alarms", machine.alarms()}});
 }
 
 std::string defaultPath() { return Brand::applicationSupportDirectory() + "/machine.sock"; }

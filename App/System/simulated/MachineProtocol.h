@@ -11,7 +11,9 @@ namespace vespra::machineProtocol {
 std::string request(const MachineSettings& settings);
 
 /// Carries out a request and answers with what is then in force: {"machine":{"battery":"57", ...},
-/// "held":[{"type":"PreventUserIdleSystemSleep","name":"..."}]}; or {"error":"..."}, and nothing has changed.
+/// "held":[{"type":"PreventUserIdleSystemSleep","name":"..."}], "notifications":[{"identifier":"session.endingSoon",
+/// "title":"...","body":"...","actions":[{"identifier":"session.extend","title":"..."}]}],"alarms":0}, where "alarms"
+/// is how often the alarm has sounded; or {"error":"..."}, and nothing has changed.
 std::string answer(SimulatedMachine& machine, std::string_view request);
 
 /// "machine.sock" in the support folder.

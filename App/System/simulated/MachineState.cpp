@@ -63,11 +63,20 @@ namespace {
         return value == "now";
     }
 
+    /// The notification, and behind a slash the button; without one the notification itself is clicked.
+    bool setPress(MachineChange& change, std::string_view value)
+    {
+        const auto slash = value.find('/');
+        const auto action = slash == std::string_view::npos ? std::string_view{} : value.substr(slash + 1);
+        change.response = {.notification = std::string{value.substr(0, slash)}, .action = std::string{action}};
+        return !change.response->notification.empty() && (slash == std::string_view::npos || !action.empty());
+    }
+
     using Change = MachineChange;
     using State = MachineState;
     using Text = std::string_view;
 
-    constexpr std::array<Key, 8> keys{{
+    constexpr std::array<Key, 9> keys{{
         {"battery",
             "0..100|none",
             setBattery,
@@ -99,6 +108,7 @@ namespace {
             setHelper,
             [](const State& state) { return std::string{rawValue(state.helper)}; }},
         {"sleep", "now", setSleep, nullptr},
+        {"press", "NOTIFICATION[/ACTION]", setPress, nullptr},
     }};
 
 } // namespace

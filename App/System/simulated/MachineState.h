@@ -1,6 +1,7 @@
 #pragma once
 
 #include "App/System/simulated/SimulatedHelperMode.h"
+#include "App/System/UserNotificationCenter.h"
 #include "Core/Energy/PowerSnapshot.h"
 #include "Core/Energy/ThermalLevel.h"
 
@@ -35,6 +36,8 @@ struct MachineChange {
     MachineState state;
     /// The machine is to sleep and wake up again, once the state is in force.
     bool sleepsNow = false;
+    /// What the user does with a notification, last of all.
+    std::optional<NotificationResponse> response{};
 };
 
 /// What `settings` make of `state`; the last of equal keys counts. Fails with a sentence that names the key and says

@@ -2,6 +2,7 @@
 
 #include "App/System/Reading.h"
 #include "App/System/simulated/SimulatedHelper.h"
+#include "App/System/simulated/SimulatedNotifications.h"
 #include "App/System/SystemPlatform.h"
 
 namespace vespra {
@@ -193,6 +194,8 @@ Platform makeSimulatedPlatform()
     platform.assertions = std::make_unique<SimulatedAssertions>(machine);
     platform.display = std::make_unique<SimulatedDisplay>(machine);
     platform.session = std::make_unique<SimulatedSession>();
+    platform.notifications = std::make_unique<SimulatedNotifications>(machine);
+    platform.alarm = std::make_unique<SimulatedAlarm>(machine, *platform.time.mainLoop, *platform.time.tasks);
     platform.helper = makeSimulatedHelper(machine, *platform.time.mainLoop);
     return platform;
 }

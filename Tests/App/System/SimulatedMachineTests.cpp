@@ -1,8 +1,11 @@
 #include "App/System/Platform.h"
 #include "App/System/SessionMarker.h"
 #include "App/System/simulated/MachineProtocol.h"
+#include "App/System/simulated/SimulatedNotifications.h"
 #include "App/System/simulated/SimulatedPlatform.h"
+#include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/FakeMonitors.h"
+#include "Tests/Support/ManualMainLoop.h"
 #include "Tests/Support/QtApplication.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -46,7 +49,10 @@ TEST(MachineSettings, RefuseWhatTheyDoNotTake)
              {"display", "two"},
              {"thermal", "hot"},
              {"helper", "Ready"},
-             {"sleep", "later"}}) {
+             {"sleep", "later"},
+             {"press", ""},
+             {"press", "/session.extend"},
+             {"press", "session.endingSoon/"}}) {
         const auto change = changed({}, {{"lid", "closed"}, {key, value}});
         ASSERT_FALSE(change) << key << "=" << value;
         EXPECT_THAT(change.error(), HasSubstr(key + " takes "));
@@ -61,9 +67,13 @@ TEST(MachineProtocol, AnswersWithWhatIsInForceAndHeld)
 {
     SimulatedMachine machine;
     machine.hold({"activity", "reason"});
+    machine.show({"id", "Title", "Body", {{"id.act", "Act"}}});
+    machine.soundAlarm();
     EXPECT_EQ(machineProtocol::answer(machine, machineProtocol::request({{"battery", "12"}})),
         R"({"machine":{"battery":"12","charger":"on","lid":"open","display":"internal","screen":"on",)"
-        R"("thermal":"nominal","helper":"notInstalled"},"held":[{"type":"activity","name":"reason"}]})");
+        R"("thermal":"nominal","helper":"notInstalled"},"held":[{"type":"activity","name":"reason"}],)"
+        R"("notifications":[{"identifier":"id","title":"Title","body":"Body",)"
+        R"("actions":[{"identifier":"id.act","title":"Act"}]}],"alarms":1})");
 }
 
 TEST(MachineProtocol, ChangesNothingOnABadRequest)
@@ -120,6 +130,57 @@ TEST(SimulatedPlatform, TellsOfSleepAndOfADisplayThatComesOn)
     EXPECT_FALSE(platform.machine->state().isScreenOn);
     EXPECT_TRUE(platform.machine->set({{"screen", "on"}, {"sleep", "now"}}));
     EXPECT_THAT(told, ElementsAre("screens woke", "will sleep", "did wake"));
+}
+
+TEST(SimulatedPlatform, ShowsNotificationsUntilTheUserAnswersOrTheyAreTakenBack)
+{
+    const QtApplication application;
+    auto platform = makeSimulatedPlatform();
+    auto& machine = *platform.machine;
+    std::vector<std::string> told;
+    machine.onNotification = [&](const auto& shown) { told.push_back("shown " + shown.title); };
+    platform.notifications->onResponse
+        = [&](const NotificationResponse& response) { told.push_back(response.notification + "/" + response.action); };
+    platform.notifications->setCategories({{"category", {{"act", "Act"}}}});
+    platform.notifications->post({"a", "A", "", "category"});
+    platform.notifications->post({"b", "B", "", "unknown category"});
+    platform.notifications->post({"b", "B again", "", "category"});
+    platform.notifications->post({"c", "C", ""});
+    EXPECT_THAT(std::exchange(told, {}), ElementsAre("shown A", "shown B", "shown B again", "shown C"));
+    EXPECT_THAT(machine.notifications(),
+        ElementsAre(SimulatedMachine::ShownNotification{"a", "A", "", {{"act", "Act"}}},
+            SimulatedMachine::ShownNotification{"b", "B again", "", {{"act", "Act"}}},
+            SimulatedMachine::ShownNotification{"c", "C", "", {}}));
+
+    for (const auto* absent : {"d", "d/act", "a/other", "c/act"}) {
+        EXPECT_FALSE(machine.set({{"press", absent}, {"lid", "closed"}})) << absent;
+        EXPECT_FALSE(machine.state().isLidClosed) << "half of it was done";
+    }
+    EXPECT_TRUE(machine.set({{"press", "a/act"}}));
+    EXPECT_TRUE(machine.set({{"press", "c"}}));
+    EXPECT_THAT(told, ElementsAre("a/act", "c/"));
+    platform.notifications->removeDelivered({"a", "b"});
+    EXPECT_THAT(machine.notifications(), IsEmpty());
+    EXPECT_FALSE(machine.set({{"press", "b"}})) << "it has been taken back";
+}
+
+TEST(SimulatedAlarm, TellsTheEndOfEachPlayOnceAndLater)
+{
+    VirtualTime time;
+    ManualMainLoop mainLoop;
+    const auto machine = std::make_shared<SimulatedMachine>();
+    SimulatedAlarm alarm{machine, mainLoop, time};
+    std::vector<std::string> told;
+    for (const auto* play : {"first", "second", "third"})
+        alarm.play([&told, play] { told.emplace_back(play); });
+    EXPECT_THAT(told, IsEmpty()) << "not in a later turn";
+    mainLoop.run();
+    EXPECT_THAT(told, ElementsAre("first", "second"));
+    time.advance(5s);
+    alarm.stop();
+    mainLoop.run();
+    EXPECT_THAT(told, ElementsAre("first", "second", "third"));
+    EXPECT_EQ(machine->alarms(), 3);
 }
 
 TEST(SessionMarker, ShowsASessionExactlyWhileItRuns)

@@ -1,0 +1,244 @@
+#include "App/System/linux/DesktopNotifications.h"
+
+#include "Core/Lifetime.h"
+#include "Core/Scheduling/MainThread.h"
+
+#include <algorithm>
+
+namespace vespra {
+
+namespace {
+
+    /// As long as the bus itself gives a service to start.
+    constexpr int activationTimeout = 25000; // milliseconds
+    /// Servers that hide notifications by themselves leave buttons this long: a countdown can be cancelled to its end.
+    constexpr int buttonsStay = 60000; // milliseconds
+    constexpr int serverDecides = -1;
+    constexpr int mostFailures = 2;
+
+    const QString clickAction = QStringLiteral("default");
+
+    dbus::Target service()
+    {
+        return {QStringLiteral("org.freedesktop.Notifications"),
+            QStringLiteral("/org/freedesktop/Notifications"),
+            QStringLiteral("org.freedesktop.Notifications")};
+    }
+
+    /// The same object of one process, which another one that comes after it is not.
+    dbus::Target objectOf(const QString& server)
+    {
+        auto target = service();
+        target.service = server;
+        return target;
+    }
+
+    void close(const QString& server, unsigned id)
+    {
+        dbus::sessionBus().send(objectOf(server).method(QStringLiteral("CloseNotification"), {id}));
+    }
+
+    auto isFor(const std::string& identifier)
+    {
+        return [&identifier](const auto& order) { return order.notification.identifier == identifier; };
+    }
+
+    QString text(const std::string& string) { return QString::fromStdString(string); }
+
+} // namespace
+
+DesktopNotifications::DesktopNotifications(QString application, QString desktopEntry, SystemLog log)
+    : application_{std::move(application)}
+    , desktopEntry_{std::move(desktopEntry)}
+    , log_{std::move(log)}
+    , owner_{dbus::sessionBus(), service().service, [this](bool owned) { ownerChanged(owned); }}
+    , actionInvoked_{dbus::sessionBus(),
+          service(),
+          QStringLiteral("ActionInvoked"),
+          [this](const QDBusMessage& signal) { actionInvoked(signal); }}
+    , closed_{dbus::sessionBus(), service(), QStringLiteral("NotificationClosed"), [this](const QDBusMessage& signal) {
+                  closed(signal);
+              }}
+{
+}
+
+void DesktopNotifications::setCategories(std::vector<NotificationCategory> categories)
+{
+    categories_ = std::move(categories);
+}
+
+void DesktopNotifications::post(const UserNotification& notification)
+{
+    mainThread::check();
+    std::erase_if(waiting_, isFor(notification.identifier));
+    waiting_.push_back({.notification = notification});
+    deliver();
+}
+
+void DesktopNotifications::removeDelivered(const std::vector<std::string>& identifiers)
+{
+    mainThread::check();
+    for (const auto& identifier : identifiers) {
+        std::erase_if(waiting_, isFor(identifier));
+        remove(identifier);
+    }
+}
+
+void DesktopNotifications::remove(const std::string& identifier)
+{
+    auto removed = shown_.extract(identifier);
+    if (removed.empty())
+        return;
+    auto& shown = removed.mapped();
+    if (shown.id)
+        close(shown.server, *shown.id);
+    else
+        unwanted_.push_back(std::move(shown.question));
+}
+
+void DesktopNotifications::deliver()
+{
+    if (!server_)
+        return ask();
+    for (const auto& order : std::exchange(waiting_, {}))
+        send(order);
+}
+
+void DesktopNotifications::ask()
+{
+    if (question_)
+        return;
+    auto message = service().method(QStringLiteral("GetCapabilities"));
+    message.setAutoStartService(true);
+    question_ = dbus::call(
+        dbus::sessionBus(), message, activationTimeout, [this](const QDBusMessage& reply) { received(reply); });
+}
+
+void DesktopNotifications::received(const QDBusMessage& reply)
+{
+    question_.reset();
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return failed(reply, std::exchange(waiting_, {}));
+    server_ = Server{reply.service(), reply.arguments().value(0).toStringList()};
+    deliver();
+}
+
+void DesktopNotifications::send(const Order& order)
+{
+    const auto& identifier = order.notification.identifier;
+    unsigned replaced = 0;
+    const auto old = shown_.find(identifier);
+    if (old != shown_.end() && old->second.server == server_->name && old->second.id)
+        replaced = *old->second.id;
+    else
+        remove(identifier);
+    const int number = ++lastNumber_;
+    auto& shown = shown_[identifier];
+    shown = {.server = server_->name, .number = number};
+    shown.question = dbus::call(dbus::sessionBus(),
+        objectOf(server_->name).method(QStringLiteral("Notify"), arguments(order.notification, replaced)),
+        dbus::untilAnswered,
+        [this, order, number](const QDBusMessage& reply) { sent(order, number, reply); });
+}
+
+void DesktopNotifications::sent(const Order& order, int number, const QDBusMessage& reply)
+{
+    const bool isShown = reply.type() == QDBusMessage::ReplyMessage;
+    const auto id = reply.arguments().value(0).toUInt();
+    const auto found = shown_.find(order.notification.identifier);
+    if (found == shown_.end() || found->second.number != number) {
+        std::erase_if(unwanted_, [](const dbus::Call& call) { return call->isFinished(); });
+        if (isShown)
+            close(reply.service(), id);
+        return;
+    }
+    if (!isShown) {
+        shown_.erase(found);
+        server_.reset();
+        return failed(reply, {order});
+    }
+    hasLoggedFailure_ = false;
+    found->second.question.reset();
+    found->second.id = id;
+}
+
+/// Once more, for the server may have crashed under the question; the bus starts it again.
+void DesktopNotifications::failed(const QDBusMessage& error, std::vector<Order> orders)
+{
+    for (auto& order : orders)
+        if (std::ranges::any_of(waiting_, isFor(order.notification.identifier)))
+            continue; // a newer one takes its place
+        else if (++order.failures < mostFailures)
+            waiting_.push_back(order);
+        else if (!std::exchange(hasLoggedFailure_, true))
+            log_.error("Notification impossible : " + error.errorName().toStdString() + " "
+                + error.errorMessage().toStdString());
+    if (!waiting_.empty())
+        ask();
+}
+
+void DesktopNotifications::ownerChanged(bool owned)
+{
+    server_.reset();
+    std::erase_if(shown_, [](const auto& each) { return each.second.id.has_value(); });
+    if (!owned)
+        return;
+    question_.reset();
+    if (!waiting_.empty())
+        ask();
+}
+
+QVariantList DesktopNotifications::arguments(const UserNotification& notification, unsigned replaced) const
+{
+    const auto& capabilities = server_->capabilities;
+    const auto body = text(notification.body);
+    const auto actions = capabilities.contains(QStringLiteral("actions")) ? buttons(notification) : QStringList{};
+    QVariantMap hints{
+        {QStringLiteral("desktop-entry"), desktopEntry_},
+        {QStringLiteral("urgency"), QVariant::fromValue<uchar>(1)},
+    };
+    if (capabilities.contains(QStringLiteral("sound")))
+        hints[QStringLiteral("sound-name")] = QStringLiteral("message-new-instant");
+    constexpr auto icon = ""; // that of the desktop entry
+    return {application_,
+        replaced,
+        QString::fromLatin1(icon),
+        text(notification.title),
+        capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body,
+        actions,
+        hints,
+        actions.isEmpty() ? serverDecides : buttonsStay};
+}
+
+/// Each button's key and title.
+QStringList DesktopNotifications::buttons(const UserNotification& notification) const
+{
+    QStringList buttons;
+    const auto category = std::ranges::find(categories_, notification.category, &NotificationCategory::identifier);
+    if (category != categories_.end())
+        for (const auto& action : category->actions)
+            buttons << text(action.identifier) << text(action.title);
+    if (!notification.clickTitle.empty())
+        buttons << clickAction << text(notification.clickTitle);
+    return buttons;
+}
+
+std::string DesktopNotifications::identifier(const QDBusMessage& signal) const
+{
+    const auto id = signal.arguments().value(0).toUInt();
+    const auto found = std::ranges::find_if(shown_, [&](const auto& each) { return each.second.id == id; });
+    return found == shown_.end() ? std::string{} : found->first;
+}
+
+void DesktopNotifications::actionInvoked(const QDBusMessage& signal)
+{
+    const auto notification = identifier(signal);
+    const auto action = signal.arguments().value(1).toString();
+    if (!notification.empty())
+        notify(onResponse,
+            NotificationResponse{notification, action == clickAction ? std::string{} : action.toStdString()});
+}
+
+void DesktopNotifications::closed(const QDBusMessage& signal) { shown_.erase(identifier(signal)); }
+
+} // namespace vespra

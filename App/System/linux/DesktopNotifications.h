@@ -1,0 +1,80 @@
+#pragma once
+
+#include "App/System/linux/DBus.h"
+#include "App/System/SystemLog.h"
+#include "App/System/UserNotificationCenter.h"
+
+#include <map>
+
+namespace vespra {
+
+/// The notification service of the desktop. It is started if need be, with the first notification; it may crash and
+/// come back, and what is shown then is forgotten.
+class DesktopNotifications final : public UserNotificationCenter {
+public:
+    /// `desktopEntry`: the name of the application's desktop file, without its ending.
+    DesktopNotifications(QString application, QString desktopEntry, SystemLog log);
+
+    void setCategories(std::vector<NotificationCategory> categories) override;
+    /// Nobody asks here.
+    void requestAuthorization() override { }
+    void post(const UserNotification& notification) override;
+    void removeDelivered(const std::vector<std::string>& identifiers) override;
+
+private:
+    /// The process that owns the service's name.
+    struct Server {
+        QString name;
+        QStringList capabilities;
+    };
+    /// A notification that is to be shown.
+    struct Order {
+        UserNotification notification;
+        int failures = 0;
+    };
+    /// One that is shown, or about to be.
+    struct Shown {
+        QString server;
+        /// The server's number for it; absent until it has answered.
+        std::optional<unsigned> id;
+        dbus::Call question;
+        int number;
+    };
+
+    void deliver();
+    void ask();
+    void received(const QDBusMessage& reply);
+    void send(const Order& order);
+    void sent(const Order& order, int number, const QDBusMessage& reply);
+    void failed(const QDBusMessage& error, std::vector<Order> orders);
+    void ownerChanged(bool owned);
+    void remove(const std::string& identifier);
+
+    QVariantList arguments(const UserNotification& notification, unsigned replaced) const;
+    QStringList buttons(const UserNotification& notification) const;
+
+    void actionInvoked(const QDBusMessage& signal);
+    void closed(const QDBusMessage& signal);
+    /// Empty if it is none of ours.
+    std::string identifier(const QDBusMessage& signal) const;
+
+    QString application_;
+    QString desktopEntry_;
+    SystemLog log_;
+    bool hasLoggedFailure_ = false;
+    std::vector<NotificationCategory> categories_;
+    std::optional<Server> server_;
+    /// What the server can do is being asked.
+    dbus::Call question_;
+    std::vector<Order> waiting_;
+    /// By identifier.
+    std::map<std::string, Shown> shown_;
+    /// Nobody wants these any more: what the server makes of them is closed.
+    std::vector<dbus::Call> unwanted_;
+    int lastNumber_ = 0;
+    dbus::NameWatch owner_;
+    dbus::SignalWatch actionInvoked_;
+    dbus::SignalWatch closed_;
+};
+
+} // namespace vespra
