@@ -29,7 +29,7 @@ int runHeadless(QCoreApplication& application, const HeadlessOptions& options)
                                      platform->time.mainLoop->post(
                                          [exitStatus] { QCoreApplication::exit(exitStatus); });
                                  }};
-    const TerminationSignals signals{[&] { headless.terminate(); }};
+    const TerminationSignals termination{[&] { headless.terminate(); }};
     headless.start();
     return application.exec();
 }

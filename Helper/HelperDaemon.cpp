@@ -37,8 +37,11 @@ public:
         withRight(Authorization::Right::closedLid, reply, [this, reply, wish = ++wish_] {
             if (wish != wish_)
                 return reply(HelperRefusal{"la demande a été annulée"});
-            daemon_.shutLid_.cancel();
-            reply(refusal(daemon_.leases_.enable(name_)));
+            const auto enabled = daemon_.leases_.enable(name_);
+            // Only now: a lease that had run out unnoticed has just ended, too.
+            if (enabled)
+                daemon_.shutLid_.cancel();
+            reply(refusal(enabled));
         });
     }
     void heartbeat(HelperReply<bool> reply) override { reply(daemon_.leases_.heartbeat(name_)); }
@@ -98,7 +101,7 @@ HelperDaemon::HelperDaemon(HelperMachine machine, Seconds leaseTimeout)
     const auto changed = lifetime_.guard([this] { notify(onChange); });
     leases_.onRestored = lifetime_.guard([this] { shutLid_.begin(); });
     leases_.onChange = changed;
-    shutLid_.onFinish = changed;
+    shutLid_.onChange = changed;
     if (leases_.hasRecovered())
         shutLid_.begin();
 }

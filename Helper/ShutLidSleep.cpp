@@ -20,6 +20,13 @@ void ShutLidSleep::begin()
 {
     looksLeft_ = mostLooks;
     scheduleLook(firstLook);
+    notify(onChange);
+}
+
+void ShutLidSleep::cancel()
+{
+    next_.reset();
+    notify(onChange);
 }
 
 void ShutLidSleep::scheduleLook(Seconds after)
@@ -31,10 +38,8 @@ void ShutLidSleep::scheduleLook(Seconds after)
 void ShutLidSleep::look()
 {
     const bool hasSlept = tasks_.continuousNow() - due_ > lateness;
-    if (hasSlept || looksLeft_-- == 0 || !power_.shouldSleepForLid()) {
-        next_.reset();
-        return notify(onFinish);
-    }
+    if (hasSlept || looksLeft_-- == 0 || !power_.shouldSleepForLid())
+        return cancel();
     if (const auto asked = power_.suspend(); !asked)
         log_.error("Mise en veille, capot fermé, impossible : " + asked.error());
     scheduleLook(interval);

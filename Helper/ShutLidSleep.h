@@ -20,11 +20,11 @@ public:
 
     void begin();
     /// To be called when the system is about to sleep, too.
-    void cancel() { next_.reset(); }
+    void cancel();
     bool isUnderWay() const { return next_ != nullptr; }
 
-    /// Told when `isUnderWay` has become false by itself.
-    std::function<void()> onFinish;
+    /// Told when `isUnderWay` may have changed.
+    std::function<void()> onChange;
 
 private:
     void scheduleLook(Seconds after);

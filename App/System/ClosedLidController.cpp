@@ -5,6 +5,13 @@
 
 namespace vespra {
 
+namespace {
+
+    /// A limit that is noticed this much too late was slept over.
+    constexpr Seconds lateness = 3s;
+
+} // namespace
+
 ClosedLidController::ClosedLidController(SessionCoordinator& coordinator, ClosedLidEnvironment environment)
     : coordinator_{coordinator}
     , environment_{std::move(environment)}
@@ -44,14 +51,27 @@ void ClosedLidController::send(void (HelperXPCProtocol::*operation)(HelperReply<
 {
     const auto request = std::make_shared<Request>();
     request->giveUp = [handle](const HelperUnreachable& error) { handle(std::unexpected{error}); };
-    request->limit = environment_.tasks.schedule(
-        limit, lifetime_.guard([this] { dropConnection("aucune réponse dans le délai"); }));
+    limitWait(request, limit);
     requests_.push_back(request);
     auto& line = connection();
     (line.*operation)(lifetime_.guard([this, handle, owed = std::weak_ptr{request}](const auto& reply) {
         if (const auto answered = owed.lock(); answered && std::erase(requests_, answered) > 0)
             handle(reply);
     }));
+}
+
+/// A reply that a sleep has held up gets as much time again.
+void ClosedLidController::limitWait(const std::shared_ptr<Request>& request, Seconds limit)
+{
+    const auto due = environment_.tasks.continuousNow() + limit;
+    request->limit
+        = environment_.tasks.schedule(limit, lifetime_.guard([this, limit, due, waiting = std::weak_ptr{request}] {
+              const auto owed = waiting.lock();
+              if (owed && environment_.tasks.continuousNow() - due > lateness)
+                  limitWait(owed, limit);
+              else
+                  dropConnection("aucune réponse dans le délai");
+          }));
 }
 
 void ClosedLidController::setStatus(HelperStatus status)
@@ -191,6 +211,8 @@ void ClosedLidController::doWhatIsWanted()
         apply();
     else if (!wantsApplied_ && isApplied_)
         restore();
+    else if (wantsApplied_ && !heartbeatTask_ && !isQuitting_)
+        scheduleHeartbeat();
 }
 
 void ClosedLidController::apply()
@@ -212,8 +234,6 @@ void ClosedLidController::applied(const std::expected<HelperRefusal, HelperUnrea
     }
     isApplied_ = true;
     setStatus(helper::Ready{});
-    if (wantsApplied_ && !isQuitting_)
-        scheduleHeartbeat();
     doWhatIsWanted();
 }
 

@@ -76,6 +76,7 @@ private:
     /// Sends one request. `handle` gets the reply, or unreachable: after `limit`, or when the connection ends.
     template <class Value, class Handle>
     void send(void (HelperXPCProtocol::*operation)(HelperReply<Value>), Seconds limit, Handle handle);
+    void limitWait(const std::shared_ptr<Request>& request, Seconds limit);
     void fail();
     void unreachable(const HelperUnreachable& error);
     void setStatus(HelperStatus status);

@@ -19,7 +19,7 @@ namespace {
     PowerSnapshot readPower(const JSONSource& source)
     {
         allowOnly(source, {"isOnACPower", "batteryLevel"});
-        PowerSnapshot power{.isOnACPower = source.required("isOnACPower").boolean()};
+        PowerSnapshot power{.isOnACPower = source.required("isOnACPower").boolean(), .batteryLevel = {}};
         if (const auto level = source.optional("batteryLevel"))
             power.batteryLevel = level->integer();
         return power;
@@ -210,6 +210,10 @@ namespace {
         Scenario scenario{
             .calendar = readCalendar(source.optional("timeZone")),
             .start = start ? readDate(*start) : Instant::fromISO8601("2026-01-01T00:00:00Z").value(),
+            .settings = {},
+            .conditions = {},
+            .steps = {},
+            .until = {},
         };
         if (const auto settings = source.optional("settings"))
             scenario.settings = readSessionSettings(*settings);

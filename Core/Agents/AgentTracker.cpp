@@ -69,7 +69,7 @@ void AgentTracker::update(const std::string& id, const AgentEvent& event)
     const auto updated = sessions_.modify([&](std::vector<AgentSession>& sessions) {
         auto session = find(sessions, id);
         if (session == sessions.end())
-            session = sessions.insert(session, {.id = id, .agent = event.agent});
+            session = sessions.insert(session, {.id = id, .agent = event.agent, .cwd = {}, .lastEventAt = {}});
         if (event.cwd)
             session->cwd = event.cwd;
         session->activity = activityAfter(event.signal);

@@ -34,7 +34,8 @@ namespace {
 PowerSnapshot powerSnapshot(
     const std::optional<std::string>& providingSourceType, const std::vector<PowerSourceDescription>& sources)
 {
-    PowerSnapshot snapshot{.isOnACPower = !providingSourceType || *providingSourceType == "AC Power"};
+    PowerSnapshot snapshot{
+        .isOnACPower = !providingSourceType || *providingSourceType == "AC Power", .batteryLevel = {}};
     const auto battery = std::ranges::find_if(sources, isInternalBattery);
     if (battery != sources.end())
         snapshot.batteryLevel = batteryLevel(*battery);

@@ -72,7 +72,12 @@ std::expected<SessionEvents, StartRefusal> SessionMachine::start(
     if (const auto refused = refusal(options, conditions))
         return std::unexpected{*refused};
 
-    ActiveSession session{.plan = plan, .startedAt = now, .options = options};
+    ActiveSession session{.plan = plan,
+        .startedAt = now,
+        .endsAt = {},
+        .options = options,
+        .onBatterySince = {},
+        .closedLidEngagedSince = {}};
     session.planEnd(plannedEnd(plan, now, calendar_), now);
     session.track(conditions, isEngaged(session, conditions), now);
     state_ = session;

@@ -13,6 +13,9 @@ namespace vespra {
 
 namespace {
 
+    /// How long anything but a person may take to answer. Several calls in a row stay within what the watchdog allows.
+    constexpr std::uint64_t replyLimit = 5'000'000; // microseconds
+
     std::expected<std::pair<Event, Bus>, std::string> connect()
     {
         sd_event* loop = nullptr;
@@ -31,6 +34,8 @@ namespace {
         Bus bus{connected};
         if (result >= 0)
             result = sd_bus_set_exit_on_disconnect(connected, 1);
+        if (result >= 0)
+            result = sd_bus_set_method_call_timeout(connected, replyLimit);
         if (result >= 0)
             result = sd_bus_attach_event(connected, loop, SD_EVENT_PRIORITY_NORMAL);
         if (result < 0)

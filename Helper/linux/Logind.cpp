@@ -14,7 +14,6 @@ namespace {
     constexpr auto service = "org.freedesktop.login1";
     constexpr auto path = "/org/freedesktop/login1";
     constexpr auto interface = "org.freedesktop.login1.Manager";
-    constexpr std::uint64_t callTimeout = 5'000'000; // microseconds
 
     /// "sleep" in "shutdown:sleep", and not in "handle-suspend-key".
     bool contains(std::string_view list, std::string_view word)
@@ -43,7 +42,7 @@ std::expected<BusMessage, std::string> LogindManager::send(sd_bus_message& messa
 {
     BusError error;
     sd_bus_message* reply = nullptr;
-    const int sent = sd_bus_call(&bus_, &message, callTimeout, &error.error, &reply);
+    const int sent = sd_bus_call(&bus_, &message, 0, &error.error, &reply);
     if (sent < 0)
         return std::unexpected{std::string{sd_bus_message_get_member(&message)} + " : " + error.description(sent)};
     return BusMessage{reply};

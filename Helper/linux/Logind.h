@@ -7,7 +7,7 @@
 
 namespace vespra {
 
-/// One call to logind's manager. Waits at most five seconds, well within what the watchdog allows.
+/// One call to logind's manager. Waits as long as the bus's own limit says.
 class LogindManager {
 public:
     explicit LogindManager(sd_bus& bus)

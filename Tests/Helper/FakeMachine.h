@@ -17,6 +17,8 @@ public:
     bool isDiskGarbage = false;
     bool isDiskWritable = true;
     bool isSettingStuck = false;
+    /// The daemon, being root, could send the computer to sleep past the setting.
+    bool isSettingForUsersOnly = false;
     bool isLidShut = false;
     std::vector<std::string> deeds;
     std::string denial;
@@ -73,7 +75,7 @@ public:
     }
     HelperResult suspend() override
     {
-        if (isDisabled)
+        if (isDisabled && !isSettingForUsersOnly)
             return std::unexpected{"la veille est désactivée"};
         deeds.push_back("suspend");
         return {};

@@ -27,6 +27,8 @@ namespace {
         void start()
         {
             daemon.emplace(machine.parts(time));
+            daemon->onChange = [this] { isToldIdle = daemon->isIdle(); };
+            isToldIdle = daemon->isIdle();
             session = daemon->clientSession("a");
             other = daemon->clientSession("b");
         }
@@ -62,6 +64,7 @@ namespace {
         FakeMachine machine;
         std::optional<HelperDaemon> daemon;
         std::unique_ptr<HelperXPCProtocol> session, other;
+        bool isToldIdle = false; // what whoever follows `onChange` takes `isIdle` for
     };
 
     TEST_F(HelperDaemonTest, PutsTheSettingBackWhereverItWasKilled)
@@ -130,16 +133,28 @@ namespace {
 
     TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepIsGoneWhicheverComesFirstAtTheWakeUp)
     {
-        for (const bool timerFirst : {true, false}) {
+        for (const Seconds due : {24s, 26s}) {
             start();
             enable(*session);
-            time.sleep(timerFirst ? 1h : 0s);
-            if (!timerFirst)
-                time.setClock(time.now() + 1h); // the wall clock alone means nothing
-            EXPECT_EQ(heartbeat(*session), !timerFirst);
-            EXPECT_EQ(machine.isDisabled, !timerFirst);
+            std::optional<bool> isInForce;
+            const auto call = time.schedule(due, [&] { isInForce = heartbeat(*session); });
+            time.sleep(1h);
+            EXPECT_EQ(isInForce, false);
+            EXPECT_FALSE(machine.isDisabled);
             end();
         }
+    }
+
+    TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepAndIsTakenAgainAtOnceKeepsAShutLidAwake)
+    {
+        machine.isLidShut = machine.isSettingForUsersOnly = true;
+        start();
+        enable(*session);
+        const auto call = time.schedule(24s, [&] { EXPECT_EQ(enable(*session), std::nullopt); });
+        time.sleep(1h);
+        time.advance(20s);
+        EXPECT_TRUE(machine.isDisabled);
+        EXPECT_THAT(machine.deeds, IsEmpty());
     }
 
     TEST_F(HelperDaemonTest, TheLastClientOutRestores)
@@ -299,6 +314,7 @@ namespace {
             restore(*session);
             time.advance(ShutLidSleep::firstLook + 1s);
             row.meanwhile();
+            EXPECT_EQ(isToldIdle, daemon->isIdle());
             time.advance(24s);
             EXPECT_EQ(machine.deeds.size(), row.expected);
             end();
@@ -358,6 +374,7 @@ namespace {
             };
             for (int events = 0; events < 40; ++events) {
                 machine.isDiskWritable = pick(8) != 0;
+                machine.isLidShut = pick(2);
                 if (pick(6) == 0)
                     machine.killAfter(pick(3));
                 try {
@@ -368,6 +385,7 @@ namespace {
                     start();
                     ASSERT_EQ(machine.isDisabled, original);
                 }
+                ASSERT_EQ(isToldIdle, daemon->isIdle());
                 if (machine.isDisabled == original)
                     continue;
                 ASSERT_LT(time.continuousNow() - lastSign, 25s);

@@ -83,7 +83,8 @@ class DaemonTest(unittest.TestCase):
     def setUp(self):
         self.state = self.directory / "state"
         self.ledger = self.state / "sleep-override.json"
-        self.set(polkit="allow", lid=False, docked=False, lidAction="suspend", foreign=[], inhibitFails=False)
+        self.set(polkit="allow", lid=False, docked=False, lidAction="suspend", foreign=[], inhibitFails=False,
+                 isSilent=False)
 
     def tearDown(self):
         self.end(signal.SIGKILL)
@@ -96,7 +97,7 @@ class DaemonTest(unittest.TestCase):
         return json.loads(self.mock.Get())[what]
 
     def deeds(self):
-        return [deed for deed in self.get("deeds") if deed["kind"] != "polkit"]
+        return [deed for deed in self.get("deeds") if deed["kind"] not in ("polkit", "read")]
 
     def is_held(self):
         return bool(self.get("locks"))
@@ -268,6 +269,16 @@ class DaemonTest(unittest.TestCase):
                 time.sleep(2.5)
                 self.assertEqual([deed["kind"] for deed in self.deeds()], ["suspend"] if sleeps else [])
                 self.end(signal.SIGKILL)
+
+    def test_goes_on_when_logind_does_not_answer(self):
+        self.start()
+        client = Client()
+        client.EnableClosedLid()
+        self.set(isSilent=True)
+        client.RestoreSleep()
+        wait("a look at the lid", lambda: self.get("deeds"))
+        client.EnableClosedLid()  # waits 10 s at most
+        self.assertTrue(self.is_held())
 
     def test_leaves_when_it_has_nothing_to_do(self):
         self.start(idle=0.5)

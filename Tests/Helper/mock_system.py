@@ -58,10 +58,12 @@ class Logind(dbus.service.Object):
     def PowerOff(self, _interactive):
         note("powerOff")
 
-    @dbus.service.method(PROPERTIES, "ss", "v")
-    def Get(self, _interface, name):
-        return {"LidClosed": state["lid"], "Docked": state["docked"], "OnExternalPower": False,
-                "HandleLidSwitch": state["lidAction"], "HandleLidSwitchExternalPower": ""}[name]
+    @dbus.service.method(PROPERTIES, "ss", "v", async_callbacks=("answer", "_fail"))
+    def Get(self, _interface, name, answer, _fail):
+        note("read")
+        if not state.get("isSilent"):
+            answer({"LidClosed": state["lid"], "Docked": state["docked"], "OnExternalPower": False,
+                    "HandleLidSwitch": state["lidAction"], "HandleLidSwitchExternalPower": ""}[name])
 
 
 class Polkit(dbus.service.Object):

@@ -52,7 +52,7 @@ class Readings(LabTest):
     def test_heat_warns_and_the_session_goes_on(self):
         vespra = self.start()
         self.set(thermal="serious")
-        self.assertEqual(vespra.stdout.readline().split(".")[0], "Your Mac is running hot")
+        self.assertEqual(vespra.stdout.readline().split(".")[0], "Your computer is running hot")
         self.assertIn("idle:block", self.held())
 
 

@@ -298,6 +298,39 @@ namespace {
         EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "enable"));
     }
 
+    TEST_F(ClosedLidControllerTest, AReplyThatTheSleepHoldsUpIsStillAwaited)
+    {
+        launch();
+        wire.keepsReplies = true;
+        controller->sleepNow();
+        mainLoop.run();
+        time.sleep(8h);
+        wire.keepsReplies = false;
+        wire.deliver();
+        pass(1min);
+        EXPECT_THAT(power.requests, IsEmpty()) << "it would sleep again at once";
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Ready{}});
+    }
+
+    TEST_F(ClosedLidControllerTest, RenewsWhatARefusedRestoreHasLeftAndIsWantedAgain)
+    {
+        launch();
+        startSession();
+        helper.setMode(Mode::refusing);
+        mainLoop.run();
+        wire.keepsReplies = true;
+        stopSession();
+        controller->refreshStatus();
+        mainLoop.run();
+        startSession();
+        wire.keepsReplies = false;
+        wire.requests.clear();
+        wire.deliver(); // the restore is refused, and the component is there
+        pass(10s);
+        EXPECT_TRUE(isShownApplied());
+        EXPECT_THAT(wire.requests, ElementsAre("heartbeat"));
+    }
+
     TEST_F(ClosedLidControllerTest, ARefusedEnableIsNotTriedAgain)
     {
         launch(Mode::refusing);
