@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -53,22 +54,26 @@ namespace {
         return sum;
     }
 
-    std::string written(Seconds length)
-    {
-        const auto seconds = static_cast<std::int64_t>(length.count());
-        if (seconds % 3600 == 0 && seconds > 0)
-            return std::to_string(seconds / 3600) + "h";
-        return seconds % 60 == 0 && seconds > 0 ? std::to_string(seconds / 60) + "m" : std::to_string(seconds) + "s";
-    }
-
 } // namespace
+
+std::string lengthText(Seconds length)
+{
+    auto seconds = std::llround(length.count());
+    std::string text;
+    for (const auto& [size, letter] : {std::pair{3600, 'h'}, {60, 'm'}, {1, 's'}}) {
+        if (const auto count = seconds / size; count > 0)
+            text += std::to_string(count) + letter;
+        seconds %= size;
+    }
+    return text.empty() ? "0s" : text;
+}
 
 std::expected<Seconds, std::string> length(std::string_view text, ClosedRange<Seconds> range)
 {
     const auto sum = text.empty() ? std::nullopt : sumOfParts(text);
     if (sum && *sum >= range.lowest && *sum <= range.highest)
         return *sum;
-    return std::unexpected{"expected a length from " + written(range.lowest) + " to " + written(range.highest)
+    return std::unexpected{"expected a length from " + lengthText(range.lowest) + " to " + lengthText(range.highest)
         + ", such as 25m or 1h30m, not \"" + std::string{text} + "\""};
 }
 
@@ -84,6 +89,12 @@ std::expected<TimeOfDay, std::string> timeOfDay(std::string_view text)
     }
     return std::unexpected{
         "expected a time of day from 00:00 to 23:59, such as 18:30, not \"" + std::string{text} + "\""};
+}
+
+std::string timeOfDayText(TimeOfDay time)
+{
+    const auto twoDigits = [](std::int64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+    return twoDigits(time.hour()) + ":" + twoDigits(time.minute());
 }
 
 std::expected<std::string, std::string> fileContents(const std::string& path)

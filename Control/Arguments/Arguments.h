@@ -13,8 +13,14 @@ namespace vespra::arguments {
 /// "25m", "1h30m", "90s", within `range`.
 std::expected<Seconds, std::string> length(std::string_view text, ClosedRange<Seconds> range);
 
+/// A length in whole seconds as `length` reads it: "1h30m"; "0s" for none.
+std::string lengthText(Seconds length);
+
 /// "18:30" or "6:05", from 00:00 to 23:59.
 std::expected<TimeOfDay, std::string> timeOfDay(std::string_view text);
+
+/// As `timeOfDay` reads it: "06:05".
+std::string timeOfDayText(TimeOfDay time);
 
 /// The session settings in the JSON file at `path`, read with the leniency of stored ones.
 std::expected<SessionSettings, std::string> settingsFile(const std::string& path);

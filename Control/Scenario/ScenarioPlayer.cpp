@@ -1,6 +1,6 @@
 #include "Control/Scenario/ScenarioPlayer.h"
 
-#include "Control/Scenario/SnapshotJSON.h"
+#include "Control/Protocol/SnapshotJSON.h"
 #include "Core/Scheduling/ScriptedMonitors.h"
 #include "Core/Scheduling/VirtualTime.h"
 

@@ -144,15 +144,20 @@ void SessionCoordinator::detachEndCondition()
     }
 }
 
-void SessionCoordinator::reschedule()
+std::optional<Instant> SessionCoordinator::pendingDeadline() const
 {
-    pendingDeadline_.reset();
     auto earliest = machine_.get().nextDeadline();
     if (endCondition_)
         if (const auto deadline = endCondition_->nextDeadline(now()))
             earliest = std::min(earliest.value_or(*deadline), *deadline);
-    if (earliest)
-        pendingDeadline_ = environment_.scheduler.schedule(*earliest, lifetime_.guard([this] { reevaluate(); }));
+    return earliest;
+}
+
+void SessionCoordinator::reschedule()
+{
+    scheduledDeadline_.reset();
+    if (const auto deadline = pendingDeadline())
+        scheduledDeadline_ = environment_.scheduler.schedule(*deadline, lifetime_.guard([this] { reevaluate(); }));
 }
 
 } // namespace vespra

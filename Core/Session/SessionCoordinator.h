@@ -36,6 +36,8 @@ public:
     const SessionConditions& conditions() const { return conditions_.get(); }
     Instant now() const { return environment_.clock.now(); }
     PowerRequirements requirements() const { return machine_.get().requirements(conditions()); }
+    /// When the coordinator will next look by itself; absent while nothing is to come.
+    std::optional<Instant> pendingDeadline() const;
     bool canExtend() const { return machine_.get().canExtend(now()); }
     ClosedLidChecklist closedLidChecklist() const { return machine_.get().closedLidChecklist(conditions()); }
     std::vector<ActiveGuardrail> activeGuardrails() const { return machine_.get().activeGuardrails(conditions()); }
@@ -76,7 +78,7 @@ private:
     Observed<SessionMachine> machine_;
     Observed<SessionConditions> conditions_;
     SessionEnvironment environment_;
-    std::unique_ptr<ScheduledDeadline> pendingDeadline_;
+    std::unique_ptr<ScheduledDeadline> scheduledDeadline_;
     std::shared_ptr<SessionEndCondition> endCondition_;
     Lifetime lifetime_;
 };

@@ -1,4 +1,4 @@
-#include "Control/Scenario/SnapshotJSON.h"
+#include "Control/Protocol/SnapshotJSON.h"
 
 #include <nlohmann/json.hpp>
 
@@ -176,6 +176,13 @@ JSON refusalJSON(const StartRefusal& refusal)
     if (const auto* low = std::get_if<refusal::BatteryTooLow>(&refusal))
         json["level"] = low->level;
     return json;
+}
+
+JSON helperStatusJSON(const HelperStatus& status)
+{
+    if (const auto* unsupported = std::get_if<helper::Unsupported>(&status))
+        return rawValue(unsupported->reason);
+    return name(status);
 }
 
 JSON sessionEventJSON(const SessionEvent& event, const DateWriter& date)

@@ -21,6 +21,8 @@ std::string dumped(const JSON& json);
 JSON endReasonJSON(const EndReason& reason);
 /// The same for a refusal, under "refused".
 JSON refusalJSON(const StartRefusal& refusal);
+/// Its case name; of an unsupported one, the reason.
+JSON helperStatusJSON(const HelperStatus& status);
 JSON sessionEventJSON(const SessionEvent& event, const DateWriter& date);
 
 /// What a snapshot shows beside the coordinator.

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Control/Protocol/ControlRequest.h"
+#include "Core/Coding/JSON.h"
+#include "HelperProtocol/FileDescriptor.h"
+
+#include <optional>
+
+namespace vespra {
+
+/// A program's connection to the running application. Blocks; one thread at a time, but `receive` may wait in another.
+class ControlClient {
+public:
+    /// False if no application answers, with the reason in `errno`.
+    bool connect(const std::string& path = controlProtocol::defaultPath());
+    /// False if the application has gone or does not take it within five seconds.
+    bool send(const ControlRequest& request);
+    /// The next line; absent once the application has gone, or after `limit`, if there is one.
+    std::optional<JSON> receive(std::optional<Seconds> limit = Seconds{5});
+
+private:
+    bool waitToRead(std::optional<Seconds> limit) const;
+
+    FileDescriptor socket_;
+    std::string received_;
+};
+
+} // namespace vespra
