@@ -98,6 +98,10 @@ void SessionNotifier::postUpdateAvailable(const std::string& version)
 
 void SessionNotifier::removeEndingSoon() { center_.removeDelivered({notification::endingSoon}); }
 
+void SessionNotifier::removeAgentsFinished() { center_.removeDelivered({notification::agentsFinished}); }
+
+void SessionNotifier::removeOfTheSession() { center_.removeDelivered(ofTheSession()); }
+
 void SessionNotifier::removeUpdateAvailable() { center_.removeDelivered({notification::updateAvailable}); }
 
 void SessionNotifier::receive(const NotificationResponse& response)

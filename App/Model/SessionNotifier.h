@@ -24,6 +24,9 @@ public:
     void postUpdateAvailable(const std::string& version);
 
     void removeEndingSoon();
+    void removeAgentsFinished();
+    /// Whatever is still shown of the session.
+    void removeOfTheSession();
     void removeUpdateAvailable();
 
     std::function<void()> onExtend;

@@ -36,9 +36,9 @@ namespace {
 std::string startLine(const ActiveSession& session)
 {
     if (session.mode() == SessionMode::agent)
-        return session.endsAt ? localized("Awake until your agents have finished, until %1 at the latest.",
-                                    {timeText(*session.endsAt)})
-                              : localized("Awake until your agents have finished.");
+        return session.endsAt
+            ? localized("Awake until your agents have finished, until %1 at the latest.", {timeText(*session.endsAt)})
+            : localized("Awake until your agents have finished.");
     return session.endsAt ? localized("Awake until %1.", {timeText(*session.endsAt)})
                           : localized("Awake until you stop it.");
 }

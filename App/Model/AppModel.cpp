@@ -1,0 +1,165 @@
+#include "App/Model/AppModel.h"
+
+#include "App/Model/PreferencesStore.h"
+#include "App/Model/SessionNotifier.h"
+#include "App/Wording/AgentWording.h"
+#include "App/Wording/Localized.h"
+
+#include <algorithm>
+
+namespace vespra {
+
+AppModel::AppModel(const AppEnvironment& environment)
+    : environment_{environment}
+    , coordinator_{PreferencesStore::loadSettings(environment.defaults),
+          Calendar::current(),
+          SessionEnvironment{
+              .clock = *environment.platform.time.clock,
+              .scheduler = *environment.platform.time.deadlines,
+              .power = *environment.platform.power,
+              .thermal = *environment.platform.thermal,
+          },
+          helper::NotInstalled{}}
+    , agentIntegration_{environment.home, environment.supportDirectory}
+    , forcedEndAction_{*environment.platform.time.tasks}
+    , preferences_{PreferencesStore::load(environment.defaults)}
+    , playsHeatAlarm_{PreferencesStore::playsHeatAlarm(environment.defaults)}
+    , showsRemainingTimeInMenuBar_{PreferencesStore::showsRemainingTimeInMenuBar(environment.defaults)}
+{
+}
+
+void AppModel::setPreferences(const SessionPreferences& preferences)
+{
+    preferences_.set(preferences);
+    PreferencesStore::save(preferences, store());
+}
+
+void AppModel::setPlaysHeatAlarm(bool plays)
+{
+    playsHeatAlarm_.set(plays);
+    PreferencesStore::setPlaysHeatAlarm(plays, store());
+}
+
+void AppModel::setShowsRemainingTimeInMenuBar(bool shows)
+{
+    showsRemainingTimeInMenuBar_.set(shows);
+    PreferencesStore::setShowsRemainingTimeInMenuBar(shows, store());
+}
+
+void AppModel::setSettings(const SessionSettings& settings)
+{
+    coordinator_.setSettings(settings);
+    PreferencesStore::saveSettings(settings, store());
+}
+
+void AppModel::start() { start(preferences()); }
+
+void AppModel::start(const SessionPreferences& preferences)
+{
+    if (!needsAgentConnection(preferences))
+        startUnconnected(preferences);
+}
+
+void AppModel::startUnconnected(const SessionPreferences& preferences)
+{
+    // What belongs to a running session stays as it is.
+    if (coordinator_.state().isActive())
+        return;
+    environment_.platform.session->refresh();
+    const auto plan = preferences.plan(coordinator_.settings().agentSafetyCap);
+    skipsForcedActionThisSession_.set(false);
+    forcedEndAction_.cancel();
+    agentCondition_.set(preferences.mode == SessionMode::agent
+            ? std::make_shared<AgentEndCondition>(
+                  agents_, coordinator_.settings().agents, *environment_.platform.time.clock)
+            : nullptr);
+    if (!coordinator_.start(plan, preferences.options, agentCondition_.get()))
+        agentCondition_.set(nullptr);
+}
+
+void AppModel::toggleSession()
+{
+    if (coordinator_.state().isActive())
+        return coordinator_.stop(end::StoppedByUser{});
+    start();
+    if (!coordinator_.state().isActive())
+        notify(showPanel);
+}
+
+bool AppModel::keepsDisplayAwake() const
+{
+    const auto* session = coordinator_.state().activeSession();
+    return (session ? session->options : preferences().options).keepsDisplayAwake;
+}
+
+bool AppModel::isClosedLidOn() const
+{
+    const auto* session = coordinator_.state().activeSession();
+    return (session ? session->options : preferences().options).closedLid;
+}
+
+void AppModel::setKeepsDisplayAwake(bool keeps)
+{
+    auto next = preferences();
+    next.options.keepsDisplayAwake = keeps;
+    setPreferences(next);
+    coordinator_.setKeepsDisplayAwake(keeps);
+}
+
+void AppModel::setClosedLid(bool enabled)
+{
+    closedLidToggleRefusal_.set({});
+    if (coordinator_.state().isActive())
+        if (const auto changed = coordinator_.setClosedLid(enabled); !changed)
+            return closedLidToggleRefusal_.set(changed.error());
+    auto next = preferences();
+    next.options.closedLid = enabled;
+    setPreferences(next);
+}
+
+bool AppModel::isRunningHot() const
+{
+    return coordinator_.state().isActive() && coordinator_.conditions().thermal >= ThermalLevel::serious
+        && !coordinator_.requirements().disablesSystemSleep;
+}
+
+bool AppModel::needsAgentConnection(const SessionPreferences& preferences) const
+{
+    using Connection = HookSettingsFile::Connection;
+    return preferences.mode == SessionMode::agent
+        && std::ranges::none_of(
+            agentIntegration_.connections(), [](const auto& agent) { return agent.second == Connection::connected; });
+}
+
+std::optional<SessionEnd> AppModel::visibleGuardrailEnd() const
+{
+    const auto end = coordinator_.state().lastEnd();
+    return end && traits(end->reason).isGuardrail && end != dismissedEnd_.get() ? end : std::nullopt;
+}
+
+void AppModel::dismissEnd()
+{
+    if (const auto end = visibleGuardrailEnd())
+        dismissedEnd_.set(end);
+}
+
+std::string AppModel::agentsFinishedTitle() const
+{
+    const auto& session = agents_.lastFinished();
+    if (!session)
+        return localized("Your agents are done");
+    const std::string agent{displayName(session->agent)};
+    if (const auto folder = session->folderName())
+        return localized("%1 finished in %2", {agent, *folder});
+    return localized("%1 is done", {agent});
+}
+
+void AppModel::agentsFinished(SessionNotifier& notifier)
+{
+    const auto action
+        = skipsForcedActionThisSession() ? AgentEndAction::letSleep : coordinator_.settings().agents.endAction;
+    forcedEndAction_.schedule(action, coordinator_.now());
+    notifier.postAgentsFinished(agentsFinishedTitle(), notificationBody(action), action != AgentEndAction::letSleep);
+}
+
+} // namespace vespra

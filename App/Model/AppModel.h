@@ -1,0 +1,126 @@
+#pragma once
+
+#include "App/Agents/AgentIntegration.h"
+#include "App/Agents/ForcedEndAction.h"
+#include "App/Model/SettingsTab.h"
+#include "App/Model/UserDefaults.h"
+#include "App/System/Platform.h"
+#include "Core/Agents/AgentEndCondition.h"
+#include "Core/Session/SessionCoordinator.h"
+#include "Core/Session/SessionPreferences.h"
+
+namespace vespra {
+
+class ClosedLidController;
+class SessionNotifier;
+
+/// Where the model gets its readings and keeps what the user chose.
+struct AppEnvironment {
+    /// Outlives the model.
+    Platform& platform;
+    /// Outlives the model; null: nothing is kept.
+    UserDefaults* defaults;
+    /// Absolute paths.
+    std::filesystem::path home;
+    std::filesystem::path supportDirectory;
+};
+
+/// The one object that every view reads: it owns the session and its companions, and what the user prefers. All that it
+/// answers is followed by an observation loop that asks. Main thread only.
+class AppModel {
+public:
+    /// Reads what is kept, once.
+    explicit AppModel(const AppEnvironment& environment);
+    AppModel(const AppModel&) = delete;
+    AppModel& operator=(const AppModel&) = delete;
+
+    SessionCoordinator& coordinator() { return coordinator_; }
+    const SessionCoordinator& coordinator() const { return coordinator_; }
+    AgentTracker& agents() { return agents_; }
+    const AgentTracker& agents() const { return agents_; }
+    AgentIntegration& agentIntegration() { return agentIntegration_; }
+    const AgentIntegration& agentIntegration() const { return agentIntegration_; }
+    ForcedEndAction& forcedEndAction() { return forcedEndAction_; }
+    const ForcedEndAction& forcedEndAction() const { return forcedEndAction_; }
+    UserDefaults* store() { return environment_.defaults; }
+
+    /// The end condition of the running agent session; null otherwise.
+    const std::shared_ptr<AgentEndCondition>& agentCondition() const { return agentCondition_.get(); }
+
+    /// This agent session is to end without its forced action.
+    bool skipsForcedActionThisSession() const { return skipsForcedActionThisSession_.get(); }
+    void setSkipsForcedActionThisSession(bool skips) { skipsForcedActionThisSession_.set(skips); }
+
+    SettingsTab settingsTab() const { return settingsTab_.get(); }
+    void setSettingsTab(SettingsTab tab) { settingsTab_.set(tab); }
+
+    // What is set here is kept at once, also when it is what there was.
+    const SessionPreferences& preferences() const { return preferences_.get(); }
+    void setPreferences(const SessionPreferences& preferences);
+    /// A hot machine is heard.
+    bool playsHeatAlarm() const { return playsHeatAlarm_.get(); }
+    void setPlaysHeatAlarm(bool plays);
+    bool showsRemainingTimeInMenuBar() const { return showsRemainingTimeInMenuBar_.get(); }
+    void setShowsRemainingTimeInMenuBar(bool shows);
+    /// Takes effect at once, also on a running session.
+    void setSettings(const SessionSettings& settings);
+
+    /// Starts a session from the preferences. In agent mode only with a connected agent; a refusal changes nothing.
+    void start();
+    /// The same for this time, from other preferences than those that are kept.
+    void start(const SessionPreferences& preferences);
+    /// The same, also where no agent is connected: who asks for that in a terminal may run the hooks by other means.
+    void startUnconnected(const SessionPreferences& preferences);
+    /// Stops the session that runs, or starts one; shows the panel if the start was blocked.
+    void toggleSession();
+
+    /// Both are those of the running session, else those for the next one.
+    bool keepsDisplayAwake() const;
+    bool isClosedLidOn() const;
+    void setKeepsDisplayAwake(bool keeps);
+    /// A running session may refuse; then nothing changes but `closedLidToggleRefusal`.
+    void setClosedLid(bool enabled);
+    /// Why the last try to switch closed-lid mode on during a session was refused.
+    const std::optional<StartRefusal>& closedLidToggleRefusal() const { return closedLidToggleRefusal_.get(); }
+
+    /// Some session runs in a machine that is hot, and the heat will not end it.
+    bool isRunningHot() const;
+    /// The preferences ask for agents and none is connected.
+    bool needsAgentConnection() const { return needsAgentConnection(preferences()); }
+    bool needsAgentConnection(const SessionPreferences& preferences) const;
+
+    /// The end by a guardrail that the user has not dismissed yet, while no session runs.
+    std::optional<SessionEnd> visibleGuardrailEnd() const;
+    void dismissEnd();
+
+    /// "Claude Code finished in project".
+    std::string agentsFinishedTitle() const;
+    /// The agents have ended their session: starts the countdown of what is to follow, and tells the user.
+    void agentsFinished(SessionNotifier& notifier);
+    /// Some session has ended.
+    void sessionEnded() { agentCondition_.set(nullptr); }
+
+    /// Set at launch, for as long as the application runs.
+    ClosedLidController* closedLid = nullptr;
+    /// Opens the settings window, at a page or where it was. Empty where there is none.
+    std::function<void(std::optional<SettingsTab>)> showSettings;
+    /// Opens the panel. Empty where there is none.
+    std::function<void()> showPanel;
+
+private:
+    AppEnvironment environment_;
+    SessionCoordinator coordinator_;
+    AgentIntegration agentIntegration_;
+    AgentTracker agents_;
+    ForcedEndAction forcedEndAction_;
+    Observed<std::shared_ptr<AgentEndCondition>> agentCondition_;
+    Observed<bool> skipsForcedActionThisSession_;
+    Observed<SettingsTab> settingsTab_{SettingsTab::agent};
+    Observed<SessionPreferences> preferences_;
+    Observed<bool> playsHeatAlarm_;
+    Observed<bool> showsRemainingTimeInMenuBar_;
+    Observed<std::optional<StartRefusal>> closedLidToggleRefusal_;
+    Observed<std::optional<SessionEnd>> dismissedEnd_;
+};
+
+} // namespace vespra

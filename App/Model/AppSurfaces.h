@@ -1,0 +1,46 @@
+#pragma once
+
+#include "App/Model/SettingsTab.h"
+
+#include <functional>
+#include <optional>
+
+namespace vespra {
+
+class AppModel;
+
+/// What the user sees and presses. The application in a terminal has none. Each of the `make` functions is called once,
+/// in this order, at launch; every other only after its own. Main thread only.
+class AppSurfaces {
+public:
+    virtual ~AppSurfaces() = default;
+
+    /// Takes the application to the front.
+    virtual void activate() = 0;
+
+    virtual void makePanel(AppModel& model) = 0;
+    virtual bool isPanelVisible() const = 0;
+    /// Under the status item.
+    virtual void showPanel() = 0;
+    virtual void hidePanel() = 0;
+
+    /// False where there is no place for one.
+    virtual bool hasStatusItem() const = 0;
+    /// Where it is clicked, and where its menu asks for the settings.
+    struct StatusItemActions {
+        std::function<void()> onToggle;
+        std::function<void()> onSettings;
+    };
+    virtual void makeStatusItem(AppModel& model, StatusItemActions actions) = 0;
+
+    virtual void makeSettingsWindow(AppModel& model) = 0;
+    /// At the page that it shows already, if none is given.
+    virtual void showSettings(std::optional<SettingsTab> tab) = 0;
+
+    virtual void showOnboarding(AppModel& model) = 0;
+
+    /// The key that works from any application has been released.
+    virtual void registerShortcut(std::function<void()> onKeyUp) = 0;
+};
+
+} // namespace vespra

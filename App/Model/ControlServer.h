@@ -1,0 +1,65 @@
+#pragma once
+
+#include "App/Model/ControlService.h"
+#include "App/System/SystemLog.h"
+#include "Core/Scheduling/MainLoop.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QLocalServer;
+class QLocalSocket;
+
+namespace vespra {
+
+/// Lets programs of this user ask and steer the application over a local socket: JSON Lines, a reply for each request,
+/// in order. No client is ever waited for: what it sends too fast waits with it, and so do lines that it does not read.
+/// Main thread only.
+class ControlServer {
+public:
+    /// Where there are more, the oldest one that waits for nothing gives way.
+    static constexpr std::size_t mostClients = 64;
+    /// Requests that one client has answered before it is the others' turn.
+    static constexpr int requestsPerTurn = 32;
+    /// Bytes that may wait for a client before its next request is looked at.
+    static constexpr std::int64_t longestBacklog = 65'536;
+
+    /// Touches nothing yet. `model` and `mainLoop` outlive it.
+    ControlServer(AppModel& model, MainLoop& mainLoop, std::string path);
+    /// Tells those who wait for the session's end, if it has come, and closes all connections.
+    ~ControlServer();
+    ControlServer(const ControlServer&) = delete;
+    ControlServer& operator=(const ControlServer&) = delete;
+
+    /// Makes the directory (0700) and the socket file (0600) and listens. A failure is logged and leaves the
+    /// application without this. No other server may use the path.
+    void start();
+
+private:
+    struct Client;
+
+    void accept();
+    void take(QLocalSocket* socket);
+    void readLater(Client& client);
+    void read(Client& client);
+    void handle(Client& client, std::string_view line);
+    void watch(Client& client);
+    void wait(Client& client);
+    void run(Client& client, const ControlRequest& request);
+    bool isRunSession() const;
+    void forget(Client& client);
+
+    AppModel& model_;
+    MainLoop& mainLoop_;
+    std::string path_;
+    SystemLog log_;
+    ControlService service_;
+    std::unique_ptr<QLocalServer> server_;
+    std::vector<std::shared_ptr<Client>> clients_;
+    /// When the session began that runs for the sake of some clients; absent: none did.
+    std::optional<Instant> runSessionStart_;
+};
+
+} // namespace vespra

@@ -1,0 +1,237 @@
+#include "App/Model/ControlService.h"
+
+#include "App/Model/AppModel.h"
+#include "App/Wording/AgentWording.h"
+#include "App/Wording/ClosedLidWording.h"
+#include "App/Wording/Format.h"
+#include "App/Wording/Localized.h"
+#include "App/Wording/SessionReport.h"
+#include "App/Wording/SessionWording.h"
+#include "Control/Protocol/SettingTexts.h"
+#include "Control/Protocol/SnapshotJSON.h"
+
+#include <nlohmann/json.hpp>
+
+namespace vespra {
+
+namespace {
+
+    JSON dateJSON(Instant instant) { return instant.iso8601(); }
+
+    JSON powerJSON(const PowerSnapshot& power)
+    {
+        return {
+            {"isOnACPower", power.isOnACPower},
+            {"batteryLevel", power.batteryLevel ? JSON(*power.batteryLevel) : JSON{}},
+        };
+    }
+
+    JSON connectionsJSON(const AgentIntegration::Connections& connections)
+    {
+        auto json = JSON::object();
+        for (const auto& [agent, connection] : connections)
+            json[std::string{rawValue(agent)}] = rawValue(connection);
+        return json;
+    }
+
+    JSON pendingActionJSON(const std::optional<ForcedEndAction::Pending>& pending)
+    {
+        if (!pending)
+            return {};
+        return {{"action", rawValue(pending->action)}, {"deadline", dateJSON(pending->deadline)}};
+    }
+
+    std::string sessionLine(const AppModel& model)
+    {
+        const auto& coordinator = model.coordinator();
+        if (const auto* session = coordinator.state().activeSession())
+            return startLine(*session) + " "
+                + liveLine(*session, coordinator.now(), model.agentCondition().get(), model.agents());
+        const auto end = coordinator.state().lastEnd();
+        if (!end)
+            return localized("No session is running.");
+        return localized("No session is running. The last one ended at %1: %2.",
+            {timeText(end->date), shortDescription(end->reason)});
+    }
+
+    std::string closedLidLine(const AppModel& model)
+    {
+        const auto& coordinator = model.coordinator();
+        const auto checklist = coordinator.closedLidChecklist();
+        const auto state = [](auto item) { return std::string{rawValue(item)}; };
+        return localized("Closed lid: %1", {message(coordinator.closedLidStatus(model.isClosedLidOn()))})
+            + localized(" (component %1, power %2, heat %3, session %4)",
+                {state(checklist.helper), state(checklist.power), state(checklist.thermal), state(checklist.session)});
+    }
+
+} // namespace
+
+JSON ControlService::reply(const ControlRequest& request)
+{
+    switch (request.verb) {
+    case ControlVerb::describe:
+        return describe();
+    case ControlVerb::start:
+        return start(request.start.applied(model_.preferences()));
+    case ControlVerb::run: {
+        auto unlimited = request.start;
+        unlimited.mode = SessionMode::unlimited;
+        return start(unlimited.applied(model_.preferences()));
+    }
+    case ControlVerb::stop:
+        model_.coordinator().stop(end::StoppedByUser{});
+        return done();
+    case ControlVerb::toggle:
+        return toggle();
+    case ControlVerb::extend:
+        return extend();
+    case ControlVerb::keepAwake:
+        return keepAwake();
+    case ControlVerb::cancel:
+        model_.forcedEndAction().cancel();
+        return done();
+    case ControlVerb::display:
+        model_.setKeepsDisplayAwake(request.on);
+        return done();
+    case ControlVerb::closedLid:
+        return setClosedLid(request.on);
+    case ControlVerb::settings:
+        return settings();
+    case ControlVerb::set:
+        return set(request.key, request.value);
+    case ControlVerb::showPanel:
+        notify(model_.showPanel);
+        return done();
+    case ControlVerb::status:
+    case ControlVerb::watch:
+    case ControlVerb::wait:
+        break;
+    }
+    return status();
+}
+
+JSON ControlService::status() const
+{
+    const auto& coordinator = model_.coordinator();
+    auto json = snapshotJSON(coordinator,
+        {
+            .closedLidRequested = model_.isClosedLidOn(),
+            .deadline = coordinator.pendingDeadline(),
+            .condition = model_.agentCondition().get(),
+            .tracker = model_.agents(),
+        },
+        dateJSON);
+    const auto& conditions = coordinator.conditions();
+    json["settings"] = toJSON(coordinator.settings());
+    json["preferences"] = toJSON(model_.preferences());
+    json["power"] = powerJSON(conditions.power);
+    json["thermal"] = rawValue(conditions.thermal);
+    json["helper"] = helperStatusJSON(conditions.helper);
+    json["connections"] = connectionsJSON(model_.agentIntegration().connections());
+    json["pendingAction"] = pendingActionJSON(model_.forcedEndAction().pending());
+    return {{"status", std::move(json)}};
+}
+
+std::optional<JSON> ControlService::ended() const
+{
+    const auto& state = model_.coordinator().state();
+    if (state.isActive())
+        return {};
+    auto json = JSON::object();
+    if (const auto end = state.lastEnd()) {
+        json = endReasonJSON(end->reason);
+        json["at"] = dateJSON(end->date);
+        json["message"] = notificationTitle(end->reason);
+    }
+    return JSON{{"ended", std::move(json)}};
+}
+
+JSON ControlService::error(std::string_view kind, const std::string& message)
+{
+    return {{"error", {{"kind", kind}, {"message", message}}}};
+}
+
+JSON ControlService::done(const std::string& message) const
+{
+    JSON json{{"isActive", model_.coordinator().state().isActive()}};
+    if (!message.empty())
+        json["message"] = message;
+    return {{"done", std::move(json)}};
+}
+
+JSON ControlService::refusal(const SessionPreferences& preferences) const
+{
+    if (const auto refused = model_.coordinator().refusal(preferences.options))
+        return error(controlProtocol::refused, message(*refused));
+    return error(controlProtocol::refused, localized("No agent is connected."));
+}
+
+JSON ControlService::start(const SessionPreferences& preferences)
+{
+    if (model_.coordinator().state().isActive())
+        return refusal(preferences);
+    model_.start(preferences);
+    const auto* session = model_.coordinator().state().activeSession();
+    return session ? done(startLine(*session)) : refusal(preferences);
+}
+
+JSON ControlService::toggle()
+{
+    const bool wasActive = model_.coordinator().state().isActive();
+    model_.toggleSession();
+    const auto* session = model_.coordinator().state().activeSession();
+    if (session)
+        return done(startLine(*session));
+    return wasActive ? done() : refusal(model_.preferences());
+}
+
+JSON ControlService::extend()
+{
+    if (!model_.coordinator().canExtend())
+        return error(controlProtocol::refused, localized("There is no session that can be extended."));
+    model_.coordinator().extend();
+    return done(startLine(*model_.coordinator().state().activeSession()));
+}
+
+JSON ControlService::keepAwake()
+{
+    if (!model_.agentCondition())
+        return error(controlProtocol::refused, localized("There is no agent session."));
+    model_.agentCondition()->keepAwake();
+    return done();
+}
+
+JSON ControlService::setClosedLid(bool on)
+{
+    model_.setClosedLid(on);
+    if (const auto& refused = model_.closedLidToggleRefusal())
+        return error(controlProtocol::refused, message(*refused));
+    return done();
+}
+
+JSON ControlService::settings() const
+{
+    auto json = JSON::object();
+    for (const auto& [key, text] : settingTexts::all(model_.coordinator().settings()))
+        json[key] = text;
+    return {{"settings", std::move(json)}};
+}
+
+JSON ControlService::set(const std::string& key, const std::string& value)
+{
+    const auto changed = settingTexts::changed(model_.coordinator().settings(), key, value);
+    if (!changed)
+        return error(controlProtocol::badRequest, changed.error());
+    model_.setSettings(*changed);
+    return done();
+}
+
+JSON ControlService::describe() const
+{
+    JSON lines{sessionLine(model_), closedLidLine(model_)};
+    if (const auto& pending = model_.forcedEndAction().pending())
+        lines.push_back(notificationBody(pending->action));
+    return {{"lines", std::move(lines)}};
+}
+
+} // namespace vespra

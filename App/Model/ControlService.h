@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Control/Protocol/ControlRequest.h"
+#include "Core/Coding/JSON.h"
+
+namespace vespra {
+
+class AppModel;
+
+/// Carries out what terminals and scripts ask of the application. Main thread only.
+class ControlService {
+public:
+    /// `model` outlives it.
+    explicit ControlService(AppModel& model)
+        : model_{model}
+    {
+    }
+
+    /// The reply to any request but `watch` and `wait`: {"status":{...}}, {"lines":[...]}, {"settings":{...}},
+    /// {"done":{"isActive":true,"message":"Awake until 18:30."}}, or the error of a refusal; then nothing has changed.
+    JSON reply(const ControlRequest& request);
+
+    /// {"status":{...}}: how everything stands. Followed by an observation loop that asks.
+    JSON status() const;
+    /// {"ended":{"reason":"timeElapsed","at":"...","message":"Time is up"}}, without a reason if none ever ran;
+    /// absent while a session runs. Followed as well.
+    std::optional<JSON> ended() const;
+
+    static JSON error(std::string_view kind, const std::string& message);
+
+private:
+    JSON start(const SessionPreferences& preferences);
+    JSON toggle();
+    JSON extend();
+    JSON keepAwake();
+    JSON setClosedLid(bool on);
+    JSON settings() const;
+    JSON set(const std::string& key, const std::string& value);
+    JSON describe() const;
+    JSON done(const std::string& message = {}) const;
+    /// Why the session that was just asked for does not run.
+    JSON refusal(const SessionPreferences& preferences) const;
+
+    AppModel& model_;
+};
+
+} // namespace vespra

@@ -1,0 +1,40 @@
+#include "App/Model/SingleInstance.h"
+
+#include "Control/Protocol/ControlClient.h"
+#include "HelperProtocol/Brand.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sys/file.h>
+#include <thread>
+
+namespace vespra {
+
+SingleInstance::SingleInstance(const std::string& path)
+{
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path{path}.parent_path(), ignored);
+    file_ = FileDescriptor{open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)};
+    if (file_ && flock(file_.get(), LOCK_EX | LOCK_NB) == 0)
+        claim_ = Claim::mine;
+    else
+        claim_ = file_ && errno == EWOULDBLOCK ? Claim::taken : Claim::impossible;
+}
+
+std::string SingleInstance::defaultPath() { return Brand::applicationSupportDirectory() + "/vespra.lock"; }
+
+bool showRunningApplication(const std::string& controlPath)
+{
+    constexpr int tries = 20;
+    for (int count = 0; count < tries; ++count) {
+        ControlClient client;
+        if (client.connect(controlPath) && client.send({.verb = ControlVerb::showPanel}))
+            return client.receive().has_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds{100});
+    }
+    return false;
+}
+
+} // namespace vespra
