@@ -6,12 +6,16 @@
 /// stores its exit status.
 namespace vespra::control {
 
-/// 0 done, 1 refused or failed, 2 bad input, 4 the application is not running.
+/// 0 done, 1 refused or failed, 2 bad input, 4 the application is not running. Some commands have more of their own.
 enum ExitStatus { done = 0, failed = 1, badInput = 2, notRunning = 4 };
 
 void addDoctorCommand(CLI::App& vespractl, int& exitStatus);
 void addMachineCommand(CLI::App& vespractl, int& exitStatus);
 void addHooksCommand(CLI::App& vespractl, int& exitStatus);
+void addRunCommands(CLI::App& vespractl, int& exitStatus);
+void addSessionCommands(CLI::App& vespractl, int& exitStatus);
+void addSettingsCommand(CLI::App& vespractl, int& exitStatus);
 void addSimulateCommand(CLI::App& vespractl, int& exitStatus);
+void addStatusCommand(CLI::App& vespractl, int& exitStatus);
 
 } // namespace vespra::control

@@ -6,6 +6,10 @@ int main(int argc, char** argv)
     CLI::App vespractl{"Controls Vespra from a terminal or a script."};
     vespractl.require_subcommand(1);
     int exitStatus = done;
+    addStatusCommand(vespractl, exitStatus);
+    addSessionCommands(vespractl, exitStatus);
+    addRunCommands(vespractl, exitStatus);
+    addSettingsCommand(vespractl, exitStatus);
     addDoctorCommand(vespractl, exitStatus);
     addMachineCommand(vespractl, exitStatus);
     addHooksCommand(vespractl, exitStatus);

@@ -1,0 +1,88 @@
+#include "Control/Session/Application.h"
+
+#include "HelperProtocol/Brand.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace vespra::control {
+
+namespace {
+
+    int say(int status, const std::string& message)
+    {
+        std::fprintf(stderr, "%s\n", message.c_str());
+        return status;
+    }
+
+    struct EndStatus {
+        std::string_view reason;
+        int status;
+    };
+    // 1, 2 and 4 have their meaning for every command.
+    constexpr std::array endStatuses = std::to_array<EndStatus>({
+        {"timeElapsed", 0},
+        {"agentsFinished", 0},
+        {"stoppedByUser", 10},
+        {"lowBattery", 11},
+        {"chargerDisconnected", 12},
+        {"batteryTimeLimit", 13},
+        {"closedLidTimeLimit", 14},
+        {"overheating", 15},
+        {"safetyCapReached", 16},
+        {"systemSleep", 17},
+        {"appTerminated", 18},
+    });
+
+} // namespace
+
+std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus)
+{
+    ControlClient client;
+    if (client.connect() && client.send(request))
+        return client;
+    exitStatus = say(notRunning, Brand::appName() + " is not running.");
+    return {};
+}
+
+std::optional<int> failure(const std::optional<JSON>& reply)
+{
+    if (!reply || !reply->is_object())
+        return say(notRunning, Brand::appName() + " has gone without an answer.");
+    const auto error = reply->find("error");
+    if (error == reply->end())
+        return {};
+    const auto kind = error->value("kind", std::string{});
+    return say(kind == controlProtocol::badRequest ? badInput : failed, error->value("message", std::string{}));
+}
+
+int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use)
+{
+    int exitStatus = done;
+    auto client = connected(request, exitStatus);
+    if (!client)
+        return exitStatus;
+    const auto reply = client->receive();
+    if (const auto failed = failure(reply))
+        return *failed;
+    use(*reply);
+    return done;
+}
+
+int ask(const ControlRequest& request)
+{
+    return ask(request, [](const JSON& reply) {
+        if (const auto done = reply.find("done"); done != reply.end() && done->contains("message"))
+            std::printf("%s\n", done->value("message", std::string{}).c_str());
+    });
+}
+
+int exitStatusOfEnd(std::string_view reason)
+{
+    const auto* const found = std::ranges::find(endStatuses, reason, &EndStatus::reason);
+    return found == endStatuses.end() ? failed : found->status;
+}
+
+} // namespace vespra::control

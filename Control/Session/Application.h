@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Control/Command.h"
+#include "Control/Protocol/ControlClient.h"
+
+#include <functional>
+
+/// What the commands share that ask the running application.
+namespace vespra::control {
+
+/// Connects and sends `request`. Absent: no application runs; that has been said and `exitStatus` set.
+std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus);
+
+/// The exit status for a reply that is an error, whose message has been said, or that never came; absent for any other.
+std::optional<int> failure(const std::optional<JSON>& reply);
+
+/// Asks once and gives the reply to `use`, unless it is an error. Returns the exit status.
+int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use);
+/// The same, and prints the reply's message, if it has one.
+int ask(const ControlRequest& request);
+
+/// How `wait` exits: 0 when the session has ended as planned, else a status for each reason. Given the reason's name.
+int exitStatusOfEnd(std::string_view reason);
+
+} // namespace vespra::control

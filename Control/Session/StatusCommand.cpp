@@ -1,0 +1,90 @@
+#include "Control/Protocol/SnapshotJSON.h"
+#include "Control/Session/Application.h"
+
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+namespace vespra::control {
+
+namespace {
+
+    /// False if nobody reads the output any more.
+    bool print(const std::string& text) { return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0; }
+
+    std::string statusLine(const JSON& reply) { return dumped(reply.value("status", JSON::object())) + "\n"; }
+
+    std::string description(const JSON& reply)
+    {
+        std::string text;
+        for (const auto& line : reply.value("lines", JSON::array()))
+            text += line.get<std::string>() + "\n";
+        return text;
+    }
+
+    int printOnce(bool asJSON)
+    {
+        return ask({.verb = asJSON ? ControlVerb::status : ControlVerb::describe},
+            [asJSON](const JSON& reply) { print(asJSON ? statusLine(reply) : description(reply)); });
+    }
+
+    /// A line for every change, until the application goes.
+    int watchJSON()
+    {
+        int exitStatus = done;
+        auto client = connected({.verb = ControlVerb::watch}, exitStatus);
+        if (!client)
+            return exitStatus;
+        while (const auto reply = client->receive({})) {
+            if (const auto failed = failure(reply))
+                return *failed;
+            if (!print(statusLine(*reply)))
+                return done;
+        }
+        return failure({}).value_or(done);
+    }
+
+    /// The description, anew whenever it reads otherwise: once a second while something is counted.
+    int watchText()
+    {
+        int exitStatus = done;
+        auto client = connected({.verb = ControlVerb::describe}, exitStatus);
+        if (!client)
+            return exitStatus;
+        for (std::string shown;;) {
+            const auto reply = client->receive();
+            if (const auto failed = failure(reply))
+                return *failed;
+            if (auto text = description(*reply); text != shown) {
+                shown = std::move(text);
+                if (!print(shown))
+                    return done;
+            }
+            std::this_thread::sleep_for(std::chrono::seconds{1});
+            if (!client->send({.verb = ControlVerb::describe}))
+                return failure({}).value_or(done);
+        }
+    }
+
+} // namespace
+
+void addStatusCommand(CLI::App& vespractl, int& exitStatus)
+{
+    struct Flags {
+        bool json = false;
+        bool watch = false;
+    };
+    const auto flags = std::make_shared<Flags>();
+    auto* status = vespractl.add_subcommand("status", "Tells how the session, the closed lid and the agents stand");
+    status->add_flag("--json", flags->json, "One line of JSON");
+    status->add_flag("--watch", flags->watch, "Goes on, and tells every change");
+    status->callback([flags, &exitStatus] {
+        if (!flags->watch)
+            exitStatus = printOnce(flags->json);
+        else
+            exitStatus = flags->json ? watchJSON() : watchText();
+    });
+}
+
+} // namespace vespra::control
