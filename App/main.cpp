@@ -1,10 +1,15 @@
 #include "App/Headless/ExitStatus.h"
 #include "App/Headless/HeadlessApplication.h"
 #include "App/Headless/TerminationSignals.h"
+#include "App/Model/SingleInstance.h"
+#include "App/Model/UserDefaults.h"
+#include "App/Wording/Localized.h"
 #include "App/Wording/Translations.h"
+#include "Control/Protocol/ControlRequest.h"
 #include "HelperProtocol/Brand.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 #include <csignal>
 #include <cstdio>
@@ -23,8 +28,14 @@ int runHeadless(QCoreApplication& application, const HeadlessOptions& options)
     if (!platform->notice.empty())
         std::fprintf(stderr, "%s\n", platform->notice.c_str());
 
+    const auto defaults = makeUserDefaults();
+    AppDelegate delegate{{.platform = *platform,
+                             .defaults = defaults.get(),
+                             .home = QDir::homePath().toStdString(),
+                             .supportDirectory = Brand::applicationSupportDirectory()},
+        nullptr};
     TerminalOutput output;
-    HeadlessApplication headless{*platform, options, output, [&](int exitStatus) {
+    HeadlessApplication headless{delegate, *platform, options, output, [&](int exitStatus) {
                                      // Posted, for the loop may not run yet.
                                      platform->time.mainLoop->post(
                                          [exitStatus] { QCoreApplication::exit(exitStatus); });
@@ -34,13 +45,30 @@ int runHeadless(QCoreApplication& application, const HeadlessOptions& options)
     return application.exec();
 }
 
+/// A second start shows the first one. It does nothing else, so what else it was asked for is refused.
+int handOver(const HeadlessOptions& options)
+{
+    if (!options.isPlain()) {
+        const auto text
+            = localized("%1 is already running. \"vespractl start\" starts a session in it.", {Brand::appName()});
+        std::fprintf(stderr, "%s\n", text.c_str());
+        return ExitStatus::failed;
+    }
+    if (showRunningApplication(controlProtocol::defaultPath()))
+        return ExitStatus::done;
+    const auto text = localized("%1 is already running, but does not answer.", {Brand::appName()});
+    std::fprintf(stderr, "%s\n", text.c_str());
+    return ExitStatus::failed;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const auto options = parsedCommandLine(argc, argv);
-    if (const auto* exitStatus = std::get_if<int>(&options))
+    const auto parsed = parsedCommandLine(argc, argv);
+    if (const auto* exitStatus = std::get_if<int>(&parsed))
         return *exitStatus;
+    const auto& options = std::get<HeadlessOptions>(parsed);
     // Whoever reads the output may go away; the session goes on.
     std::signal(SIGPIPE, SIG_IGN);
     int plainArgumentCount = 1;
@@ -48,5 +76,8 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(QString::fromStdString(Brand::appName()));
     if (const auto installed = installTranslation(application); !installed)
         std::fprintf(stderr, "%s\n", installed.error().c_str());
-    return runHeadless(application, std::get<HeadlessOptions>(options));
+    const SingleInstance instance{SingleInstance::defaultPath()};
+    if (instance.claim() == SingleInstance::Claim::taken)
+        return handOver(options);
+    return runHeadless(application, options);
 }

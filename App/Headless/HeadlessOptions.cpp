@@ -43,25 +43,26 @@ namespace {
         return std::unexpected{"expected linux, macos or simulated, not \"" + name + "\""};
     }
 
-    void addPlans(CLI::App& app, SessionPreferences& preferences, bool& isIdle)
+    void addPlans(CLI::App& app, StartOptions& session, bool& isIdle)
     {
-        auto& plans = *app.add_option_group("How the session ends", "By default as a timer of one hour");
+        auto& plans = *app.add_option_group(
+            "How the session ends", "By default as the last time; at first a timer of one hour");
         add<Seconds>(plans,
             {"--timer", "LENGTH", "After this time, such as 25m or 1h30m; from one minute to 24 hours"},
             lengthWithin({SessionLimits::minimumDuration, SessionLimits::maximumDuration}),
             [&](Seconds length) {
-                preferences.mode = SessionMode::timer;
-                preferences.timerDuration = length;
+                session.mode = SessionMode::timer;
+                session.timerDuration = length;
             });
         add<TimeOfDay>(plans,
             {"--until", "TIME", "At this time of day, such as 18:30"},
             arguments::timeOfDay,
             [&](TimeOfDay time) {
-                preferences.mode = SessionMode::until;
-                preferences.untilTime = time;
+                session.mode = SessionMode::until;
+                session.untilTime = time;
             });
         const auto addMode = [&](const char* name, SessionMode mode, const char* help) {
-            plans.add_flag_callback(name, [&preferences, mode] { preferences.mode = mode; }, help);
+            plans.add_flag_callback(name, [&session, mode] { session.mode = mode; }, help);
         };
         addMode("--unlimited", SessionMode::unlimited, "Only when you stop it");
         addMode("--agent", SessionMode::agent, "When your coding agents have finished");
@@ -74,17 +75,16 @@ namespace {
 std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
 {
     HeadlessOptions options;
-    std::optional<Seconds> grace;
     bool isHeadless = false;
     CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep.", "vespra"};
     app.add_flag("--headless", isHeadless, "Run in the terminal, without windows");
-    addPlans(app, options.preferences, options.isIdle);
+    addPlans(app, options.session, options.isIdle);
     add<Seconds>(app,
         {"--grace", "LENGTH", "How long all agents must stay done before the session ends, such as 2m; up to 15m"},
         lengthWithin(AgentPolicy::graceRange),
-        [&](Seconds length) { grace = length; });
-    app.add_flag("--display", options.preferences.options.keepsDisplayAwake, "Keep the display on too");
-    app.add_flag("--closed-lid", options.preferences.options.closedLid, "Stay awake with the lid closed");
+        [&](Seconds length) { options.grace = length; });
+    app.add_flag_callback("--display", [&] { options.session.keepsDisplayAwake = true; }, "Keep the display on too");
+    app.add_flag_callback("--closed-lid", [&] { options.session.closedLid = true; }, "Stay awake with the lid closed");
     add<SessionSettings>(app,
         {"--settings", "FILE", "Guardrails and agent settings, as JSON"},
         arguments::settingsFile,
@@ -101,9 +101,6 @@ std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
         // Asking for help is a "parse error" of status 0.
         return app.exit(error) == 0 ? ExitStatus::done : ExitStatus::badArguments;
     }
-    // After --settings, wherever it stood on the command line.
-    if (grace)
-        options.settings.agents.graceDelay = *grace;
     return options;
 }
 

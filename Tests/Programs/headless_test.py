@@ -19,7 +19,8 @@ class Headless(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory(prefix="vespra-")
         self.addCleanup(self.folder.cleanup)
-        self.environment = dict(os.environ, XDG_DATA_HOME=self.folder.name, LC_ALL="C", TZ="UTC")
+        self.environment = dict(os.environ, HOME=self.folder.name, XDG_DATA_HOME=self.folder.name,
+                                XDG_CONFIG_HOME=self.folder.name + "/config", LC_ALL="C", TZ="UTC")
         self.environment.pop("DISPLAY", None)
         self.support = pathlib.Path(self.folder.name) / "Vespra"
 
@@ -80,6 +81,9 @@ class Headless(unittest.TestCase):
                 self.assertFalse((self.support / "agent.sock").exists())
 
     def test_an_agent_session_ends_after_the_grace_delay(self):
+        (pathlib.Path(self.folder.name) / ".claude").mkdir()
+        subprocess.run([BIN / "vespractl", "hooks", "connect", "claude"], check=True, env=self.environment,
+                       stdout=subprocess.DEVNULL)
         process, _ = self.started("--agent", "--grace", "1s")
         self.hook("UserPromptSubmit")
         self.hook("UserPromptSubmit", agent="codex")
