@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <poll.h>
 #include <QDBusError>
 #include <QDBusUnixFileDescriptor>
@@ -12,6 +13,21 @@
 namespace vespra {
 
 namespace {
+
+    constexpr auto daemonConfiguration
+        = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  <servicedir>services</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
 
     const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
@@ -44,6 +60,20 @@ public:
             bus.send(message.createReply(inhibit(message)));
         else if (message.member().compare(QStringLiteral("UnInhibit"), Qt::CaseInsensitive) == 0)
             cookies.erase(arguments.value(0).toUInt());
+        else if (message.member() == QStringLiteral("GetCapabilities"))
+            bus.send(message.createReply(capabilities));
+        else if (message.member() == QStringLiteral("Notify"))
+            bus.send(message.createReply(show(arguments)));
+        else if (message.member() == QStringLiteral("CloseNotification"))
+            notifications.erase(arguments.value(0).toUInt());
+    }
+
+    unsigned show(const QVariantList& notification)
+    {
+        const auto replaced = notification.value(1).toUInt();
+        const auto id = replaced != 0 ? replaced : ++lastNotification;
+        notifications[id] = notification;
+        return id;
     }
 
     QVariant inhibit(const QDBusMessage& message)
@@ -94,18 +124,25 @@ public:
     std::vector<Lock> locks;
     std::map<unsigned, QString> cookies;
     unsigned lastCookie = 0;
+    QStringList capabilities;
+    std::map<unsigned, QVariantList> notifications;
+    unsigned lastNotification = 0;
     std::size_t most = 0;
 };
 
 MockBus::MockBus()
 {
+    std::filesystem::create_directory(folder_ / "services");
+    std::ofstream{folder_ / "bus.conf"} << daemonConfiguration;
     int ends[2];
     if (pipe(ends) != 0)
         std::abort();
     daemon_ = fork();
     if (daemon_ == 0) {
-        const auto option = "--print-address=" + std::to_string(ends[1]);
-        execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", option.c_str(), nullptr);
+        const auto address = "--print-address=" + std::to_string(ends[1]);
+        const auto configuration = "--config-file=" + (folder_ / "bus.conf").string();
+        execlp(
+            "dbus-daemon", "dbus-daemon", configuration.c_str(), "--nofork", "--nopidfile", address.c_str(), nullptr);
         _exit(127);
     }
     close(ends[1]);
@@ -146,6 +183,19 @@ void MockBus::own(const char* service)
     run([&] { services_->bus.registerService(QLatin1String{service}); });
 }
 
+void MockBus::makeActivatable(const char* service, const std::string& command)
+{
+    const auto name = std::string{service};
+    std::ofstream{folder_ / ("services/" + name + ".service")} << "[D-BUS Service]\nName=" << name
+                                                               << "\nExec=" << command << "\n";
+    run([&] {
+        services_->bus.call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+            QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"),
+            QStringLiteral("ReloadConfig")));
+    });
+}
+
 void MockBus::disown(const char* service)
 {
     run([&] { services_->bus.unregisterService(QLatin1String{service}); });
@@ -157,6 +207,8 @@ void MockBus::restart(const char* service)
     run([&] {
         std::erase_if(
             services_->cookies, [&](const auto& each) { return each.second.startsWith(QLatin1String{service}); });
+        services_->notifications.clear();
+        services_->lastNotification = 0;
     });
     own(service);
 }
@@ -167,7 +219,8 @@ void MockBus::reset()
              "org.freedesktop.UPower",
              "org.gnome.SessionManager",
              "org.freedesktop.PowerManagement",
-             "org.freedesktop.ScreenSaver"})
+             "org.freedesktop.ScreenSaver",
+             "org.freedesktop.Notifications"})
         disown(service);
     run([&] {
         services_->keptMembers.clear();
@@ -176,6 +229,9 @@ void MockBus::reset()
         services_->locks.clear();
         services_->cookies.clear();
         services_->most = 0;
+        services_->capabilities.clear();
+        services_->notifications.clear();
+        services_->lastNotification = 0;
     });
 }
 
@@ -231,6 +287,18 @@ std::vector<std::string> MockBus::held()
     std::vector<std::string> all;
     run([&] { all = services_->held(); });
     return all;
+}
+
+std::map<unsigned, QVariantList> MockBus::notifications()
+{
+    std::map<unsigned, QVariantList> all;
+    run([&] { all = services_->notifications; });
+    return all;
+}
+
+void MockBus::setCapabilities(const QStringList& capabilities)
+{
+    run([&] { services_->capabilities = capabilities; });
 }
 
 std::size_t MockBus::mostHeld()

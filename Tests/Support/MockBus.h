@@ -1,6 +1,7 @@
 #pragma once
 
 #include "HelperProtocol/FileDescriptor.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 #include <functional>
 #include <map>
@@ -15,7 +16,8 @@
 namespace vespra {
 
 /// A bus of the test's own, which is both the system's and the session's, with services that come and go on it: logind,
-/// UPower and those of a desktop. They live on a thread of their own, as if in another process.
+/// UPower and those of a desktop. Nothing else can be started on it. They live on a thread of their own, as if in
+/// another process.
 class MockBus {
 public:
     /// Starts the bus daemon and names it in the environment: once per process, before anything else uses a bus.
@@ -25,6 +27,8 @@ public:
     MockBus& operator=(const MockBus&) = delete;
 
     void own(const char* service);
+    /// Whoever calls `service` while nobody owns it has the bus start `command`, a program with arguments.
+    void makeActivatable(const char* service, const std::string& command);
     /// The process lives on, with all that it has granted, but without the name.
     void disown(const char* service);
     /// As if it crashed and came back at once.
@@ -45,6 +49,11 @@ public:
 
     /// "idle:block" of each lock that is open, and "org.gnome.SessionManager 4" of each cookie.
     std::vector<std::string> held();
+    /// What is shown, by number: the arguments of Notify.
+    std::map<unsigned, QVariantList> notifications();
+    /// What the notification service says that it can do.
+    void setCapabilities(const QStringList& capabilities);
+
     /// The most that were held at the same time since the last reset.
     std::size_t mostHeld();
 
@@ -53,6 +62,7 @@ private:
 
     void run(const std::function<void()>& task);
 
+    TemporaryDirectory folder_;
     std::unique_ptr<Services> services_;
     QThread thread_;
     long daemon_ = 0;

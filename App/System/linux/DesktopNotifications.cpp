@@ -93,7 +93,7 @@ void DesktopNotifications::remove(const std::string& identifier)
     if (shown.id)
         close(shown.server, *shown.id);
     else
-        unwanted_.push_back(std::move(shown.question));
+        unwanted_.emplace(shown.number, std::move(shown.question));
 }
 
 void DesktopNotifications::deliver()
@@ -147,7 +147,7 @@ void DesktopNotifications::sent(const Order& order, int number, const QDBusMessa
     const auto id = reply.arguments().value(0).toUInt();
     const auto found = shown_.find(order.notification.identifier);
     if (found == shown_.end() || found->second.number != number) {
-        std::erase_if(unwanted_, [](const dbus::Call& call) { return call->isFinished(); });
+        unwanted_.erase(number);
         if (isShown)
             close(reply.service(), id);
         return;

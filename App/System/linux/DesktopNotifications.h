@@ -69,8 +69,8 @@ private:
     std::vector<Order> waiting_;
     /// By identifier.
     std::map<std::string, Shown> shown_;
-    /// Nobody wants these any more: what the server makes of them is closed.
-    std::vector<dbus::Call> unwanted_;
+    /// By number. Nobody wants these any more: what the server makes of them is closed.
+    std::map<int, dbus::Call> unwanted_;
     int lastNumber_ = 0;
     dbus::NameWatch owner_;
     dbus::SignalWatch actionInvoked_;
