@@ -100,14 +100,23 @@ std::expected<std::optional<SleepOverrideRecord>, std::string> LedgerFile::read(
 
 HelperResult LedgerFile::write(const SleepOverrideRecord& record)
 {
-    if (mkdir(directory_.c_str(), 0700) != 0 && errno != EEXIST)
-        return failure("création impossible de", directory_);
+    if (const auto made = makeDirectory(); !made)
+        return made;
     const auto temporary = path_ + ".new";
     if (const auto written = writeAndSync(temporary, toJSON(record).dump() + "\n"); !written)
         return written;
     if (rename(temporary.c_str(), path_.c_str()) != 0)
         return failure("renommage impossible de", temporary);
-    return syncDirectory();
+    return syncDirectory(directory_);
+}
+
+HelperResult LedgerFile::makeDirectory() const
+{
+    if (mkdir(directory_.c_str(), 0700) == 0)
+        return syncDirectory(directory_ + "/..");
+    if (errno != EEXIST)
+        return failure("création impossible de", directory_);
+    return {};
 }
 
 HelperResult LedgerFile::writeAndSync(const std::string& path, const std::string& text) const
@@ -125,21 +134,21 @@ HelperResult LedgerFile::erase()
             return {};
         return failure("suppression impossible de", path_);
     }
-    return syncDirectory();
+    return syncDirectory(directory_);
 }
 
 HelperResult LedgerFile::setAside()
 {
     if (rename(path_.c_str(), (path_ + ".bad").c_str()) != 0 && errno != ENOENT)
         return failure("mise de côté impossible de", path_);
-    return syncDirectory();
+    return syncDirectory(directory_);
 }
 
-HelperResult LedgerFile::syncDirectory() const
+HelperResult LedgerFile::syncDirectory(const std::string& path)
 {
-    const Descriptor directory{directory_, O_RDONLY | O_DIRECTORY};
+    const Descriptor directory{path, O_RDONLY | O_DIRECTORY};
     if (!directory || !syncToDisk(directory.get()))
-        return failure("synchronisation impossible de", directory_);
+        return failure("synchronisation impossible de", path);
     return {};
 }
 

@@ -17,7 +17,8 @@ public:
 
 private:
     HelperResult writeAndSync(const std::string& path, const std::string& text) const;
-    HelperResult syncDirectory() const;
+    HelperResult makeDirectory() const;
+    static HelperResult syncDirectory(const std::string& path);
 
     std::string directory_;
     std::string path_;

@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <QCoreApplication>
 #include <QDBusReply>
+#include <QDBusVirtualObject>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTimer>
@@ -20,11 +21,11 @@ namespace vespra {
 
 namespace {
 
-    template <class Condition> bool becomes(Condition condition)
+    template <class Condition> bool becomes(Condition condition, int limit = 5000) // milliseconds
     {
         QElapsedTimer timer;
         timer.start();
-        while (!condition() && timer.elapsed() < 5000)
+        while (!condition() && timer.elapsed() < limit)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         return condition();
     }
@@ -116,6 +117,54 @@ namespace {
         PlatformHelper helper = makeLinuxHelper();
         std::optional<ClosedLidController> controller;
     };
+
+    /// In the helper's place: answers when the test says so.
+    class StandIn final : public QDBusVirtualObject {
+    public:
+        explicit StandIn(const QString& service)
+            : service_{service}
+        {
+            line_.registerVirtualObject("/app/vespra/Helper", this);
+            takeName();
+        }
+        ~StandIn() override { QDBusConnection::disconnectFromBus("stand-in"); }
+        bool takeName() { return line_.registerService(service_); }
+        bool giveUpName() { return line_.unregisterService(service_); }
+        void answer()
+        {
+            for (const auto& call : std::exchange(calls, {}))
+                line_.send(call.createReply());
+        }
+        bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override
+        {
+            calls.push_back(message);
+            return true;
+        }
+        QString introspect(const QString&) const override { return {}; }
+        std::vector<QDBusMessage> calls;
+
+    private:
+        QDBusConnection line_ = QDBusConnection::connectToBus(QDBusConnection::SystemBus, "stand-in");
+        QString service_;
+    };
+
+    // The first, for the helper itself would hold the name.
+    TEST_F(LinuxAdaptersTest, AHelperThatGivesUpItsNameStillAnswersWhatItWasAsked)
+    {
+        StandIn standIn{"app.vespra.Helper"};
+        const auto connection = helper.connect();
+        bool isInvalid = false;
+        std::optional<std::expected<HelperRefusal, HelperUnreachable>> reply;
+        connection->onInvalidation = [&] { isInvalid = true; };
+        connection->enableClosedLid([&](const auto& answer) { reply = answer; });
+        ASSERT_TRUE(becomes([&] { return !standIn.calls.empty(); }));
+        ASSERT_TRUE(standIn.giveUpName());
+        EXPECT_FALSE(becomes([&] { return isInvalid; }, 200));
+        standIn.answer();
+        EXPECT_TRUE(becomes([&] { return isInvalid; }));
+        ASSERT_TRUE(reply && *reply);
+        EXPECT_EQ(**reply, HelperRefusal{});
+    }
 
     TEST_F(LinuxAdaptersTest, AClosedLidSessionHoldsTheLockFromStartToEnd)
     {

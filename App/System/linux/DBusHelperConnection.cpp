@@ -1,6 +1,5 @@
 #include "App/System/linux/DBusHelperConnection.h"
 
-#include "Core/Lifetime.h"
 #include "HelperProtocol/linux/InstallationNames.h"
 
 namespace vespra {
@@ -54,8 +53,8 @@ DBusHelperConnection::DBusHelperConnection()
     : name_{nextName()}
     , bus_{QDBusConnection::connectToBus(QDBusConnection::SystemBus, name_)}
     , owner_{bus_, QString::fromLatin1(installation::busName), [this](bool owned) {
-                 if (!owned)
-                     notify(onInvalidation);
+                 hasLeft_ = !owned;
+                 tellIfOver();
              }}
 {
 }
@@ -75,8 +74,18 @@ void DBusHelperConnection::ask(const char* method, HelperReply<Value> reply, Rea
         dbus::untilAnswered,
         [this, id, reply = std::move(reply), read](const QDBusMessage& message) {
             calls_.erase(id);
+            // The reply may destroy the connection.
+            const auto tell = lifetime_.guard([this] { tellIfOver(); });
             reply(read(message));
+            tell();
         });
+}
+
+/// A component that leaves answers first what it was asked; the bus answers in the place of one that died.
+void DBusHelperConnection::tellIfOver()
+{
+    if (hasLeft_ && calls_.empty())
+        notify(onInvalidation);
 }
 
 void DBusHelperConnection::protocolVersion(HelperReply<std::int64_t> reply)

@@ -2,6 +2,7 @@
 
 #include "App/System/HelperConnection.h"
 #include "App/System/linux/DBus.h"
+#include "Core/Lifetime.h"
 
 #include <map>
 
@@ -24,12 +25,15 @@ public:
 
 private:
     template <class Value, class Read> void ask(const char* method, HelperReply<Value> reply, Read read);
+    void tellIfOver();
 
     QString name_;
     QDBusConnection bus_;
     dbus::NameWatch owner_;
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
+    bool hasLeft_ = false;
+    Lifetime lifetime_;
 };
 
 } // namespace vespra
