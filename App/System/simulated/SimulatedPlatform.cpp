@@ -180,12 +180,14 @@ namespace {
 
 } // namespace
 
-Platform makeSimulatedPlatform()
+Platform makeSimulatedPlatform() { return makeSimulatedPlatform(makePlatformTime()); }
+
+Platform makeSimulatedPlatform(PlatformTime time)
 {
     const auto machine = std::make_shared<SimulatedMachine>();
     Platform platform;
     platform.kind = PlatformKind::simulated;
-    platform.time = makePlatformTime();
+    platform.time = std::move(time);
     platform.machine = machine;
     platform.power = std::make_unique<SimulatedPowerSource>(machine);
     platform.thermal = std::make_unique<SimulatedThermal>(machine);

@@ -5,7 +5,9 @@
 
 namespace vespra {
 
-/// A laptop in memory on the system's own time. Its `machine` steers it.
+/// A laptop in memory, which its `machine` steers. A QCoreApplication must exist unless `time` brings its own loop.
+Platform makeSimulatedPlatform(PlatformTime time);
+/// The same on the system's own time.
 Platform makeSimulatedPlatform();
 
 } // namespace vespra

@@ -1,0 +1,252 @@
+#include "App/Model/AppModel.h"
+
+#include "App/Model/PreferencesStore.h"
+#include "Tests/Support/LaunchedApplication.h"
+
+#include <gmock/gmock.h>
+
+namespace vespra {
+
+namespace {
+
+    using testing::ElementsAre;
+
+    class AppModelTest : public LaunchedApplication {
+    protected:
+        void SetUp() override
+        {
+            launch();
+            model().showPanel = [this] { ++panelsShown; };
+        }
+        void requireCharger(bool required)
+        {
+            auto settings = coordinator().settings();
+            settings.energy.requiresACPower = required;
+            model().setSettings(settings);
+        }
+        void setEndAction(AgentEndAction action)
+        {
+            auto settings = coordinator().settings();
+            settings.agents.endAction = action;
+            settings.agents.graceDelay = 0s;
+            model().setSettings(settings);
+        }
+        void runAgentSession()
+        {
+            connectClaude();
+            prefer(SessionMode::agent);
+            model().start();
+            agent(AgentSignal::working);
+        }
+
+        int panelsShown = 0;
+    };
+
+} // namespace
+
+TEST_F(AppModelTest, TogglesBetweenASessionAndNone)
+{
+    model().toggleSession();
+    EXPECT_TRUE(isActive());
+    EXPECT_EQ(coordinator().state().activeSession()->endsAt, laptop.time.now() + 1h);
+    model().toggleSession();
+    EXPECT_EQ(lastEnd(), "stoppedByUser");
+    EXPECT_EQ(panelsShown, 0);
+}
+
+TEST_F(AppModelTest, ShowsThePanelWhenAToggleIsBlocked)
+{
+    laptop.set({{"charger", "off"}});
+    model().toggleSession();
+    EXPECT_FALSE(isActive());
+    EXPECT_EQ(panelsShown, 1);
+    prefer(SessionMode::agent);
+    laptop.set({{"charger", "on"}});
+    model().toggleSession();
+    EXPECT_FALSE(isActive()) << "no agent is connected";
+    EXPECT_EQ(panelsShown, 2);
+}
+
+TEST_F(AppModelTest, NeedsAConnectedAgentInAgentModeOnly)
+{
+    EXPECT_FALSE(model().needsAgentConnection());
+    prefer(SessionMode::agent);
+    EXPECT_TRUE(model().needsAgentConnection());
+    model().startUnconnected(model().preferences());
+    EXPECT_TRUE(isActive()) << "asked for by name";
+    coordinator().stop(end::StoppedByUser{});
+    connectClaude();
+    EXPECT_FALSE(model().needsAgentConnection());
+    model().start();
+    EXPECT_TRUE(isActive());
+}
+
+TEST_F(AppModelTest, HasAnEndConditionExactlyWhileAnAgentSessionRuns)
+{
+    connectClaude();
+    model().start();
+    EXPECT_EQ(model().agentCondition(), nullptr) << "a timer has none";
+    prefer(SessionMode::agent);
+    model().start();
+    EXPECT_EQ(model().agentCondition(), nullptr) << "the timer still runs";
+    coordinator().stop(end::StoppedByUser{});
+    model().start();
+    const auto condition = model().agentCondition();
+    EXPECT_NE(condition, nullptr);
+    prefer(SessionMode::timer);
+    model().start();
+    EXPECT_EQ(model().agentCondition(), condition) << "refused: the agent session goes on";
+    coordinator().stop(end::StoppedByUser{});
+    EXPECT_EQ(model().agentCondition(), nullptr);
+}
+
+TEST_F(AppModelTest, GivesTheAgentPlanTheSafetyCapOfTheSettings)
+{
+    connectClaude();
+    prefer(SessionMode::agent);
+    auto settings = coordinator().settings();
+    settings.agentSafetyCap = 3h;
+    model().setSettings(settings);
+    model().start();
+    EXPECT_EQ(coordinator().state().activeSession()->endsAt, laptop.time.now() + 3h);
+}
+
+TEST_F(AppModelTest, StartsFromOtherPreferencesWithoutKeepingThem)
+{
+    auto other = model().preferences();
+    other.timerDuration = 10min;
+    model().start(other);
+    EXPECT_EQ(coordinator().state().activeSession()->endsAt, laptop.time.now() + 10min);
+    EXPECT_EQ(model().preferences(), SessionPreferences{});
+}
+
+TEST_F(AppModelTest, RefusedClosedLidModeChangesNothingButTheReason)
+{
+    requireCharger(false);
+    laptop.set({{"charger", "off"}, {"helper", "ready"}});
+    model().start();
+    model().setClosedLid(true);
+    EXPECT_EQ(model().closedLidToggleRefusal(), StartRefusal{refusal::ChargerRequired{}});
+    EXPECT_FALSE(model().isClosedLidOn());
+    EXPECT_FALSE(model().preferences().options.closedLid);
+
+    coordinator().stop(end::StoppedByUser{});
+    model().setClosedLid(true);
+    EXPECT_EQ(model().closedLidToggleRefusal(), std::nullopt) << "while idle it is only a preference";
+    EXPECT_TRUE(model().isClosedLidOn());
+}
+
+TEST_F(AppModelTest, OptionsAreThoseOfTheSessionWhileOneRuns)
+{
+    model().setKeepsDisplayAwake(true);
+    EXPECT_TRUE(PreferencesStore::load(&defaults).options.keepsDisplayAwake);
+    model().start();
+    laptop.settle();
+    EXPECT_EQ(laptop.held(), "activity PreventUserIdleSystemSleep PreventUserIdleDisplaySleep");
+    prefer(SessionMode::timer);
+    EXPECT_TRUE(model().keepsDisplayAwake()) << "the session's";
+    model().setKeepsDisplayAwake(false);
+    laptop.settle();
+    EXPECT_EQ(laptop.held(), "activity PreventUserIdleSystemSleep");
+    EXPECT_FALSE(model().keepsDisplayAwake());
+}
+
+TEST_F(AppModelTest, RunsHotOnlyWhileAHotSessionGoesOn)
+{
+    const auto runsHot = [this](const char* level) {
+        laptop.set({{"thermal", level}});
+        return model().isRunningHot();
+    };
+    EXPECT_FALSE(runsHot("critical")) << "no session";
+    laptop.set({{"thermal", "nominal"}, {"helper", "ready"}});
+    model().start();
+    EXPECT_FALSE(runsHot("fair"));
+    EXPECT_TRUE(runsHot("serious"));
+    EXPECT_TRUE(runsHot("critical"));
+}
+
+TEST_F(AppModelTest, KeepsEveryChoiceAtOnce)
+{
+    model().setPlaysHeatAlarm(false);
+    model().setShowsRemainingTimeInMenuBar(true);
+    requireCharger(false);
+    EXPECT_EQ(defaults.flags,
+        (std::map<std::string, bool>{{"playsHeatAlarm", false}, {"showsRemainingTimeInMenuBar", true}}));
+    EXPECT_FALSE(PreferencesStore::loadSettings(&defaults).energy.requiresACPower);
+    defaults.texts.erase("sessionPreferences");
+    model().setPreferences(model().preferences());
+    EXPECT_TRUE(defaults.texts.contains("sessionPreferences")) << "also what has not changed";
+
+    const AppModel next{{.platform = laptop.platform,
+        .defaults = &defaults,
+        .home = home.path(),
+        .supportDirectory = home / "support"}};
+    EXPECT_FALSE(next.playsHeatAlarm());
+    EXPECT_TRUE(next.showsRemainingTimeInMenuBar());
+    EXPECT_FALSE(next.coordinator().settings().energy.requiresACPower);
+}
+
+TEST_F(AppModelTest, ShowsTheEndByAGuardrailUntilItIsDismissed)
+{
+    const auto endByCharger = [this] {
+        laptop.set({{"charger", "on"}});
+        model().start();
+        laptop.set({{"charger", "off"}});
+    };
+    endByCharger();
+    ASSERT_TRUE(model().visibleGuardrailEnd());
+    model().dismissEnd();
+    EXPECT_FALSE(model().visibleGuardrailEnd());
+    laptop.advance(1s);
+    endByCharger();
+    EXPECT_TRUE(model().visibleGuardrailEnd()) << "another end";
+    laptop.set({{"charger", "on"}});
+    model().start();
+    EXPECT_FALSE(model().visibleGuardrailEnd()) << "a session runs";
+    model().toggleSession();
+    EXPECT_FALSE(model().visibleGuardrailEnd()) << "no guardrail's";
+}
+
+TEST_F(AppModelTest, NamesTheAgentThatFinished)
+{
+    EXPECT_EQ(model().agentsFinishedTitle(), "Your agents are done");
+    agent(AgentSignal::working);
+    agent(AgentSignal::finished);
+    EXPECT_EQ(model().agentsFinishedTitle(), "Claude Code finished in project");
+    model().agents().record({.agent = AgentKind::codex, .sessionID = "b", .signal = AgentSignal::working});
+    model().agents().record({.agent = AgentKind::codex, .sessionID = "b", .signal = AgentSignal::finished});
+    EXPECT_EQ(model().agentsFinishedTitle(), "Codex is done");
+}
+
+TEST_F(AppModelTest, WhatFollowsTheAgentsCanBeCalledOff)
+{
+    setEndAction(AgentEndAction::sleepNow);
+    runAgentSession();
+    agent(AgentSignal::finished);
+    ASSERT_EQ(lastEnd(), "agentsFinished");
+    ASSERT_TRUE(model().forcedEndAction().pending());
+    EXPECT_EQ(laptop.shown(), "agents.finished");
+    ASSERT_TRUE(laptop.machine().respond({"agents.finished", "agents.cancelForcedAction"}));
+    EXPECT_FALSE(model().forcedEndAction().pending());
+    EXPECT_EQ(laptop.shown(), "");
+
+    runAgentSession();
+    agent(AgentSignal::finished);
+    model().start();
+    EXPECT_FALSE(model().forcedEndAction().pending()) << "a new session calls it off";
+}
+
+TEST_F(AppModelTest, SkippingTheForcedActionHoldsForOneSession)
+{
+    setEndAction(AgentEndAction::shutDown);
+    runAgentSession();
+    model().setSkipsForcedActionThisSession(true);
+    agent(AgentSignal::finished);
+    EXPECT_FALSE(model().forcedEndAction().pending());
+    EXPECT_EQ(laptop.machine().notifications().back().actions.size(), 0U) << "nothing to cancel";
+    runAgentSession();
+    agent(AgentSignal::finished);
+    EXPECT_TRUE(model().forcedEndAction().pending());
+}
+
+} // namespace vespra

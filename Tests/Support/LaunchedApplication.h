@@ -1,0 +1,72 @@
+#pragma once
+
+#include "App/Model/AppDelegate.h"
+#include "Core/Agents/HookSettingsFile.h"
+#include "Tests/Support/QtApplication.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/VirtualPlatform.h"
+
+#include <gtest/gtest.h>
+
+namespace vespra {
+
+/// The whole application on a virtual laptop, with a home directory of its own.
+class LaunchedApplication : public testing::Test {
+protected:
+    void launch(AppSurfaces* surfaces = nullptr)
+    {
+        delegate.emplace(
+            AppEnvironment{
+                .platform = laptop.platform,
+                .defaults = &defaults,
+                .home = home.path(),
+                .supportDirectory = home / "support",
+            },
+            surfaces);
+        delegate->onEvent = [this](const SessionEvent& event) { events.emplace_back(caseName(event)); };
+        delegate->didFinishLaunching();
+        laptop.settle();
+    }
+    AppModel& model() { return delegate->model(); }
+    SessionCoordinator& coordinator() { return model().coordinator(); }
+    bool isActive() { return coordinator().state().isActive(); }
+    /// The name of the reason why the last session ended.
+    std::string lastEnd()
+    {
+        const auto end = coordinator().state().lastEnd();
+        return end ? std::string{caseName(end->reason)} : "";
+    }
+
+    void prefer(SessionMode mode, SessionOptions options = {})
+    {
+        auto preferences = model().preferences();
+        preferences.mode = mode;
+        preferences.options = options;
+        model().setPreferences(preferences);
+    }
+    void connectClaude()
+    {
+        std::filesystem::create_directories(home / ".claude");
+        ASSERT_TRUE(model().agentIntegration().hookFile(AgentKind::claudeCode).connect(laptop.time.now()));
+        model().agentIntegration().refresh();
+    }
+    /// An agent reports.
+    void agent(AgentSignal signal)
+    {
+        model().agents().record({.agent = AgentKind::claudeCode,
+            .sessionID = "a",
+            .cwd = "/home/u/project",
+            .signal = signal,
+            .date = laptop.time.now()});
+        laptop.settle();
+    }
+
+    QtApplication application;
+    TemporaryDirectory home;
+    MemoryDefaults defaults;
+    VirtualPlatform laptop;
+    std::vector<std::string> events;
+    std::optional<AppDelegate> delegate;
+};
+
+} // namespace vespra
