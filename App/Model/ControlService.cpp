@@ -68,6 +68,8 @@ namespace {
 
 JSON ControlService::reply(const ControlRequest& request)
 {
+    // An agent may have been connected from a terminal in the meantime.
+    model_.agentIntegration().refresh();
     switch (request.verb) {
     case ControlVerb::describe:
         return describe();

@@ -140,6 +140,16 @@ TEST_F(AppDelegateTest, LaunchesInItsOrder)
     EXPECT_EQ(model().closedLid, &delegate->closedLid());
 }
 
+TEST_F(AppDelegateTest, KnowsTheAgentsFromLaunchOn)
+{
+    fs::create_directories(home / ".claude");
+    const AgentIntegration before{home.path(), home / "support"};
+    ASSERT_TRUE(before.hookFile(AgentKind::claudeCode).connect(laptop.time.now()));
+    launch();
+    EXPECT_EQ(
+        model().agentIntegration().connections().at(AgentKind::claudeCode), HookSettingsFile::Connection::connected);
+}
+
 TEST_F(AppDelegateTest, ShowsTheOnboardingOnce)
 {
     defaults.flags["didFinishOnboarding"] = true;

@@ -110,6 +110,13 @@ TEST_F(ControlServiceTest, KeepAwakeOutlastsTheAgents)
     EXPECT_TRUE(isActive());
 }
 
+TEST_F(ControlServiceTest, KnowsAnAgentThatWasConnectedElsewhere)
+{
+    std::filesystem::create_directories(home / ".claude");
+    ASSERT_TRUE(model().agentIntegration().hookFile(AgentKind::claudeCode).connect(laptop.time.now()));
+    EXPECT_THAT(ask(R"({"request":"start","mode":"agent"})"), HasSubstr("Awake until your agents have finished"));
+}
+
 TEST_F(ControlServiceTest, SettingsCountAtOnceAndAreKept)
 {
     ask(R"({"request":"start","mode":"unlimited"})");
