@@ -221,6 +221,7 @@ TEST_F(Notifications, AreTriedOnceMoreWhereTheServerCrashes)
     settle();
     bus().restart(server); // while it is on its way
     settle();
+    bus().keepBack("GetCapabilities");
     post("b", "B2");
     settle();
     bus().refuse();
