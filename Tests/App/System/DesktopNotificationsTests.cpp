@@ -229,6 +229,18 @@ TEST_F(Notifications, AreTriedOnceMoreWhereTheServerCrashes)
     EXPECT_THAT(logged, IsEmpty());
 }
 
+TEST_F(Notifications, OfAProgramThatEndsAreShownYet)
+{
+    bus().own(server);
+    bus().setCapabilities({"actions"});
+    auto leaving = std::make_unique<DesktopNotifications>(
+        QStringLiteral("Vespra"), QStringLiteral("entry"), SystemLog{"app", "test"});
+    leaving->post({.identifier = "a", .title = "A", .body = {}, .clickTitle = "Show"});
+    leaving.reset();
+    waitUntilShown({"1 replaces 0: A"});
+    EXPECT_THAT(bus().notifications()[1].value(5).toStringList(), IsEmpty()) << "nobody would hear of a click";
+}
+
 TEST_F(Notifications, WithoutAServerAreLoggedOnceAndDropped)
 {
     post("a", "A");
