@@ -20,6 +20,8 @@ CALM = {"battery": 80, "ac": 1, "lid": "open", "display": "internal", "thermal":
 class LabTest(unittest.TestCase):
     """One laptop for all tests of a class; each starts from the same state of it."""
 
+    notifications = "none"  # or the service that shows them: xfce, dunst, mock
+
     @classmethod
     def setUpClass(cls):
         folder = tempfile.TemporaryDirectory(prefix="vespra-lab-")
@@ -27,7 +29,7 @@ class LabTest(unittest.TestCase):
         cls.folder = pathlib.Path(folder.name) / "lab"
         cls.environment = dict(os.environ, LAB_DIR=str(cls.folder), LC_ALL="C", TZ="UTC")
         cls.addClassCleanup(lambda: cls.lab("down"))
-        cls.lab("up", "--panel=none", "--notify=none")
+        cls.lab("up", "--panel=none", f"--notify={cls.notifications}")
 
     def setUp(self):
         self.set(**CALM)

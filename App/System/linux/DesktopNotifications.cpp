@@ -15,6 +15,7 @@ namespace {
     constexpr int buttonsStay = 60000; // milliseconds
     constexpr int serverDecides = -1;
     constexpr int mostFailures = 2;
+    constexpr int leavingTimeout = 500; // milliseconds
 
     const QString clickAction = QStringLiteral("default");
 
@@ -60,6 +61,18 @@ DesktopNotifications::DesktopNotifications(QString application, QString desktopE
                   closed(signal);
               }}
 {
+}
+
+DesktopNotifications::~DesktopNotifications()
+{
+    // A program may well end right after the session that it has to tell the end of.
+    const Server unknown{.name = service().service, .capabilities = {}};
+    for (const auto& order : waiting_)
+        dbus::sessionBus().send(notifyMessage(unknown, order.notification, 0));
+    const auto isOnItsWay = [](const auto& each) { return !each.second.id; };
+    if (!waiting_.empty() || std::ranges::any_of(shown_, isOnItsWay))
+        // Answered after all that was sent before it.
+        dbus::sessionBus().call(dbus::bus().method(QStringLiteral("GetId")), QDBus::Block, leavingTimeout);
 }
 
 void DesktopNotifications::setCategories(std::vector<NotificationCategory> categories)
@@ -136,7 +149,7 @@ void DesktopNotifications::send(const Order& order)
     auto& shown = shown_[identifier];
     shown = {.server = server_->name, .number = number};
     shown.question = dbus::call(dbus::sessionBus(),
-        objectOf(server_->name).method(QStringLiteral("Notify"), arguments(order.notification, replaced)),
+        notifyMessage(*server_, order.notification, replaced),
         dbus::untilAnswered,
         [this, order, number](const QDBusMessage& reply) { sent(order, number, reply); });
 }
@@ -188,9 +201,10 @@ void DesktopNotifications::ownerChanged(bool owned)
         ask();
 }
 
-QVariantList DesktopNotifications::arguments(const UserNotification& notification, unsigned replaced) const
+QDBusMessage DesktopNotifications::notifyMessage(
+    const Server& server, const UserNotification& notification, unsigned replaced) const
 {
-    const auto& capabilities = server_->capabilities;
+    const auto& capabilities = server.capabilities;
     const auto body = text(notification.body);
     const auto actions = capabilities.contains(QStringLiteral("actions")) ? buttons(notification) : QStringList{};
     QVariantMap hints{
@@ -200,14 +214,16 @@ QVariantList DesktopNotifications::arguments(const UserNotification& notificatio
     if (capabilities.contains(QStringLiteral("sound")))
         hints[QStringLiteral("sound-name")] = QStringLiteral("message-new-instant");
     constexpr auto icon = ""; // that of the desktop entry
-    return {application_,
-        replaced,
-        QString::fromLatin1(icon),
-        text(notification.title),
-        capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body,
-        actions,
-        hints,
-        actions.isEmpty() ? serverDecides : buttonsStay};
+    return objectOf(server.name)
+        .method(QStringLiteral("Notify"),
+            {application_,
+                replaced,
+                QString::fromLatin1(icon),
+                text(notification.title),
+                capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body,
+                actions,
+                hints,
+                actions.isEmpty() ? serverDecides : buttonsStay});
 }
 
 /// Each button's key and title.

@@ -14,6 +14,11 @@ class DesktopNotifications final : public UserNotificationCenter {
 public:
     /// `desktopEntry`: the name of the application's desktop file, without its ending.
     DesktopNotifications(QString application, QString desktopEntry, SystemLog log);
+    /// Sends what has been posted and not been sent yet, without buttons. Waits for the bus, at most half a second, but
+    /// not for the service.
+    ~DesktopNotifications() override;
+    DesktopNotifications(const DesktopNotifications&) = delete;
+    DesktopNotifications& operator=(const DesktopNotifications&) = delete;
 
     void setCategories(std::vector<NotificationCategory> categories) override;
     /// Nobody asks here.
@@ -50,7 +55,7 @@ private:
     void ownerChanged(bool owned);
     void remove(const std::string& identifier);
 
-    QVariantList arguments(const UserNotification& notification, unsigned replaced) const;
+    QDBusMessage notifyMessage(const Server& server, const UserNotification& notification, unsigned replaced) const;
     QStringList buttons(const UserNotification& notification) const;
 
     void actionInvoked(const QDBusMessage& signal);

@@ -49,7 +49,12 @@ void ProcessSoundPlayer::stop()
     mainThread::check();
     if (process_) {
         process_->disconnect();
-        QObject::connect(process_, &QProcess::finished, process_, &QObject::deleteLater);
+        // Also of one that cannot even be started.
+        QObject::connect(
+            process_, &QProcess::stateChanged, process_, [process = process_](QProcess::ProcessState state) {
+                if (state == QProcess::NotRunning)
+                    process->deleteLater();
+            });
         std::exchange(process_, nullptr)->kill();
     }
     finish();

@@ -73,8 +73,7 @@ void SessionInhibitor::ownerChanged(std::size_t candidate, bool owned)
         giveBack(*std::exchange(held_, std::nullopt));
     if (asked_ == candidate) {
         asked_.reset();
-        outdated_.push_back(std::move(pending_));
-        ++question_;
+        outdated_.emplace(question_++, std::move(pending_));
     }
     reconcile();
 }
@@ -151,7 +150,7 @@ void SessionInhibitor::received(std::size_t candidate, int question, const QDBus
     if (reply.type() == QDBusMessage::ReplyMessage && cookie.metaType() == QMetaType::fromType<unsigned>())
         granted = Held{candidate, reply.service(), cookie.toUInt()};
     if (question != question_) {
-        std::erase_if(outdated_, [](const dbus::Call& call) { return call->isFinished(); });
+        outdated_.erase(question);
         if (granted)
             giveBack(*granted);
         return;

@@ -5,6 +5,7 @@
 #include "App/System/SystemLog.h"
 #include "Core/Scheduling/TaskScheduling.h"
 
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -72,7 +73,7 @@ private:
     std::optional<std::size_t> asked_;
     dbus::Call pending_;
     /// Questions to processes that have since lost the service's name: what they grant is given back.
-    std::vector<dbus::Call> outdated_;
+    std::map<int, dbus::Call> outdated_;
     int question_ = 0;
     bool hasLoggedFailure_ = false;
     std::unique_ptr<ScheduledTask> retry_;

@@ -221,11 +221,24 @@ TEST_F(Notifications, AreTriedOnceMoreWhereTheServerCrashes)
     settle();
     bus().restart(server); // while it is on its way
     settle();
+    bus().keepBack("GetCapabilities");
     post("b", "B2");
     settle();
     bus().refuse();
     waitUntilShown({"1 replaces 0: B2"});
     EXPECT_THAT(logged, IsEmpty());
+}
+
+TEST_F(Notifications, OfAProgramThatEndsAreShownYet)
+{
+    bus().own(server);
+    bus().setCapabilities({"actions"});
+    auto leaving = std::make_unique<DesktopNotifications>(
+        QStringLiteral("Vespra"), QStringLiteral("entry"), SystemLog{"app", "test"});
+    leaving->post({.identifier = "a", .title = "A", .body = {}, .clickTitle = "Show"});
+    leaving.reset();
+    waitUntilShown({"1 replaces 0: A"});
+    EXPECT_THAT(bus().notifications()[1].value(5).toStringList(), IsEmpty()) << "nobody would hear of a click";
 }
 
 TEST_F(Notifications, WithoutAServerAreLoggedOnceAndDropped)

@@ -217,6 +217,16 @@ TEST_F(LinuxServices, SessionInhibitorGivesBackACookieThatComesTooLate)
     settle();
     bus().answer(); // by a process that has lost the name
     waitUntilHeld({});
+
+    bus().keepBack("Inhibit");
+    bus().own(gnome);
+    for (int restart = 0; restart < 3; ++restart) {
+        settle();
+        bus().restart(gnome);
+    }
+    settle();
+    bus().answer(); // all of them at once
+    waitUntilHeld({"org.gnome.SessionManager 4"});
 }
 
 TEST_F(LinuxServices, PowerFollowsUPowerAndTheKernelInItsPlace)

@@ -90,6 +90,18 @@ TEST_F(SoundPlayers, AreTriedInOrderUntilOneSucceeds)
     EXPECT_THAT(logged, IsEmpty());
 }
 
+TEST_F(SoundPlayers, ThatCannotStartDoNotDisturbTheNextPlay)
+{
+    write("vespra-plays", "exit 0");
+    std::ofstream{folder / "vespra-broken"} << "not a program";
+    permissions(folder / "vespra-broken", std::filesystem::perms::owner_all);
+    const auto sound = player({{"vespra-broken", {}}, {"vespra-plays", {}}});
+    sound->play({});
+    sound->stop();
+    play(*sound);
+    EXPECT_THAT(lines("calls"), SizeIs(1));
+}
+
 TEST_F(SoundPlayers, OfWhichNoneSucceedsAreLoggedOnce)
 {
     write("vespra-fails", "exit 1");
