@@ -6,11 +6,11 @@
 #include "HelperProtocol/UnixSocket.h"
 
 #include <pthread.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <csignal>
 #include <expected>
 #include <filesystem>
 #include <system_error>

@@ -10,9 +10,8 @@
 #include <memory>
 #include <string>
 #include <sys/types.h>
+#include <sys/un.h>
 #include <thread>
-
-struct sockaddr_un;
 
 namespace vespra {
 

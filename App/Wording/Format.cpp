@@ -26,9 +26,9 @@ namespace {
 
 } // namespace
 
-Format::Format(QLocale words, QLocale clock)
-    : words_{std::move(words)}
-    , clock_{std::move(clock)}
+Format::Format(const QLocale& words, const QLocale& clock)
+    : words_{words}
+    , clock_{clock}
 {
 }
 

@@ -12,7 +12,7 @@ namespace vespra {
 class Format {
 public:
     /// `words` is the language of durations, `clock` says how times of day are written.
-    Format(QLocale words, QLocale clock);
+    Format(const QLocale& words, const QLocale& clock);
 
     /// That of the user, for the process's life.
     static const Format& current();

@@ -105,8 +105,11 @@ std::expected<std::string, std::string> fileContents(const std::string& path)
     std::string text;
     if (file) {
         char chunk[1 << 16];
-        while (const auto read = std::fread(chunk, 1, sizeof chunk, file.get()))
+        auto read = sizeof chunk;
+        while (read == sizeof chunk) {
+            read = std::fread(chunk, 1, sizeof chunk, file.get());
             text.append(chunk, read);
+        }
     }
     if (!file || std::ferror(file.get()))
         return std::unexpected{"cannot read " + path + ": " + std::strerror(errno)};

@@ -34,11 +34,6 @@ OrderedJSON::OrderedJSON(Number number)
 {
 }
 
-OrderedJSON::OrderedJSON(Null null)
-    : form_{null}
-{
-}
-
 const OrderedJSON::Object* OrderedJSON::object() const
 {
     const auto* members = std::get_if<Shared<Object>>(&form_);

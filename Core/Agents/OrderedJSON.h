@@ -55,7 +55,10 @@ public:
         : form_{bool{value}}
     {
     }
-    OrderedJSON(Null = {});
+    OrderedJSON(Null = {})
+        : form_{Null{}}
+    {
+    }
 
     /// Two spaces for each level, one entry a line, without a final line feed.
     std::string formatted() const;
@@ -79,6 +82,7 @@ private:
     template <class List> using Shared = std::shared_ptr<const List>;
     using Form = std::variant<Shared<Object>, Shared<Array>, std::string, Number, bool, Null>;
 
+    friend class OrderedJSONParser;
     friend class OrderedJSONPrinter;
 
     Form form_;

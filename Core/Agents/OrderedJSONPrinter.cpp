@@ -1,5 +1,6 @@
 #include "Core/Agents/JSONPlainText.h"
 #include "Core/Agents/OrderedJSON.h"
+#include "Core/Match.h"
 
 #include <cstring>
 
@@ -15,31 +16,25 @@ public:
 
     void print(const OrderedJSON& value)
     {
-        if (const auto* string = value.stringValue())
-            printString(*string);
-        else if (const auto* members = value.object())
-            printList('{', *members, '}', [this](const OrderedJSON::Member& member) {
-                printString(member.key);
-                add(": ");
-                print(member.value);
-            });
-        else if (const auto* elements = value.array())
-            printList('[', *elements, ']', [this](const OrderedJSON& element) { print(element); });
-        else
-            printWord(value);
+        match(
+            value.form_,
+            [this](const OrderedJSON::Shared<OrderedJSON::Object>& members) {
+                printList('{', *members, '}', [this](const OrderedJSON::Member& member) {
+                    printString(member.key);
+                    add(": ");
+                    print(member.value);
+                });
+            },
+            [this](const OrderedJSON::Shared<OrderedJSON::Array>& elements) {
+                printList('[', *elements, ']', [this](const OrderedJSON& element) { print(element); });
+            },
+            [this](const std::string& text) { printString(text); },
+            [this](const OrderedJSON::Number& number) { add(number.text); },
+            [this](bool truth) { add(truth ? "true" : "false"); },
+            [this](OrderedJSON::Null) { add("null"); });
     }
 
 private:
-    void printWord(const OrderedJSON& value)
-    {
-        if (const auto* number = std::get_if<OrderedJSON::Number>(&value.form_))
-            add(number->text);
-        else if (const auto* truth = std::get_if<bool>(&value.form_))
-            add(*truth ? "true" : "false");
-        else
-            add("null");
-    }
-
     void printList(char opening, const auto& entries, char closing, auto printEntry)
     {
         add(opening);

@@ -41,19 +41,16 @@ namespace {
             machine.revive();
         }
 
-        static HelperRefusal enable(HelperXPCProtocol& client)
+        using Client = HelperXPCProtocol;
+        static HelperRefusal ask(Client& client, void (Client::*request)(HelperReply<HelperRefusal>))
         {
             HelperRefusal refusal{"no reply"};
-            client.enableClosedLid([&](auto reply) { refusal = *reply; });
+            (client.*request)([&](auto reply) { refusal = *reply; });
             return refusal;
         }
-        static HelperRefusal restore(HelperXPCProtocol& client)
-        {
-            HelperRefusal refusal{"no reply"};
-            client.restoreSleep([&](auto reply) { refusal = *reply; });
-            return refusal;
-        }
-        static bool heartbeat(HelperXPCProtocol& client)
+        static HelperRefusal enable(Client& client) { return ask(client, &Client::enableClosedLid); }
+        static HelperRefusal restore(Client& client) { return ask(client, &Client::restoreSleep); }
+        static bool heartbeat(Client& client)
         {
             bool isInForce = false;
             client.heartbeat([&](auto reply) { isInForce = *reply; });
@@ -226,11 +223,8 @@ namespace {
     {
         start();
         machine.denial = "pas autorisé";
-        std::vector<HelperRefusal> refusals{enable(*session)};
-        session->sleepNow([&](auto reply) { refusals.push_back(*reply); });
-        session->shutDown([&](auto reply) { refusals.push_back(*reply); });
-        EXPECT_THAT(refusals, testing::Each(HelperRefusal{"pas autorisé"}));
-        EXPECT_EQ(refusals.size(), 3u);
+        for (const auto request : {&Client::enableClosedLid, &Client::sleepNow, &Client::shutDown})
+            EXPECT_EQ(ask(*session, request), HelperRefusal{"pas autorisé"});
         EXPECT_THAT(machine.deeds, IsEmpty());
         EXPECT_FALSE(machine.isDisabled || machine.disk);
     }
@@ -260,14 +254,11 @@ namespace {
 
     TEST_F(HelperDaemonTest, LetsGoBeforeSleepAndShutdown)
     {
-        for (const bool sleeps : {true, false}) {
+        for (const auto request : {&Client::sleepNow, &Client::shutDown}) {
             start();
             enable(*session);
             enable(*other);
-            HelperRefusal refusal{"no reply"};
-            const auto note = [&](auto reply) { refusal = *reply; };
-            sleeps ? session->sleepNow(note) : session->shutDown(note);
-            EXPECT_EQ(refusal, std::nullopt);
+            EXPECT_EQ(ask(*session, request), std::nullopt);
             EXPECT_FALSE(machine.isDisabled || machine.disk);
             EXPECT_FALSE(heartbeat(*other));
             end();

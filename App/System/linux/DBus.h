@@ -111,6 +111,6 @@ private:
 };
 
 /// Whether `service` is owned; waits for the bus, at most one second, and then says no.
-bool isOwned(const QDBusConnection& bus, const QString& service);
+bool isOwned(const QDBusConnection& connection, const QString& service);
 
 } // namespace vespra::dbus

@@ -27,7 +27,7 @@ void LinuxAssertions::reconcile()
 {
     for (const auto& [serves, inhibition] : means_) {
         const auto reason
-            = std::ranges::find_if(held_, [&serves = serves](const auto& each) { return serves.contains(each.first); });
+            = std::ranges::find_if(held_, [&serves](const auto& each) { return serves.contains(each.first); });
         if (reason == held_.end())
             inhibition->drop();
         else

@@ -45,7 +45,7 @@ bool Bus::isActivatable(const std::string& service) const
         found = found || service == *name;
         std::free(*name);
     }
-    std::free(names);
+    std::free(static_cast<void*>(names));
     return found;
 }
 

@@ -259,7 +259,7 @@ namespace {
             + system.text(logind, "IdleAction")
                 .value_or(logindSetting("/", "IdleAction").value_or("ignore (the default)"))
             + "; the idle lock prevents it. The desktop's own idle sleep is its service's business.");
-        all.push_back("Suspend chosen in a menu or by a key: nothing prevents that, and nothing should.");
+        all.emplace_back("Suspend chosen in a menu or by a key: nothing prevents that, and nothing should.");
         if (const auto power = sysfs::readPower(sysfsRoot); power.batteryLevel && !power.isOnACPower)
             all.push_back("An empty battery: at " + std::to_string(*power.batteryLevel) + " % now.");
         return all;
