@@ -55,12 +55,12 @@ inline constexpr auto rawValues<ControlVerb> = RawValueTable<ControlVerb, 16>{{
 struct ControlRequest {
     ControlVerb verb;
     /// Of `start`, and of `run` without a mode.
-    StartOptions start;
+    StartOptions start{};
     /// Of `display` and `closedLid`.
     bool on = false;
     /// Of `set`.
-    std::string key;
-    std::string value;
+    std::string key{};
+    std::string value{};
 
     bool operator==(const ControlRequest&) const = default;
 };

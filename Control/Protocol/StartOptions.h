@@ -8,11 +8,11 @@ namespace vespra {
 
 /// What somebody asks of one session; whatever is absent is as the user prefers it.
 struct StartOptions {
-    std::optional<SessionMode> mode;
-    std::optional<Seconds> timerDuration;
-    std::optional<TimeOfDay> untilTime;
-    std::optional<bool> keepsDisplayAwake;
-    std::optional<bool> closedLid;
+    std::optional<SessionMode> mode{};
+    std::optional<Seconds> timerDuration{};
+    std::optional<TimeOfDay> untilTime{};
+    std::optional<bool> keepsDisplayAwake{};
+    std::optional<bool> closedLid{};
 
     SessionPreferences applied(SessionPreferences preferences) const
     {
