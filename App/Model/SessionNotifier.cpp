@@ -61,14 +61,17 @@ void SessionNotifier::postEndingSoon(Instant endsAt)
     center_.post({.identifier = notification::endingSoon,
         .title = localized("5 minutes left"),
         .body = localized("The session ends at %1.", {timeText(endsAt)}),
-        .category = category::endingSoon});
+        .category = category::endingSoon,
+        .clickTitle = {}});
 }
 
 void SessionNotifier::postHeatWarning()
 {
     center_.post({.identifier = notification::heatWarning,
         .title = localized("Your Mac is running hot"),
-        .body = localized("The session continues. Make sure it has room to breathe.")});
+        .body = localized("The session continues. Make sure it has room to breathe."),
+        .category = {},
+        .clickTitle = {}});
 }
 
 void SessionNotifier::postEnded(const SessionEnd& end)
@@ -76,7 +79,9 @@ void SessionNotifier::postEnded(const SessionEnd& end)
     center_.removeDelivered(ofTheSession());
     center_.post({.identifier = notification::ended,
         .title = notificationTitle(end.reason),
-        .body = notificationBody(end.reason)});
+        .body = notificationBody(end.reason),
+        .category = {},
+        .clickTitle = {}});
 }
 
 void SessionNotifier::postAgentsFinished(const std::string& title, const std::string& body, bool isCancellable)
@@ -85,7 +90,8 @@ void SessionNotifier::postAgentsFinished(const std::string& title, const std::st
     center_.post({.identifier = notification::agentsFinished,
         .title = title,
         .body = body,
-        .category = isCancellable ? category::forcedAction : ""});
+        .category = isCancellable ? category::forcedAction : "",
+        .clickTitle = {}});
 }
 
 void SessionNotifier::postUpdateAvailable(const std::string& version)
@@ -93,6 +99,7 @@ void SessionNotifier::postUpdateAvailable(const std::string& version)
     center_.post({.identifier = notification::updateAvailable,
         .title = localized("%1 %2 is available", {Brand::appName(), version}),
         .body = localized("Click to see what's new and install it."),
+        .category = {},
         .clickTitle = localized("Show")});
 }
 
@@ -104,7 +111,7 @@ void SessionNotifier::removeOfTheSession() { center_.removeDelivered(ofTheSessio
 
 void SessionNotifier::removeUpdateAvailable() { center_.removeDelivered({notification::updateAvailable}); }
 
-void SessionNotifier::receive(const NotificationResponse& response)
+void SessionNotifier::receive(const NotificationResponse& response) const
 {
     mainThread::check();
     if (response.action == action::extend)

@@ -34,7 +34,7 @@ public:
     std::function<void()> onOpenUpdate;
 
 private:
-    void receive(const NotificationResponse& response);
+    void receive(const NotificationResponse& response) const;
 
     UserNotificationCenter& center_;
     bool hasRequestedAuthorization_ = false;

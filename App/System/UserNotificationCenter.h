@@ -25,9 +25,9 @@ struct UserNotification {
     std::string title;
     std::string body;
     /// Empty: no buttons.
-    std::string category{};
+    std::string category;
     /// What a click on the notification itself does, in words, for systems that make a button of it. Empty: nothing.
-    std::string clickTitle{};
+    std::string clickTitle;
     bool operator==(const UserNotification&) const = default;
 };
 

@@ -115,7 +115,8 @@ namespace {
 
 std::expected<MachineChange, std::string> changed(const MachineState& state, const MachineSettings& settings)
 {
-    MachineChange change{.state = state};
+    MachineChange change;
+    change.state = state;
     for (const auto& [name, value] : settings) {
         const auto* key = std::ranges::find(keys, name, &Key::name);
         if (key == keys.end())

@@ -37,7 +37,7 @@ struct MachineChange {
     /// The machine is to sleep and wake up again, once the state is in force.
     bool sleepsNow = false;
     /// What the user does with a notification, last of all.
-    std::optional<NotificationResponse> response{};
+    std::optional<NotificationResponse> response;
 };
 
 /// What `settings` make of `state`; the last of equal keys counts. Fails with a sentence that names the key and says

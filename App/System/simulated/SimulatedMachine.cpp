@@ -37,7 +37,7 @@ std::uint32_t SimulatedMachine::hold(Assertion assertion)
     return lastAssertion_;
 }
 
-void SimulatedMachine::show(ShownNotification notification)
+void SimulatedMachine::show(const ShownNotification& notification)
 {
     withdraw(notification.identifier);
     notifications_.push_back(notification);

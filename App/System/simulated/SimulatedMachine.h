@@ -38,7 +38,7 @@ public:
     const std::map<std::uint32_t, Assertion>& assertions() const { return assertions_; }
 
     /// Shows it in the place of one with its identifier.
-    void show(ShownNotification notification);
+    void show(const ShownNotification& notification);
     void withdraw(const std::string& identifier);
     /// In the order in which they came.
     const std::vector<ShownNotification>& notifications() const { return notifications_; }

@@ -23,6 +23,7 @@ namespace {
         std::vector<std::string> identifiers() const
         {
             std::vector<std::string> identifiers;
+            identifiers.reserve(center.shown.size());
             for (const auto& each : center.shown)
                 identifiers.push_back(each.identifier);
             return identifiers;
@@ -87,7 +88,7 @@ TEST_F(Notifier, EveryCategoryHasItsButton)
 
 TEST_F(Notifier, AnEndTakesThePlaceOfAllThatWasSaidOfTheSession)
 {
-    const std::string old = "old", update = "updates.available";
+    const std::string update = "updates.available";
     show(all);
     notifier.postEnded({end::TimeElapsed{}, sixPM});
     EXPECT_THAT(identifiers(), ElementsAre(update, "session.ended"));
