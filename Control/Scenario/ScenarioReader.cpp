@@ -135,7 +135,7 @@ namespace {
         for (const auto& [key, _] : source.value().items()) {
             if (key == "at")
                 continue;
-            const auto reader = std::ranges::find(actionReaders, key, &ActionReader::key);
+            const auto* const reader = std::ranges::find(actionReaders, key, &ActionReader::key);
             if (reader == actionReaders.end())
                 source.fail("unknown key \"" + key + "\"");
             if (only)

@@ -17,7 +17,7 @@ public:
 
 private:
     struct Question;
-    static int answered(sd_bus_message* reply, void* question, sd_bus_error*);
+    static int answered(sd_bus_message* reply, void* userdata, sd_bus_error*);
 
     sd_bus& bus_;
     std::map<const Question*, std::unique_ptr<Question>> questions_;

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <ranges>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -122,8 +123,8 @@ HelperResult SelfInstaller::uninstall() const
         if (::unlink(path.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR && result)
             result = failure("Cannot remove", path, errno);
     };
-    for (auto file = files_.rbegin(); file != files_.rend(); ++file)
-        remove(file->path);
+    for (const auto& file : files_ | std::views::reverse)
+        remove(file.path);
     remove(program_);
     return result;
 }

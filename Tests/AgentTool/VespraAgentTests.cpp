@@ -68,7 +68,7 @@ struct Outcome {
 class VespraAgentTest : public testing::Test {
 protected:
     Outcome run(const std::string& input, End end = End::closed, std::vector<std::string> arguments = {"claude"},
-        std::vector<int> closed = {}, const std::string& program = VESPRA_AGENT)
+        const std::vector<int>& closed = {}, const std::string& program = VESPRA_AGENT)
     {
         std::signal(SIGPIPE, SIG_IGN);
         int pipeEnds[2];
