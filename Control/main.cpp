@@ -1,10 +1,24 @@
 #include "Control/Command.h"
 
+namespace {
+
+/// What is wrong; a subcommand that there is not by its name.
+std::string complaint(const CLI::App* vespractl, const CLI::Error& error)
+{
+    const auto unknown = vespractl->remaining(true);
+    if (error.get_name() != "RequiredError" || unknown.empty())
+        return CLI::FailureMessage::simple(vespractl, error);
+    return "There is no \"" + unknown.front() + "\" here.\nRun with --help for more information.\n";
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
     using namespace vespra::control;
     CLI::App vespractl{"Controls Vespra from a terminal or a script."};
     vespractl.require_subcommand(1);
+    vespractl.failure_message(complaint);
     int exitStatus = done;
     addStatusCommand(vespractl, exitStatus);
     addSessionCommands(vespractl, exitStatus);

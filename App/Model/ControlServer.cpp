@@ -1,6 +1,7 @@
 #include "App/Model/ControlServer.h"
 
 #include "App/Model/AppModel.h"
+#include "App/Wording/Localized.h"
 #include "Control/Protocol/SnapshotJSON.h"
 #include "Core/Observation/ObservationLoop.h"
 #include "HelperProtocol/Brand.h"
@@ -24,18 +25,20 @@ struct ControlServer::Client {
     }
 
     QLocalSocket* socket; // the server's child
-    /// Sends a line after each change.
+    /// It gets a line after each change, from the loop.
+    bool watches = false;
     std::optional<ObservationLoop> watching;
     std::string lastSeen;
     /// A change was not sent, for the client had not read the last one yet.
     bool missedChange = false;
-    /// Sends the end of the session.
+    /// It gets the end of the session, from the loop.
+    bool waits = false;
     std::optional<ObservationLoop> waiting;
-    /// The session is there for this client, among others.
-    bool runs = false;
+    /// When the session began that is there for this client, among others.
+    std::optional<Instant> runs;
     bool isReadPosted = false;
 
-    bool isIdle() const { return !watching && !waiting && !runs; }
+    bool isIdle() const { return !watches && !waits && !runs; }
     bool isBacklogged() const { return socket->bytesToWrite() > longestBacklog; }
 
     void send(const JSON& reply)
@@ -60,7 +63,7 @@ ControlServer::~ControlServer()
     const auto ended = service_.ended();
     for (const auto& client : std::exchange(clients_, {})) {
         client->socket->disconnect();
-        if (client->waiting && ended)
+        if (client->waits && ended)
             client->send(*ended);
     }
 }
@@ -99,14 +102,14 @@ void ControlServer::take(QLocalSocket* socket)
     if (clients_.size() >= mostClients) {
         const auto idle = std::ranges::find_if(clients_, [](const auto& client) { return client->isIdle(); });
         if (idle == clients_.end())
-            return socket->deleteLater();
+            return turnAway(socket);
         forget(**idle);
     }
     auto& client = *clients_.emplace_back(std::make_shared<Client>(socket));
     socket->setReadBufferSize(static_cast<qint64>(controlProtocol::longestLine) + 1);
     QObject::connect(socket, &QLocalSocket::readyRead, [this, &client] { read(client); });
     QObject::connect(socket, &QLocalSocket::bytesWritten, [this, &client] {
-        if (client.watching && std::exchange(client.missedChange, false))
+        if (client.watches && std::exchange(client.missedChange, false))
             watch(client);
         if (client.socket->canReadLine())
             readLater(client);
@@ -116,6 +119,13 @@ void ControlServer::take(QLocalSocket* socket)
     read(client);
 }
 
+void ControlServer::turnAway(QLocalSocket* socket)
+{
+    Client{socket}.send(
+        ControlService::error(controlProtocol::refused, localized("Too many programs are connected.")));
+    socket->deleteLater();
+}
+
 void ControlServer::forget(Client& client)
 {
     const auto found = std::ranges::find_if(clients_, [&](const auto& each) { return each.get() == &client; });
@@ -123,16 +133,13 @@ void ControlServer::forget(Client& client)
         return;
     const auto gone = *found;
     clients_.erase(found);
-    if (gone->watching)
-        gone->watching->stop();
-    if (gone->waiting)
-        gone->waiting->stop();
+    gone->watches = gone->waits = false;
     gone->socket->disconnect();
     gone->socket->deleteLater();
     // Later: this may run inside one of its loops.
     mainLoop_.post([gone] { });
-    const bool wasLastRunner
-        = gone->runs && std::ranges::none_of(clients_, [](const auto& each) { return each->runs; });
+    const bool wasLastRunner = gone->runs && gone->runs == runSessionStart_
+        && std::ranges::none_of(clients_, [this](const auto& each) { return each->runs == runSessionStart_; });
     if (wasLastRunner && isRunSession())
         model_.coordinator().stop(end::StoppedByUser{});
 }
@@ -175,9 +182,11 @@ void ControlServer::handle(Client& client, std::string_view line)
         return client.send(ControlService::error(controlProtocol::badRequest, request.error()));
     switch (request->verb) {
     case ControlVerb::watch:
+        client.watches = true;
         client.lastSeen.clear();
         return watch(client);
     case ControlVerb::wait:
+        client.waits = true;
         return wait(client);
     case ControlVerb::run:
         return run(client, *request);
@@ -190,6 +199,8 @@ void ControlServer::handle(Client& client, std::string_view line)
 void ControlServer::watch(Client& client)
 {
     client.watching.emplace(mainLoop_, [this, &client] {
+        if (!client.watches)
+            return;
         auto status = service_.status();
         if (client.socket->bytesToWrite() > 0) {
             client.missedChange = true;
@@ -209,9 +220,11 @@ void ControlServer::watch(Client& client)
 void ControlServer::wait(Client& client)
 {
     client.waiting.emplace(mainLoop_, [this, &client] {
+        if (!client.waits)
+            return;
         if (const auto ended = service_.ended()) {
+            client.waits = false;
             client.send(*ended);
-            client.waiting->stop();
         }
     });
 }
@@ -226,11 +239,13 @@ void ControlServer::run(Client& client, const ControlRequest& request)
 {
     // Whoever comes while such a session runs shares it.
     const auto reply = isRunSession() ? service_.reply({.verb = ControlVerb::describe}) : service_.reply(request);
-    client.send(reply);
     if (reply.contains("error"))
-        return;
-    client.runs = true;
+        return client.send(reply);
+    // First: the client may have gone, which shows when something is sent, and the session is to go with it.
     runSessionStart_ = model_.coordinator().state().activeSession()->startedAt;
+    client.runs = runSessionStart_;
+    client.waits = true;
+    client.send(reply);
     wait(client);
 }
 

@@ -19,7 +19,7 @@ namespace vespra {
 /// Main thread only.
 class ControlServer {
 public:
-    /// Where there are more, the oldest one that waits for nothing gives way.
+    /// Where there are more, the oldest one that waits for nothing gives way; if all wait, no other is served.
     static constexpr std::size_t mostClients = 64;
     /// Requests that one client has answered before it is the others' turn.
     static constexpr int requestsPerTurn = 32;
@@ -42,6 +42,7 @@ private:
 
     void accept();
     void take(QLocalSocket* socket);
+    static void turnAway(QLocalSocket* socket);
     void readLater(Client& client);
     void read(Client& client);
     void handle(Client& client, std::string_view line);

@@ -9,6 +9,7 @@
 #include "App/Wording/SessionWording.h"
 #include "Control/Protocol/SettingTexts.h"
 #include "Control/Protocol/SnapshotJSON.h"
+#include "HelperProtocol/Brand.h"
 
 #include <nlohmann/json.hpp>
 
@@ -94,7 +95,7 @@ JSON ControlService::reply(const ControlRequest& request)
         return done();
     case ControlVerb::display:
         model_.setKeepsDisplayAwake(request.on);
-        return done();
+        return kept();
     case ControlVerb::closedLid:
         return setClosedLid(request.on);
     case ControlVerb::settings:
@@ -161,6 +162,14 @@ JSON ControlService::done(const std::string& message) const
     return {{"done", std::move(json)}};
 }
 
+JSON ControlService::kept() const
+{
+    if (const auto* store = model_.store(); !store || store->isStored())
+        return done();
+    return error(controlProtocol::notStored,
+        localized("This counts until %1 quits, but it could not be saved.", {Brand::appName()}));
+}
+
 JSON ControlService::refusal(const SessionPreferences& preferences) const
 {
     if (const auto refused = model_.coordinator().refusal(preferences.options))
@@ -208,7 +217,7 @@ JSON ControlService::setClosedLid(bool on)
     model_.setClosedLid(on);
     if (const auto& refused = model_.closedLidToggleRefusal())
         return error(controlProtocol::refused, message(*refused));
-    return done();
+    return kept();
 }
 
 JSON ControlService::settings() const
@@ -225,7 +234,7 @@ JSON ControlService::set(const std::string& key, const std::string& value)
     if (!changed)
         return error(controlProtocol::badRequest, changed.error());
     model_.setSettings(*changed);
-    return done();
+    return kept();
 }
 
 JSON ControlService::describe() const

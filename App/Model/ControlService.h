@@ -17,7 +17,8 @@ public:
     }
 
     /// The reply to any request but `watch` and `wait`: {"status":{...}}, {"lines":[...]}, {"settings":{...}},
-    /// {"done":{"isActive":true,"message":"Awake until 18:30."}}, or the error of a refusal; then nothing has changed.
+    /// {"done":{"isActive":true,"message":"Awake until 18:30."}}, or the error of a refusal; then nothing has changed. What
+    /// cannot be stored is an error too, but it counts.
     JSON reply(const ControlRequest& request);
 
     /// {"status":{...}}: how everything stands. Followed by an observation loop that asks.
@@ -38,6 +39,8 @@ private:
     JSON set(const std::string& key, const std::string& value);
     JSON describe() const;
     JSON done(const std::string& message = {}) const;
+    /// The same after something was to be kept, or that it is not.
+    JSON kept() const;
     /// Why the session that was just asked for does not run.
     JSON refusal(const SessionPreferences& preferences) const;
 

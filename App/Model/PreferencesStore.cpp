@@ -50,9 +50,14 @@ SessionSettings loadSettings(const UserDefaults* defaults)
 
 void saveSettings(const SessionSettings& settings, UserDefaults* defaults)
 {
-    if (defaults && canEncode(settings.energy.batteryTimeLimit) && canEncode(settings.agentSafetyCap)
-        && canEncode(settings.agents.graceDelay))
-        defaults->setData(settingsKey, toJSON(settings).dump());
+    if (!defaults || !canEncode(settings.energy.batteryTimeLimit) || !canEncode(settings.agentSafetyCap)
+        || !canEncode(settings.agents.graceDelay))
+        return;
+    auto json = toJSON(settings);
+    // A cap that is missing would be read as the default one.
+    if (!settings.agentSafetyCap)
+        json["agentSafetyCap"] = nullptr;
+    defaults->setData(settingsKey, json.dump());
 }
 
 bool playsHeatAlarm(const UserDefaults* defaults) { return storedBoolean(defaults, heatAlarmKey, true); }

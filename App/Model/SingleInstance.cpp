@@ -15,7 +15,9 @@ namespace vespra {
 SingleInstance::SingleInstance(const std::string& path)
 {
     std::error_code ignored;
-    std::filesystem::create_directories(std::filesystem::path{path}.parent_path(), ignored);
+    const auto folder = std::filesystem::path{path}.parent_path();
+    if (std::filesystem::create_directories(folder, ignored))
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
     file_ = FileDescriptor{open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)};
     if (file_ && flock(file_.get(), LOCK_EX | LOCK_NB) == 0)
         claim_ = Claim::mine;

@@ -17,7 +17,7 @@ public:
         impossible,
     };
 
-    /// Claims the file at `path`, whose folder is made if need be.
+    /// Claims the file at `path`, whose folder is made (0700) if need be.
     explicit SingleInstance(const std::string& path);
 
     Claim claim() const { return claim_; }

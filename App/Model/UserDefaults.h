@@ -21,6 +21,9 @@ public:
     /// Both replace what is stored, at once.
     virtual void setData(std::string_view key, std::string_view data) = 0;
     virtual void setBoolean(std::string_view key, bool value) = 0;
+
+    /// Whether the last write was stored. On a system that does not tell, true.
+    virtual bool isStored() const { return true; }
 };
 
 /// The application's own: on macOS its defaults domain, on Linux "$XDG_CONFIG_HOME/Vespra/Vespra.ini".

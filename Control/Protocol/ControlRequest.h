@@ -81,6 +81,7 @@ namespace controlProtocol {
     /// The kinds of errors in {"error":{"kind":"refused","message":"..."}}.
     inline constexpr std::string_view badRequest = "badRequest";
     inline constexpr std::string_view refused = "refused";
+    inline constexpr std::string_view notStored = "notStored";
 
 } // namespace controlProtocol
 } // namespace vespra

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -40,9 +41,14 @@ namespace {
 
 std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus)
 {
+    // Whoever goes away is told of by what fails then.
+    std::signal(SIGPIPE, SIG_IGN);
     ControlClient client;
-    if (client.connect() && client.send(request))
+    if (client.connect()) {
+        // What cannot be sent has no other answer than the one that may have come before, or none.
+        client.send(request);
         return client;
+    }
     exitStatus = say(notRunning, Brand::appName() + " is not running.");
     return {};
 }

@@ -30,8 +30,43 @@ namespace {
             kill(runningCommand, signal);
     }
 
-    /// Starts the command as a shell would: with default signals. 0 on success, else the system's error.
-    int spawned(pid_t& child, const std::vector<std::string>& command)
+    bool isIgnored(int signal)
+    {
+        struct sigaction action{};
+        return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+    }
+
+    /// The signals that the command is to get as they are by default. One that was ignored stays so, as after nohup.
+    sigset_t takeSignals()
+    {
+        sigset_t defaults;
+        sigemptyset(&defaults);
+        sigaddset(&defaults, SIGPIPE);
+        for (const int signal : {SIGINT, SIGQUIT})
+            if (!isIgnored(signal)) {
+                sigaddset(&defaults, signal);
+                std::signal(signal, SIG_IGN);
+            }
+        for (const int signal : {SIGTERM, SIGHUP})
+            if (!isIgnored(signal))
+                std::signal(signal, passOn);
+        return defaults;
+    }
+
+    /// Blocks what is passed on, for there is nobody to get it yet. Returns the mask from before.
+    sigset_t blockSignals()
+    {
+        sigset_t passedOn, before;
+        sigemptyset(&passedOn);
+        sigaddset(&passedOn, SIGTERM);
+        sigaddset(&passedOn, SIGHUP);
+        pthread_sigmask(SIG_BLOCK, &passedOn, &before);
+        return before;
+    }
+
+    /// Starts the command with the signals that it would have without this program. 0 on success, else the system's
+    /// error.
+    int spawned(pid_t& child, const std::vector<std::string>& command, const sigset_t& mask)
     {
         std::vector<char*> arguments;
         for (const auto& argument : command)
@@ -39,12 +74,10 @@ namespace {
         arguments.push_back(nullptr);
         posix_spawnattr_t attributes;
         posix_spawnattr_init(&attributes);
-        sigset_t defaults;
-        sigemptyset(&defaults);
-        for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE})
-            sigaddset(&defaults, signal);
+        const auto defaults = takeSignals();
         posix_spawnattr_setsigdefault(&attributes, &defaults);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setsigmask(&attributes, &mask);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
         const int error = posix_spawnp(&child, arguments.front(), nullptr, &attributes, arguments.data(), environ);
         posix_spawnattr_destroy(&attributes);
         return error;
@@ -60,19 +93,16 @@ namespace {
         return WIFSIGNALED(status) ? signalBase + WTERMSIG(status) : WEXITSTATUS(status);
     }
 
-    int execute(const std::vector<std::string>& command)
+    int execute(const std::vector<std::string>& command, const sigset_t& mask)
     {
-        std::signal(SIGINT, SIG_IGN);
-        std::signal(SIGQUIT, SIG_IGN);
         pid_t child = 0;
-        if (const int error = spawned(child, command); error != 0) {
+        if (const int error = spawned(child, command, mask); error != 0) {
             std::fprintf(stderr, "run: %s: %s\n", command.front().c_str(), std::strerror(error));
             constexpr int notFound = 127, notExecutable = 126;
             return error == ENOENT ? notFound : notExecutable;
         }
         runningCommand = child;
-        std::signal(SIGTERM, passOn);
-        std::signal(SIGHUP, passOn);
+        pthread_sigmask(SIG_SETMASK, &mask, nullptr);
         const int status = waited(child);
         runningCommand = 0;
         return status;
@@ -87,12 +117,13 @@ namespace {
             return exitStatus;
         if (const auto failed = failure((*client)->receive()))
             return *failed;
+        const auto mask = blockSignals();
         // The application lets go when this connection ends, however this process ends.
         std::thread{[client] {
             if (const auto reply = (*client)->receive({}))
                 std::fprintf(stderr, "%s\n", endMessage(*reply).c_str());
         }}.detach();
-        return execute(command);
+        return execute(command, mask);
     }
 
     int wait()

@@ -52,7 +52,8 @@ void SettingsFileDefaults::write(std::string_view key, const QVariant& value)
     QSettings writer{file_.fileName(), file_.format()};
     writer.setValue(keyText(key), value);
     writer.sync();
-    if (writer.status() == QSettings::AccessError)
+    isStored_ = writer.status() != QSettings::AccessError;
+    if (!isStored_)
         log_.error("préférences non enregistrées : " + file_.fileName().toStdString());
 }
 

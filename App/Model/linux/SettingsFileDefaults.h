@@ -18,12 +18,14 @@ public:
     std::optional<bool> boolean(std::string_view key) const override;
     void setData(std::string_view key, std::string_view data) override;
     void setBoolean(std::string_view key, bool value) override;
+    bool isStored() const override { return isStored_; }
 
 private:
     void write(std::string_view key, const QVariant& value);
 
     QSettings file_;
     SystemLog log_;
+    bool isStored_ = true;
 };
 
 } // namespace vespra

@@ -1,0 +1,90 @@
+# Bash completion for vespractl.
+
+_vespractl()
+{
+    local cur=${COMP_WORDS[COMP_CWORD]} word words=() i candidates
+    COMPREPLY=()
+    # The words before this one that are no options; a command to run completes as its own.
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        word=${COMP_WORDS[i]}
+        if [[ ${words[0]-} == run && ($word == -- || $word != -*) ]]; then
+            [[ $word == -- ]] && ((i++))
+            if ((i >= COMP_CWORD)); then
+                mapfile -t COMPREPLY < <(compgen -c -- "$cur")
+            elif declare -F _command_offset >/dev/null; then
+                _command_offset "$i"
+            else
+                compopt -o default
+            fi
+            return
+        fi
+        [[ $word == --home ]] && { ((i++)); continue; }
+        [[ $word == -* ]] || words+=("$word")
+    done
+    if [[ ${COMP_WORDS[COMP_CWORD - 1]} == --home ]]; then
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -d -- "$cur")
+        return
+    fi
+
+    local settings="energy.requiresACPower energy.stopsOnLowBattery energy.lowBatteryThreshold energy.batteryTimeLimit
+        closedLid.continuesOnBattery agents.endAction agents.graceDelay agents.waitingCountsAsFinished agentSafetyCap"
+    case "${words[*]}" in
+        "") candidates="status start stop toggle extend keep-awake cancel display closed-lid run wait settings doctor
+            machine hooks simulate --help" ;;
+        status) candidates="--json --watch --help" ;;
+        start) candidates="timer until unlimited agent --display --no-display --closed-lid --no-closed-lid --help" ;;
+        "start "*) candidates="--display --no-display --closed-lid --no-closed-lid --help" ;;
+        display | closed-lid) candidates="on off --help" ;;
+        run) candidates="-- --display --closed-lid --help" ;;
+        settings) candidates="get set --help" ;;
+        "settings get") candidates="$settings --json --help" ;;
+        "settings set") candidates=$settings ;;
+        "settings set energy.lowBatteryThreshold") candidates="10 15 20 25 30 40 50 60 70 80" ;;
+        "settings set energy.batteryTimeLimit") candidates="off 15m 30m 1h 2h 4h 8h" ;;
+        "settings set agents.endAction") candidates="letSleep sleepNow shutDown" ;;
+        "settings set agents.graceDelay") candidates="0s 1m 2m 5m 15m" ;;
+        "settings set agentSafetyCap") candidates="off 1h 4h 8h 12h 24h" ;;
+        "settings set "*" "*) ;;
+        "settings set "*) candidates="on off" ;;
+        doctor) candidates="--json --help" ;;
+        machine) candidates="get set --help" ;;
+        "machine get") candidates="--json --help" ;;
+        "machine set"*) _vespractl_machine "$cur"; return ;;
+        hooks) candidates="status preview connect disconnect --home --help" ;;
+        "hooks status") candidates="--json --home --help" ;;
+        "hooks preview" | "hooks connect" | "hooks disconnect") candidates="claude codex --home --help" ;;
+        simulate) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return ;;
+        *) candidates="--help" ;;
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
+}
+
+# KEY=VALUE; the shell takes "=" for a word of its own.
+_vespractl_machine()
+{
+    local cur=$1 key="" candidates=""
+    if [[ $cur == "=" ]]; then
+        key=${COMP_WORDS[COMP_CWORD - 1]} cur=""
+    elif [[ ${COMP_WORDS[COMP_CWORD - 1]} == "=" ]]; then
+        key=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+    case $key in
+        battery) candidates="none 5 20 50 100" ;;
+        charger | screen) candidates="on off" ;;
+        lid) candidates="open closed" ;;
+        display) candidates="internal external" ;;
+        thermal) candidates="nominal fair serious critical" ;;
+        helper) candidates="ready notInstalled awaitingApproval failed noBuiltInDisplay unsignedBuild refusing outdated
+            stuck" ;;
+        sleep) candidates="now" ;;
+        press) candidates="session.endingSoon/session.extend agents.finished/agents.cancelForcedAction" ;;
+        "")
+            compopt -o nospace
+            candidates="battery= charger= lid= display= screen= thermal= helper= sleep= press="
+            ;;
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
+}
+
+complete -F _vespractl vespractl
