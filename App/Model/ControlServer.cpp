@@ -8,23 +8,19 @@
 #include "HelperProtocol/UnixSocket.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <nlohmann/json.hpp>
-#include <QLocalServer>
-#include <QLocalSocket>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace vespra {
 
 /// One connection. Held by the server alone: whoever else means it holds it weakly.
 struct ControlServer::Client {
-    explicit Client(QLocalSocket* connected)
-        : socket{connected}
+    explicit Client(FileDescriptor connection)
+        : socket{std::move(connection), controlProtocol::longestLine + 1}
     {
     }
 
-    QLocalSocket* socket; // the server's child
+    LocalSocket socket;
     /// It gets a line after each change, from the loop.
     bool watches = false;
     std::optional<ObservationLoop> watching;
@@ -39,14 +35,9 @@ struct ControlServer::Client {
     bool isReadPosted = false;
 
     bool isIdle() const { return !watches && !waits && !runs; }
-    bool isBacklogged() const { return socket->bytesToWrite() > longestBacklog; }
+    bool isBacklogged() const { return socket.unsentBytes() > longestBacklog; }
 
-    void send(const JSON& reply)
-    {
-        const auto line = dumped(reply) + "\n";
-        socket->write(line.data(), std::ssize(line));
-        socket->flush();
-    }
+    void send(const JSON& reply) { socket.send(dumped(reply) + "\n"); }
 };
 
 ControlServer::ControlServer(AppModel& model, MainLoop& mainLoop, std::string path)
@@ -55,75 +46,44 @@ ControlServer::ControlServer(AppModel& model, MainLoop& mainLoop, std::string pa
     , path_{std::move(path)}
     , log_{Brand::appBundleID(), "control"}
     , service_{model}
+    , server_{[this](FileDescriptor connection) { accept(std::move(connection)); }}
 {
 }
 
 ControlServer::~ControlServer()
 {
     const auto ended = service_.ended();
-    for (const auto& client : std::exchange(clients_, {})) {
-        client->socket->disconnect();
+    for (const auto& client : std::exchange(clients_, {}))
         if (client->waits && ended)
             client->send(*ended);
-    }
 }
 
 void ControlServer::start()
 {
-    std::error_code ignored;
-    const auto folder = std::filesystem::path{path_}.parent_path();
-    if (std::filesystem::create_directories(folder, ignored))
-        chmod(folder.c_str(), 0700);
-    server_ = std::make_unique<QLocalServer>();
-    QLocalServer::removeServer(QString::fromStdString(path_));
-    // Nobody else can connect in the moment before the file has its final mode.
-    const auto before = umask(0177);
-    const bool listens = server_->listen(QString::fromStdString(path_));
-    umask(before);
-    if (!listens)
-        return log_.error(
-            "Pilotage : écoute impossible sur " + path_ + " (" + server_->errorString().toStdString() + ")");
-    QObject::connect(server_.get(), &QLocalServer::newConnection, [this] { accept(); });
+    if (const auto listening = server_.listen(path_); !listening)
+        log_.error("Pilotage : écoute impossible sur " + path_ + " (" + listening.error() + ")");
 }
 
-void ControlServer::accept()
+void ControlServer::accept(FileDescriptor connection)
 {
-    while (auto* socket = server_->nextPendingConnection())
-        take(socket);
-}
-
-void ControlServer::take(QLocalSocket* socket)
-{
-    const auto user = unixSocket::peerUser(static_cast<int>(socket->socketDescriptor()));
-    if (user != geteuid()) {
-        log_.error("Pilotage : connexion d'un autre utilisateur refusée");
-        return socket->deleteLater();
-    }
+    if (unixSocket::peerUser(connection.get()) != geteuid())
+        return log_.error("Pilotage : connexion d'un autre utilisateur refusée");
+    auto client = std::make_shared<Client>(std::move(connection));
     if (clients_.size() >= mostClients) {
-        const auto idle = std::ranges::find_if(clients_, [](const auto& client) { return client->isIdle(); });
+        const auto idle = std::ranges::find_if(clients_, [](const auto& each) { return each->isIdle(); });
         if (idle == clients_.end())
-            return turnAway(socket);
+            return client->send(
+                ControlService::error(controlProtocol::refused, localized("Too many programs are connected.")));
         forget(**idle);
     }
-    auto& client = *clients_.emplace_back(std::make_shared<Client>(socket));
-    socket->setReadBufferSize(static_cast<qint64>(controlProtocol::longestLine) + 1);
-    QObject::connect(socket, &QLocalSocket::readyRead, [this, &client] { read(client); });
-    QObject::connect(socket, &QLocalSocket::bytesWritten, [this, &client] {
+    client->socket.onReceived = [this, &client = *client] { read(client); };
+    client->socket.onSent = [this, &client = *client] {
         if (client.watches && std::exchange(client.missedChange, false))
             watch(client);
-        if (client.socket->canReadLine())
-            readLater(client);
-    });
-    QObject::connect(socket, &QLocalSocket::disconnected, [this, &client] { forget(client); });
-    // What came with the connection has been told of already.
-    read(client);
-}
-
-void ControlServer::turnAway(QLocalSocket* socket)
-{
-    Client{socket}.send(
-        ControlService::error(controlProtocol::refused, localized("Too many programs are connected.")));
-    socket->deleteLater();
+        readLater(client);
+    };
+    client->socket.onClosed = [this, &client = *client] { forget(client); };
+    clients_.push_back(std::move(client));
 }
 
 void ControlServer::forget(Client& client)
@@ -134,9 +94,8 @@ void ControlServer::forget(Client& client)
     const auto gone = *found;
     clients_.erase(found);
     gone->watches = gone->waits = false;
-    gone->socket->disconnect();
-    gone->socket->deleteLater();
-    // Later: this may run inside one of its loops.
+    gone->socket.onReceived = gone->socket.onSent = gone->socket.onClosed = nullptr;
+    // Later: this may run inside one of its callbacks.
     mainLoop_.post([gone] { });
     const bool wasLastRunner = gone->runs && gone->runs == runSessionStart_
         && std::ranges::none_of(clients_, [this](const auto& each) { return each->runs == runSessionStart_; });
@@ -161,18 +120,24 @@ void ControlServer::readLater(Client& client)
 
 void ControlServer::read(Client& client)
 {
-    auto& socket = *client.socket;
-    for (int handled = 0; socket.isOpen() && socket.canReadLine() && !client.isBacklogged(); ++handled) {
+    for (int handled = 0; client.socket.hasLine() && !client.isBacklogged(); ++handled) {
         if (handled == requestsPerTurn)
             return readLater(client);
-        const auto line = socket.readLine().trimmed();
-        handle(client, {line.constData(), static_cast<std::size_t>(line.size())});
+        const auto line = *client.socket.takeLine();
+        if (line.size() > controlProtocol::longestLine)
+            return refuseLength(client);
+        handle(client, line);
     }
-    if (!socket.canReadLine() && socket.bytesAvailable() > static_cast<qint64>(controlProtocol::longestLine)) {
-        client.send(ControlService::error(controlProtocol::badRequest,
-            "request: expected at most " + std::to_string(controlProtocol::longestLine) + " bytes in a line"));
-        forget(client);
-    }
+    if (!client.socket.hasLine() && client.socket.unreadBytes() > controlProtocol::longestLine)
+        refuseLength(client);
+}
+
+/// Where its next request begins is not worth looking for.
+void ControlServer::refuseLength(Client& client)
+{
+    client.send(ControlService::error(controlProtocol::badRequest,
+        "request: expected at most " + std::to_string(controlProtocol::longestLine) + " bytes in a line"));
+    forget(client);
 }
 
 void ControlServer::handle(Client& client, std::string_view line)
@@ -202,7 +167,7 @@ void ControlServer::watch(Client& client)
         if (!client.watches)
             return;
         auto status = service_.status();
-        if (client.socket->bytesToWrite() > 0) {
+        if (client.socket.unsentBytes() > 0) {
             client.missedChange = true;
             return;
         }

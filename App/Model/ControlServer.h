@@ -1,16 +1,13 @@
 #pragma once
 
 #include "App/Model/ControlService.h"
+#include "App/System/LocalSocket.h"
 #include "App/System/SystemLog.h"
 #include "Core/Scheduling/MainLoop.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
-
-class QLocalServer;
-class QLocalSocket;
 
 namespace vespra {
 
@@ -24,7 +21,7 @@ public:
     /// Requests that one client has answered before it is the others' turn.
     static constexpr int requestsPerTurn = 32;
     /// Bytes that may wait for a client before its next request is looked at.
-    static constexpr std::int64_t longestBacklog = 65'536;
+    static constexpr std::size_t longestBacklog = 65'536;
 
     /// Touches nothing yet. `model` and `mainLoop` outlive it.
     ControlServer(AppModel& model, MainLoop& mainLoop, std::string path);
@@ -40,11 +37,10 @@ public:
 private:
     struct Client;
 
-    void accept();
-    void take(QLocalSocket* socket);
-    static void turnAway(QLocalSocket* socket);
+    void accept(FileDescriptor connection);
     void readLater(Client& client);
     void read(Client& client);
+    void refuseLength(Client& client);
     void handle(Client& client, std::string_view line);
     void watch(Client& client);
     void wait(Client& client);
@@ -57,7 +53,7 @@ private:
     std::string path_;
     SystemLog log_;
     ControlService service_;
-    std::unique_ptr<QLocalServer> server_;
+    LocalSocketServer server_;
     std::vector<std::shared_ptr<Client>> clients_;
     /// When the session began that runs for the sake of some clients; absent: none did.
     std::optional<Instant> runSessionStart_;

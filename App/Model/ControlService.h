@@ -17,8 +17,8 @@ public:
     }
 
     /// The reply to any request but `watch` and `wait`: {"status":{...}}, {"lines":[...]}, {"settings":{...}},
-    /// {"done":{"isActive":true,"message":"Awake until 18:30."}}, or the error of a refusal; then nothing has changed. What
-    /// cannot be stored is an error too, but it counts.
+    /// {"done":{"isActive":true,"message":"Awake until 18:30."}}, or the error of a refusal; then nothing has changed.
+    /// What cannot be stored is an error too, but it counts.
     JSON reply(const ControlRequest& request);
 
     /// {"status":{...}}: how everything stands. Followed by an observation loop that asks.

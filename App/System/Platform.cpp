@@ -34,7 +34,8 @@ namespace {
     Platform makeSteeredLaptop()
     {
         auto platform = makeSimulatedPlatform();
-        platform.machineSocket = std::make_shared<MachineSocket>(platform.machine, machineProtocol::defaultPath());
+        platform.machineSocket = std::make_shared<MachineSocket>(
+            platform.machine, *platform.time.mainLoop, machineProtocol::defaultPath());
         return platform;
     }
 

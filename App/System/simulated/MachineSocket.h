@@ -1,11 +1,10 @@
 #pragma once
 
+#include "App/System/LocalSocket.h"
 #include "App/System/simulated/SimulatedMachine.h"
-#include "HelperProtocol/FileDescriptor.h"
+#include "Core/Scheduling/MainLoop.h"
 
 #include <memory>
-
-class QSocketNotifier;
 
 namespace vespra {
 
@@ -13,24 +12,20 @@ namespace vespra {
 class MachineSocket {
 public:
     /// Listens at `path`, unless another program does already. Where that is impossible nobody can steer, and that is
-    /// logged.
-    MachineSocket(std::shared_ptr<SimulatedMachine> machine, std::string path);
-    ~MachineSocket();
+    /// logged. `mainLoop` outlives it.
+    MachineSocket(std::shared_ptr<SimulatedMachine> machine, MainLoop& mainLoop, const std::string& path);
     MachineSocket(const MachineSocket&) = delete;
     MachineSocket& operator=(const MachineSocket&) = delete;
 
 private:
-    struct Connection;
-
-    bool listen();
-    void accept();
-    void receive(Connection& connection);
+    void accept(FileDescriptor connection);
+    void answer(LocalSocket& client);
+    void forget(LocalSocket& client);
 
     std::shared_ptr<SimulatedMachine> machine_;
-    std::string path_;
-    FileDescriptor listener_;
-    std::unique_ptr<QSocketNotifier> notifier_;
-    std::vector<std::unique_ptr<Connection>> connections_;
+    MainLoop& mainLoop_;
+    LocalSocketServer server_;
+    std::vector<std::shared_ptr<LocalSocket>> clients_;
 };
 
 } // namespace vespra
