@@ -82,15 +82,15 @@ private:
     /// A clock that was set a moment ago makes this fail with ECANCELED, although the timer is set.
     void arm()
     {
-        itimerspec spec{};
+        itimerspec setting{};
         if (!pending_.empty()) {
             // Zero would stop the timer; dates before 1970 are just as much in the past.
             const auto due = std::max(pending_.begin()->first.first, nanoseconds{1});
             const auto seconds = std::chrono::floor<std::chrono::seconds>(due);
-            spec.it_value = {.tv_sec = seconds.count(), .tv_nsec = (due - seconds).count()};
+            setting.it_value = {.tv_sec = seconds.count(), .tv_nsec = (due - seconds).count()};
         }
         const int flags = TFD_TIMER_ABSTIME | (clock_ == CLOCK_REALTIME ? TFD_TIMER_CANCEL_ON_SET : 0);
-        if (timerfd_settime(timer_.get(), flags, &spec, nullptr) < 0 && errno != ECANCELED) {
+        if (timerfd_settime(timer_.get(), flags, &setting, nullptr) < 0 && errno != ECANCELED) {
             std::perror("timerfd_settime");
             std::abort();
         }
