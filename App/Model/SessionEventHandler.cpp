@@ -20,7 +20,8 @@ void SessionEventHandler::handle(const SessionEvent& event)
         event,
         [this](const event::Started&) {
             notifier_.requestAuthorizationIfNeeded();
-            notifier_.removeEndingSoon();
+            // That the computer can go to sleep again holds no more.
+            notifier_.removeOfTheSession();
         },
         [this](const event::Extended&) { notifier_.removeEndingSoon(); },
         [this](const event::EndingSoon& soon) { notifier_.postEndingSoon(soon.endsAt); },

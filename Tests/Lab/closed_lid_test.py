@@ -4,9 +4,8 @@ import os
 import subprocess
 import time
 
-from lab import BIN, LAB, LabTest
+from lab import HELPER as NAME, LAB, LabTest
 
-NAME = "app.vespra.Helper"
 LOCK = "sleep:handle-lid-switch:block"
 # Asks the helper what it reads, a method a line.
 CLIENT = f"""
@@ -26,16 +25,7 @@ class ClosedLidTest(LabTest):
         super().setUpClass()
         # The user has to reach the bus.
         os.chmod(cls.folder.parent, 0o755)
-        files = BIN.parent / "Resources"
-        (cls.folder / "system.d" / f"{NAME}.conf").write_text((files / "helper-bus-policy.conf").read_text())
-        (cls.folder / "actions" / f"{NAME}.policy").write_text((files / "helper.policy").read_text())
-        program = f"/usr/bin/env STATE_DIRECTORY={cls.folder}/state {BIN}/vespra-helper"
-        activation = (files / "helper-activation.service").read_text().splitlines()
-        (cls.folder / "system-services" / f"{NAME}.service").write_text("".join(
-            (f"Exec={program}" if line.startswith("Exec=") else line) + "\n"
-            for line in activation if not line.startswith("SystemdService=")))
-        subprocess.run([LAB / "run", "busctl", "--system", "call", "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                        "org.freedesktop.DBus", "ReloadConfig"], env=cls.environment, check=True)
+        cls.install_helper()
 
     def setUp(self):
         super().setUp()

@@ -12,6 +12,8 @@ LAB = pathlib.Path(os.environ["VESPRA_LAB"])
 BIN = pathlib.Path(os.environ["VESPRA_BIN"])
 SLOW = 30  # seconds; never waited for unless something is broken
 
+HELPER = "app.vespra.Helper"
+
 # What a test starts from.
 CALM = {"battery": 80, "ac": 1, "lid": "open", "display": "internal", "thermal": "nominal", "desktop": "none",
         "sleep_for": 1}
@@ -41,6 +43,20 @@ class LabTest(unittest.TestCase):
         if result.returncode != 0:
             raise RuntimeError(f"lab {command} {arguments}: {result.stdout}{result.stderr}")
         return result.stdout
+
+    @classmethod
+    def install_helper(cls):
+        """As a package does. It starts when somebody asks for it."""
+        files = BIN.parent / "Resources"
+        (cls.folder / "system.d" / f"{HELPER}.conf").write_text((files / "helper-bus-policy.conf").read_text())
+        (cls.folder / "actions" / f"{HELPER}.policy").write_text((files / "helper.policy").read_text())
+        program = f"/usr/bin/env STATE_DIRECTORY={cls.folder}/state {BIN}/vespra-helper"
+        activation = (files / "helper-activation.service").read_text().splitlines()
+        (cls.folder / "system-services" / f"{HELPER}.service").write_text("".join(
+            (f"Exec={program}" if line.startswith("Exec=") else line) + "\n"
+            for line in activation if not line.startswith("SystemdService=")))
+        subprocess.run([LAB / "run", "busctl", "--system", "call", "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                        "org.freedesktop.DBus", "ReloadConfig"], env=cls.environment, check=True)
 
     def set(self, **settings):
         self.lab("set", *(f"{key}={value}" for key, value in settings.items()))
@@ -82,8 +98,8 @@ class LabTest(unittest.TestCase):
                                 capture_output=True, text=True, timeout=SLOW)
         return result.returncode, json.loads(result.stdout)
 
-    def wait_for(self, condition, what="it"):
-        end = time.monotonic() + SLOW
+    def wait_for(self, condition, what="it", limit=SLOW):
+        end = time.monotonic() + limit
         while not condition():
             self.assertLess(time.monotonic(), end, f"{what} never happened")
             time.sleep(0.02)

@@ -107,6 +107,13 @@ class ApplicationTest(unittest.TestCase):
         self.addCleanup(connection.close)
         return connection
 
+    def wait_until_connected(self):
+        """Some program has a connection that it keeps, and has had time to ask."""
+        path = str(self.support / "control.sock")
+        # The application's own end, beside the socket that listens.
+        self.wait_for(lambda: pathlib.Path("/proc/net/unix").read_text().count(path) > 1)
+        self.status()
+
     def hook(self, event, agent="claude", session="a"):
         subprocess.run([BIN / "vespra-agent", agent], check=True, text=True, env=self.environment, timeout=SLOW,
                        input=json.dumps({"hook_event_name": event, "session_id": session, "cwd": "/x"}))

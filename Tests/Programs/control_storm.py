@@ -1,6 +1,6 @@
 """Random requests, agents' events and readings, sound and broken, from many sides at once, against one application.
 
-VESPRA_STORM_EVENTS: how many (2000). VESPRA_STORM_SEED: repeats the choices of a storm that is printed; how the sides
+VESPRA_STORM_EVENTS: how many (6000). VESPRA_STORM_SEED: repeats the choices of a storm that is printed; how the sides
 take turns is up to the machine.
 """
 
@@ -19,7 +19,7 @@ import unittest
 
 from application import SLOW, ApplicationTest, Connection
 
-EVENTS = int(os.environ.get("VESPRA_STORM_EVENTS", "2000"))
+EVENTS = int(os.environ.get("VESPRA_STORM_EVENTS", "6000"))
 SEED = int(os.environ.get("VESPRA_STORM_SEED", str(secrets.randbelow(10**9))))
 REPLIES = {"done", "error", "status", "lines", "settings"}
 PLAIN = ["status", "describe", "stop", "toggle", "extend", "keepAwake", "cancel", "settings", "showPanel"]

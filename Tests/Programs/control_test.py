@@ -145,27 +145,22 @@ class Verbs(ApplicationTest):
             ("batteryTimeLimit", 13, {"energy": dict(ON_BATTERY, batteryTimeLimit=1)}, ["start unlimited"],
              "machine set charger=off"),
             ("overheating", 15, None, hot, "machine set thermal=serious"),
-            ("safetyCapReached", 16, {"agentSafetyCap": 1}, [], "start agent"),
             ("systemSleep", 17, None, ["start unlimited"], "machine set sleep=now"),
             ("appTerminated", 18, None, ["start unlimited"], None),
         ):
             with self.subTest(reason=reason):
-                if reason == "safetyCapReached":
-                    self.connect_agent()
                 application = self.launch(settings=settings)
                 for command in before:
                     self.done(*command.split())
                     if command.endswith("helper=ready"):
                         self.wait_for(lambda: self.status()["helper"] == "ready")
-                waiting = self.ctl_later("wait") if before else None
-                if waiting:
-                    self.status()
-                    self.assertIsNone(waiting.poll())
+                waiting = self.ctl_later("wait")
+                self.wait_until_connected()
+                self.assertIsNone(waiting.poll())
                 if last:
                     self.done(*last.split())
                 else:
                     self.quit(application)
-                waiting = waiting or self.ctl_later("wait")
                 _, complaint = waiting.communicate(timeout=SLOW)
                 self.assertEqual((waiting.returncode, complaint), (status, ""))
                 if last:
@@ -367,6 +362,10 @@ class Settings(ApplicationTest):
         self.done("start", "unlimited")
         self.done("settings", "set", "energy.lowBatteryThreshold", "50")
         self.assertEqual(self.status()["lastEnd"]["reason"], "lowBattery")
+        self.assertEqual([each["identifier"] for each in self.machine()["notifications"]], ["session.ended"])
+        self.done("machine", "set", "charger=on")
+        self.done("start", "unlimited")
+        self.assertEqual(self.machine()["notifications"], [])
 
     def test_what_cannot_be_stored_counts_until_the_next_start_and_is_told(self):
         application = self.launch()
