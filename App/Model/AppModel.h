@@ -42,7 +42,7 @@ public:
     const AgentIntegration& agentIntegration() const { return agentIntegration_; }
     ForcedEndAction& forcedEndAction() { return forcedEndAction_; }
     const ForcedEndAction& forcedEndAction() const { return forcedEndAction_; }
-    UserDefaults* store() { return environment_.defaults; }
+    UserDefaults* store() const { return environment_.defaults; }
 
     /// The end condition of the running agent session; null otherwise.
     const std::shared_ptr<AgentEndCondition>& agentCondition() const { return agentCondition_.get(); }

@@ -91,7 +91,7 @@ void ControlServer::forget(Client& client)
     const auto found = std::ranges::find_if(clients_, [&](const auto& each) { return each.get() == &client; });
     if (found == clients_.end())
         return;
-    const auto gone = *found;
+    const auto gone = std::move(*found);
     clients_.erase(found);
     gone->watches = gone->waits = false;
     gone->socket.onReceived = gone->socket.onSent = gone->socket.onClosed = nullptr;

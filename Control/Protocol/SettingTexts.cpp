@@ -34,7 +34,7 @@ namespace {
         return {};
     }
 
-    Setting flag(std::string_view key, std::function<bool&(SessionSettings&)> member)
+    Setting flag(std::string_view key, const std::function<bool&(SessionSettings&)>& member)
     {
         return {key,
             "on|off",

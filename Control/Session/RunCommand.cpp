@@ -11,7 +11,8 @@
 #include <thread>
 #include <vector>
 
-extern "C" char** environ;
+// Not every system declares it.
+extern "C" char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace vespra::control {
 
@@ -69,6 +70,7 @@ namespace {
     int spawned(pid_t& child, const std::vector<std::string>& command, const sigset_t& mask)
     {
         std::vector<char*> arguments;
+        arguments.reserve(command.size() + 1);
         for (const auto& argument : command)
             arguments.push_back(const_cast<char*>(argument.c_str()));
         arguments.push_back(nullptr);

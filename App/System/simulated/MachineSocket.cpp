@@ -42,7 +42,7 @@ void MachineSocket::forget(LocalSocket& client)
     const auto found = std::ranges::find(clients_, &client, &std::shared_ptr<LocalSocket>::get);
     if (found == clients_.end())
         return;
-    const auto gone = *found;
+    const auto gone = std::move(*found);
     clients_.erase(found);
     gone->onReceived = gone->onClosed = nullptr;
     // Later: this runs inside one of its callbacks.
