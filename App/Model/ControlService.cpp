@@ -55,14 +55,29 @@ namespace {
             {timeText(end->date), shortDescription(end->reason)});
     }
 
+    std::string checkText(const std::string& name, ClosedLidChecklist::Item item)
+    {
+        switch (item) {
+        case ClosedLidChecklist::Item::ok:
+            return localized("%1 OK", {name});
+        case ClosedLidChecklist::Item::pending:
+            return localized("%1 pending", {name});
+        case ClosedLidChecklist::Item::failed:
+            break;
+        }
+        return localized("%1 not OK", {name});
+    }
+
     std::string closedLidLine(const AppModel& model)
     {
         const auto& coordinator = model.coordinator();
         const auto checklist = coordinator.closedLidChecklist();
-        const auto state = [](auto item) { return std::string{rawValue(item)}; };
         return localized("Closed lid: %1", {message(coordinator.closedLidStatus(model.isClosedLidOn()))})
-            + localized(" (component %1, power %2, heat %3, session %4)",
-                {state(checklist.helper), state(checklist.power), state(checklist.thermal), state(checklist.session)});
+            + localized(" (%1, %2, %3, %4)",
+                {checkText(localized("component"), checklist.helper),
+                    checkText(localized("power"), checklist.power),
+                    checkText(localized("heat"), checklist.thermal),
+                    checkText(localized("session"), checklist.session)});
     }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <sys/socket.h>
 #include <sys/stat.h>
 
@@ -137,11 +138,22 @@ std::expected<void, int> LocalSocketServer::open(const std::string& path)
 void LocalSocketServer::accept()
 {
     FileDescriptor connection{::accept(listener_.get(), nullptr, nullptr)};
-    if (!connection)
+    if (!connection) {
+        if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED)
+            pause();
         return;
+    }
     unixSocket::closeOnExec(connection.get());
     unixSocket::setBlocking(connection.get(), false);
     onConnection_(std::move(connection));
+}
+
+/// Descriptors have run out: who waits to be accepted keeps the listener readable until some are free again.
+void LocalSocketServer::pause()
+{
+    constexpr std::chrono::milliseconds length{100};
+    notifier_->setEnabled(false);
+    QTimer::singleShot(length, notifier_.get(), [this] { notifier_->setEnabled(true); });
 }
 
 } // namespace vespra

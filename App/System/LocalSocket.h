@@ -72,6 +72,7 @@ public:
 private:
     std::expected<void, int> open(const std::string& path);
     void accept();
+    void pause();
 
     std::function<void(FileDescriptor)> onConnection_;
     std::string path_;
