@@ -84,6 +84,10 @@ void AppDelegate::receive(const AgentEvent& event)
 void AppDelegate::handleEvents()
 {
     auto& notifier = eventHandler_.emplace(*model_, *closedLid_, environment_.platform).notifier();
+    model_->updates().onUpdateFound = lifetime_.guard(
+        [this](const std::string& version) { eventHandler_->notifier().postUpdateAvailable(version); });
+    model_->updates().onUpdateSeen = lifetime_.guard([this] { eventHandler_->notifier().removeUpdateAvailable(); });
+    notifier.onOpenUpdate = lifetime_.guard([this] { openUpdate(); });
     notifier.onExtend = lifetime_.guard([this] { model_->coordinator().extend(); });
     notifier.onCancelForcedAction = lifetime_.guard([this] { model_->forcedEndAction().cancel(); });
     model_->forcedEndAction().onCancel = lifetime_.guard([this] { eventHandler_->notifier().removeAgentsFinished(); });
@@ -91,6 +95,13 @@ void AppDelegate::handleEvents()
         eventHandler_->handle(event);
         notify(onEvent, event);
     });
+}
+
+void AppDelegate::openUpdate()
+{
+    if (surfaces_)
+        surfaces_->activate();
+    model_->updates().checkForUpdates();
 }
 
 void AppDelegate::followSystem()

@@ -42,6 +42,7 @@ private:
     void listenToAgents();
     void receive(const AgentEvent& event);
     void handleEvents();
+    void openUpdate();
     void followSystem();
     void holdAssertions();
     void makeSurfaces();

@@ -21,11 +21,14 @@ AppModel::AppModel(const AppEnvironment& environment)
           },
           helper::NotInstalled{}}
     , agentIntegration_{environment.home, environment.supportDirectory}
+    , loginItem_{environment.platform.login.get()}
+    , updates_{environment.platform.updater.get()}
     , forcedEndAction_{*environment.platform.time.tasks}
     , preferences_{PreferencesStore::load(environment.defaults)}
     , playsHeatAlarm_{PreferencesStore::playsHeatAlarm(environment.defaults)}
     , showsRemainingTimeInMenuBar_{PreferencesStore::showsRemainingTimeInMenuBar(environment.defaults)}
 {
+    loginItem_.refresh();
 }
 
 void AppModel::setPreferences(const SessionPreferences& preferences)

@@ -2,6 +2,8 @@
 
 #include "App/Agents/AgentIntegration.h"
 #include "App/Agents/ForcedEndAction.h"
+#include "App/General/AppUpdates.h"
+#include "App/General/LoginItem.h"
 #include "App/Model/SettingsTab.h"
 #include "App/Model/UserDefaults.h"
 #include "App/System/Platform.h"
@@ -42,6 +44,8 @@ public:
     const AgentIntegration& agentIntegration() const { return agentIntegration_; }
     ForcedEndAction& forcedEndAction() { return forcedEndAction_; }
     const ForcedEndAction& forcedEndAction() const { return forcedEndAction_; }
+    LoginItem& loginItem() { return loginItem_; }
+    AppUpdates& updates() { return updates_; }
     UserDefaults* store() const { return environment_.defaults; }
 
     /// The end condition of the running agent session; null otherwise.
@@ -111,6 +115,8 @@ private:
     AppEnvironment environment_;
     SessionCoordinator coordinator_;
     AgentIntegration agentIntegration_;
+    LoginItem loginItem_;
+    AppUpdates updates_;
     AgentTracker agents_;
     ForcedEndAction forcedEndAction_;
     Observed<std::shared_ptr<AgentEndCondition>> agentCondition_;

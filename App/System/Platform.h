@@ -4,12 +4,14 @@
 #include "App/System/HelperConnection.h"
 #include "App/System/HelperService.h"
 #include "App/System/LidMonitoring.h"
+#include "App/System/LoginService.h"
 #include "App/System/MachineFacts.h"
 #include "App/System/PowerAssertionBackend.h"
 #include "App/System/SessionFollowing.h"
 #include "App/System/SoundPlayer.h"
 #include "App/System/SystemPower.h"
 #include "App/System/SystemSleepObserving.h"
+#include "App/System/Updater.h"
 #include "App/System/UserNotificationCenter.h"
 #include "Core/RawValue.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
@@ -54,8 +56,8 @@ struct PlatformHelper {
     std::shared_ptr<SystemPower> power;
 };
 
-/// All that the application needs of its system; every member is set, except `machine` and `machineSocket`. Main thread
-/// only, but for `time.mainLoop->post`. Members that come later use those before them.
+/// All that the application needs of its system; every member is set, except `updater`, `machine` and `machineSocket`.
+/// Main thread only, but for `time.mainLoop->post`. Members that come later use those before them.
 struct Platform {
     PlatformKind kind = PlatformKind::simulated;
     /// Why the laptop is a simulated one though nobody asked for it: a sentence for the user. Empty otherwise.
@@ -74,6 +76,9 @@ struct Platform {
     std::unique_ptr<UserNotificationCenter> notifications;
     /// Of the heat alarm.
     std::unique_ptr<SoundPlayer> alarm;
+    std::unique_ptr<LoginService> login;
+    /// Null where new versions come by other means, such as the system's packages.
+    std::unique_ptr<Updater> updater;
     PlatformHelper helper;
     /// Steers `machine` from outside.
     std::shared_ptr<MachineSocket> machineSocket;

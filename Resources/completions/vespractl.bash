@@ -81,7 +81,7 @@ _vespractl_machine()
         press) candidates="session.endingSoon/session.extend agents.finished/agents.cancelForcedAction" ;;
         "")
             compopt -o nospace
-            candidates="battery= charger= lid= display= screen= thermal= helper= sleep= press="
+            candidates="battery= charger= lid= display= screen= thermal= helper= sleep= update= press="
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")

@@ -1,5 +1,6 @@
 #include "App/System/SystemPlatform.h"
 
+#include "App/System/linux/AutostartEntry.h"
 #include "App/System/linux/Desktop.h"
 #include "App/System/linux/DesktopNotifications.h"
 #include "App/System/linux/LinuxAssertions.h"
@@ -17,6 +18,8 @@
 #include "App/System/ResourceFile.h"
 #include "HelperProtocol/Brand.h"
 
+#include <QCoreApplication>
+
 namespace vespra {
 
 namespace {
@@ -28,6 +31,8 @@ namespace {
 
     SystemLog assertionsLog() { return {Brand::appBundleID(), "assertions"}; }
     SystemLog notificationsLog() { return {Brand::appBundleID(), "notifications"}; }
+    /// The name of the application's desktop files, without their ending.
+    QString desktopEntry() { return QString::fromStdString(Brand::appBundleID()); }
     QString application() { return QString::fromStdString(Brand::appName()); }
 
     std::unique_ptr<LogindLock> logindLock(const char* what, const char* mode, TaskScheduling& tasks)
@@ -155,12 +160,13 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.assertions = own(members->assertions, std::make_unique<LinuxAssertions>(means(tasks)));
     platform.display = std::make_unique<LinuxDisplay>(tasks, assertionsLog());
     platform.session = std::make_unique<LinuxSession>(*members);
-    platform.notifications = std::make_unique<DesktopNotifications>(
-        application(), QString::fromStdString(Brand::appBundleID()), notificationsLog());
+    platform.notifications = std::make_unique<DesktopNotifications>(application(), desktopEntry(), notificationsLog());
     platform.alarm = std::make_unique<ProcessSoundPlayer>(resourceFile(heatAlarmSound),
         ProcessSoundPlayer::systemPrograms(),
         *platform.time.mainLoop,
         notificationsLog());
+    platform.login = std::make_unique<AutostartEntry>(
+        AutostartEntry::Place::standard(desktopEntry()), application(), QCoreApplication::applicationFilePath());
     platform.helper = makeLinuxHelper();
     return platform;
 }

@@ -2,9 +2,11 @@
 
 #include "App/System/DisplayControl.h"
 #include "App/System/LidMonitoring.h"
+#include "App/System/LoginService.h"
 #include "App/System/PowerAssertionBackend.h"
 #include "App/System/SoundPlayer.h"
 #include "App/System/SystemSleepObserving.h"
+#include "App/System/Updater.h"
 #include "App/System/UserNotificationCenter.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
 #include "Core/Scheduling/MainLoop.h"
@@ -29,5 +31,8 @@ std::unique_ptr<PowerAssertionBackend> makeIOKitAssertions();
 std::unique_ptr<DisplayControl> makeMacDisplay();
 std::unique_ptr<UserNotificationCenter> makeMacNotificationCenter(MainLoop& mainLoop);
 std::unique_ptr<SoundPlayer> makeMacSoundPlayer(MainLoop& mainLoop);
+std::unique_ptr<LoginService> makeMacLoginService();
+/// Null in an application without the updater's framework.
+std::unique_ptr<Updater> makeSparkleUpdater();
 
 } // namespace vespra

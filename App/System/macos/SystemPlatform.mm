@@ -49,6 +49,8 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.session = std::make_unique<MacSession>();
     platform.notifications = makeMacNotificationCenter(*platform.time.mainLoop);
     platform.alarm = makeMacSoundPlayer(*platform.time.mainLoop);
+    platform.login = makeMacLoginService();
+    platform.updater = makeSparkleUpdater();
     platform.helper = makeMacHelper(*platform.time.mainLoop);
     return platform;
 }

@@ -63,6 +63,12 @@ namespace {
         return value == "now";
     }
 
+    bool setUpdate(MachineChange& change, std::string_view value)
+    {
+        change.update = value;
+        return !value.empty();
+    }
+
     /// The notification, and behind a slash the button; without one the notification itself is clicked.
     bool setPress(MachineChange& change, std::string_view value)
     {
@@ -76,7 +82,7 @@ namespace {
     using State = MachineState;
     using Text = std::string_view;
 
-    constexpr std::array<Key, 9> keys{{
+    constexpr std::array<Key, 10> keys{{
         {"battery",
             "0..100|none",
             setBattery,
@@ -108,6 +114,7 @@ namespace {
             setHelper,
             [](const State& state) { return std::string{rawValue(state.helper)}; }},
         {"sleep", "now", setSleep, nullptr},
+        {"update", "VERSION", setUpdate, nullptr},
         {"press", "NOTIFICATION[/ACTION]", setPress, nullptr},
     }};
 

@@ -36,6 +36,8 @@ struct MachineChange {
     MachineState state;
     /// The machine is to sleep and wake up again, once the state is in force.
     bool sleepsNow = false;
+    /// A version of the application that has come out.
+    std::optional<std::string> update;
     /// What the user does with a notification, last of all.
     std::optional<NotificationResponse> response;
 };

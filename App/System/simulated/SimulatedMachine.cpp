@@ -19,6 +19,8 @@ std::expected<void, std::string> SimulatedMachine::set(const MachineSettings& se
         notify(onSleep, true);
         notify(onSleep, false);
     }
+    if (change->update)
+        notify(onUpdate, *change->update);
     return change->response ? respond(*change->response) : std::expected<void, std::string>{};
 }
 

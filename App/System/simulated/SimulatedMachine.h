@@ -53,6 +53,9 @@ public:
     /// How often the alarm has sounded.
     int alarms() const { return alarms_; }
 
+    /// Called with each version of the application that comes out.
+    std::function<void(const std::string& version)> onUpdate;
+
     /// Called after every change of the state; for as long as the machine is there.
     void onChange(std::function<void()> listener) { listeners_.push_back(std::move(listener)); }
     /// Called with true when the machine goes to sleep and with false when it wakes up.

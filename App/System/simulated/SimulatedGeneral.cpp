@@ -1,0 +1,28 @@
+#include "App/System/simulated/SimulatedGeneral.h"
+
+namespace vespra {
+
+SimulatedUpdater::SimulatedUpdater(const std::shared_ptr<SimulatedMachine>& machine, const WallClock& clock)
+    : clock_{clock}
+{
+    machine->onUpdate = lifetime_.guard([this](const std::string& version) {
+        newest_ = version;
+        if (checks_)
+            check(false);
+    });
+}
+
+void SimulatedUpdater::checkForUpdates() { check(true); }
+
+void SimulatedUpdater::check(bool isAskedFor)
+{
+    lastCheck_ = clock_.now();
+    if (!newest_.empty()) {
+        notify(onWillShowUpdate, newest_, isAskedFor);
+        if (isAskedFor)
+            notify(onUpdateSeen);
+    }
+    notify(onCycleFinished);
+}
+
+} // namespace vespra
