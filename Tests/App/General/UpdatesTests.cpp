@@ -1,0 +1,63 @@
+#include "Tests/Support/LaunchedApplication.h"
+
+namespace vespra {
+
+namespace {
+
+    struct NoSurfaces : AppSurfaces {
+        void activate() override { ++activations; }
+        void makePanel(AppModel&) override { }
+        bool isPanelVisible() const override { return false; }
+        void showPanel() override { }
+        void hidePanel() override { }
+        bool hasStatusItem() const override { return false; }
+        void makeStatusItem(AppModel&, StatusItemActions) override { }
+        void makeSettingsWindow(AppModel&) override { }
+        void showSettings(std::optional<SettingsTab>) override { }
+        void showOnboarding(AppModel&) override { }
+        void registerShortcut(std::function<void()>) override { }
+        int activations = 0;
+    };
+
+    using UpdatesTest = LaunchedApplication;
+
+} // namespace
+
+TEST_F(UpdatesTest, AVersionThatNobodyAskedForIsToldOfOnce)
+{
+    NoSurfaces surfaces;
+    launch(&surfaces);
+    EXPECT_EQ(model().updates().lastCheck(), std::nullopt);
+    laptop.set({{"update", "2.0"}});
+    ASSERT_EQ(laptop.shown(), "updates.available");
+    EXPECT_EQ(laptop.machine().notifications().front().title, "Vespra 2.0 is available");
+    EXPECT_EQ(model().updates().lastCheck(), laptop.time.now());
+
+    laptop.advance(1h);
+    laptop.set({{"press", "updates.available"}});
+    EXPECT_EQ(surfaces.activations, 1);
+    EXPECT_EQ(laptop.shown(), "") << "the user sees it now";
+    EXPECT_EQ(model().updates().lastCheck(), laptop.time.now());
+
+    model().updates().setAutomaticallyChecks(false);
+    laptop.set({{"update", "3.0"}});
+    EXPECT_EQ(laptop.shown(), "");
+    laptop.advance(1h);
+    model().updates().checkForUpdates();
+    EXPECT_EQ(laptop.shown(), "") << "it stands in the updater's window";
+    EXPECT_EQ(model().updates().lastCheck(), laptop.time.now());
+}
+
+TEST_F(UpdatesTest, WhereNewVersionsComeByOtherMeansNothingHappens)
+{
+    laptop.platform.updater.reset();
+    launch();
+    EXPECT_FALSE(model().updates().isAvailable());
+    model().updates().setAutomaticallyChecks(true);
+    model().updates().setAutomaticallyInstalls(true);
+    model().updates().checkForUpdates();
+    EXPECT_FALSE(model().updates().automaticallyChecks());
+    EXPECT_FALSE(model().updates().automaticallyInstalls());
+}
+
+} // namespace vespra
