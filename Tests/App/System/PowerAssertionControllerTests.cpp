@@ -1,6 +1,7 @@
 #include "App/System/PowerAssertionController.h"
 
 #include "Core/Scheduling/VirtualTime.h"
+#include "Tests/Support/RecordedLog.h"
 
 #include <gmock/gmock.h>
 
@@ -76,12 +77,6 @@ namespace {
 
     class PowerAssertions : public testing::Test {
     protected:
-        PowerAssertions()
-        {
-            SystemLog::redirect([this](const SystemLog::Entry& entry) { logged.emplace_back(entry.message); });
-        }
-        ~PowerAssertions() override { SystemLog::redirect({}); }
-
         Steps apply(const PowerRequirements& requirements)
         {
             controller->apply(requirements);
@@ -93,7 +88,8 @@ namespace {
             return std::exchange(steps, {});
         }
 
-        Steps steps, logged;
+        RecordedLog log;
+        Steps steps;
         FakeAssertions assertions{steps};
         FakeDisplay display{steps};
         FakeLid lid;
@@ -118,7 +114,8 @@ TEST_F(PowerAssertions, ThatCouldNotBeCreatedAreTriedAgain)
 {
     assertions.failure = -536870206;
     EXPECT_THAT(apply(idle), ElementsAre("begin reason", "create PreventUserIdleSystemSleep"));
-    EXPECT_THAT(logged, ElementsAre("Création de l'assertion PreventUserIdleSystemSleep impossible : -536870206"));
+    EXPECT_THAT(
+        log.messages, ElementsAre("Création de l'assertion PreventUserIdleSystemSleep impossible : -536870206"));
     assertions.failure = 0;
     EXPECT_THAT(apply(idle), ElementsAre("create PreventUserIdleSystemSleep"));
     EXPECT_THAT(apply(none), ElementsAre("end", "release 1"));
@@ -142,7 +139,7 @@ TEST_F(PowerAssertions, TurnTheDisplayOffOnceAndWakeItOnlyWithAnOpenLid)
     lid.isClosed = false;
     EXPECT_THAT(apply(none), ElementsAre("wake"));
     EXPECT_THAT(apply(none), IsEmpty());
-    EXPECT_THAT(logged,
+    EXPECT_THAT(log.messages,
         ElementsAre("Capot fermé sans écran externe : écran éteint",
             "Capot fermé sans écran externe : écran éteint",
             "Capot rouvert : écran rallumé"));
@@ -154,7 +151,7 @@ TEST_F(PowerAssertions, LogADisplayThatDoesNotObey)
     apply(closedLid);
     EXPECT_THAT(apply(closedLid), IsEmpty());
     apply(none);
-    EXPECT_THAT(logged,
+    EXPECT_THAT(log.messages,
         ElementsAre("Extinction de l'écran impossible : not found", "Rallumage de l'écran impossible : -536870212"));
 }
 

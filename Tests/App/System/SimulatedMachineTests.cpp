@@ -1,11 +1,8 @@
 #include "App/System/Platform.h"
 #include "App/System/SessionMarker.h"
 #include "App/System/simulated/MachineProtocol.h"
-#include "App/System/simulated/SimulatedNotifications.h"
 #include "App/System/simulated/SimulatedPlatform.h"
-#include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/FakeMonitors.h"
-#include "Tests/Support/ManualMainLoop.h"
 #include "Tests/Support/QtApplication.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -162,25 +159,6 @@ TEST(SimulatedPlatform, ShowsNotificationsUntilTheUserAnswersOrTheyAreTakenBack)
     platform.notifications->removeDelivered({"a", "b"});
     EXPECT_THAT(machine.notifications(), IsEmpty());
     EXPECT_FALSE(machine.set({{"press", "b"}})) << "it has been taken back";
-}
-
-TEST(SimulatedAlarm, TellsTheEndOfEachPlayOnceAndLater)
-{
-    VirtualTime time;
-    ManualMainLoop mainLoop;
-    const auto machine = std::make_shared<SimulatedMachine>();
-    SimulatedAlarm alarm{machine, mainLoop, time};
-    std::vector<std::string> told;
-    for (const auto* play : {"first", "second", "third"})
-        alarm.play([&told, play] { told.emplace_back(play); });
-    EXPECT_THAT(told, IsEmpty()) << "not in a later turn";
-    mainLoop.run();
-    EXPECT_THAT(told, ElementsAre("first", "second"));
-    time.advance(5s);
-    alarm.stop();
-    mainLoop.run();
-    EXPECT_THAT(told, ElementsAre("first", "second", "third"));
-    EXPECT_EQ(machine->alarms(), 3);
 }
 
 TEST(SessionMarker, ShowsASessionExactlyWhileItRuns)
