@@ -116,6 +116,7 @@ TEST_F(LinuxServices, WhatIsGrantedLateIsGivenBackOrKeptButNeverDoubled)
         SCOPED_TRACE(name);
         bus().reset();
         bus().own(service);
+        settle();
         bus().keepBack("Inhibit");
         inhibition->hold("why");
         settle();
