@@ -37,12 +37,14 @@ double secondsSince(std::chrono::steady_clock::time_point start)
     return Seconds{std::chrono::steady_clock::now() - start}.count();
 }
 
-int openDescriptors()
+/// The numbers of those that are open now, all or only those that other programs would inherit.
+std::set<int> descriptors(bool onlyInherited = false)
 {
-    int count = 0;
+    std::set<int> numbers;
     for (int descriptor = 0; descriptor < 128; ++descriptor)
-        count += fcntl(descriptor, F_GETFD) >= 0;
-    return count;
+        if (const int flags = fcntl(descriptor, F_GETFD); flags >= 0 && !(onlyInherited && flags & FD_CLOEXEC))
+            numbers.insert(descriptor);
+    return numbers;
 }
 
 /// Takes every descriptor that the process may still open. The sanitizer of undefined behaviour needs some when it
@@ -291,10 +293,10 @@ TEST_F(AgentSocketServerTest, LeavesTheSocketFileOfANewerServer)
 TEST_F(AgentSocketServerTest, SurvivesRunningOutOfDescriptors)
 {
     const auto server = started();
-    const auto atRest = openDescriptors();
+    const auto atRest = descriptors().size();
     LocalClient{path}.write(line("before"));
     EXPECT_THAT(idsOnceAllIsRead(), ElementsAre("before"));
-    for (int tries = 0; tries < 1000 && openDescriptors() > atRest; ++tries)
+    for (int tries = 0; tries < 1000 && descriptors().size() > atRest; ++tries)
         std::this_thread::sleep_for(1ms);
     LocalClient first, second;
     const auto cpuBefore = std::clock();
@@ -314,18 +316,11 @@ TEST_F(AgentSocketServerTest, SurvivesRunningOutOfDescriptors)
 
 TEST_F(AgentSocketServerTest, LeavesNoDescriptorToProgramsThatTheApplicationStarts)
 {
-    const auto inherited = [] {
-        std::set<int> result;
-        for (int descriptor = 0; descriptor < 128; ++descriptor)
-            if (const int flags = fcntl(descriptor, F_GETFD); flags >= 0 && !(flags & FD_CLOEXEC))
-                result.insert(descriptor);
-        return result;
-    };
-    const auto before = inherited();
+    const auto before = descriptors(/*onlyInherited=*/true);
     const auto server = started();
     const LocalClient client{path};
     std::this_thread::sleep_for(50ms);
-    EXPECT_EQ(inherited(), before);
+    EXPECT_EQ(descriptors(/*onlyInherited=*/true), before);
 }
 
 } // namespace

@@ -132,35 +132,6 @@ TEST_F(AppDelegateTest, JoinsTheSurfacesWithTheModel)
     EXPECT_EQ(lastEnd(), "stoppedByUser");
 }
 
-TEST_F(AppDelegateTest, HoldsTheMachineAwakeExactlyWhileASessionRuns)
-{
-    launch();
-    model().start();
-    EXPECT_EQ(laptop.held(), "") << "not before the next turn";
-    laptop.settle();
-    EXPECT_EQ(laptop.held(), "activity PreventUserIdleSystemSleep");
-    laptop.advance(1h);
-    EXPECT_EQ(lastEnd(), "timeElapsed");
-    EXPECT_EQ(laptop.held(), "");
-}
-
-TEST_F(AppDelegateTest, ReadingsEndTheSession)
-{
-    launch();
-    const auto endBy = [this](const MachineSettings& settings) {
-        laptop.set(
-            {{"charger", "on"}, {"battery", "80"}, {"lid", "open"}, {"thermal", "nominal"}, {"helper", "ready"}});
-        prefer(SessionMode::unlimited, {.closedLid = true});
-        model().start();
-        laptop.settle();
-        laptop.set(settings);
-        return lastEnd();
-    };
-    EXPECT_EQ(endBy({{"charger", "off"}}), "chargerDisconnected");
-    EXPECT_EQ(endBy({{"sleep", "now"}}), "systemSleep");
-    EXPECT_EQ(endBy({{"lid", "closed"}, {"thermal", "serious"}}), "overheating");
-}
-
 TEST_F(AppDelegateTest, TellsTheUserOfWhatTheyDidNotDo)
 {
     launch();
@@ -202,6 +173,7 @@ TEST_F(AppDelegateTest, AnOverheatedClosedMachineStaysAwakeForTheAlarm)
     model().start();
     laptop.advance(1s);
     ASSERT_TRUE(delegate->closedLid().isApplied());
+    EXPECT_FALSE(laptop.machine().state().isScreenOn);
     laptop.set({{"thermal", "critical"}});
     EXPECT_EQ(lastEnd(), "overheating");
     EXPECT_EQ(laptop.machine().alarms(), 1);

@@ -82,22 +82,6 @@ TEST_F(AppModelTest, HasAnEndConditionExactlyWhileAnAgentSessionRuns)
     EXPECT_EQ(model().agentCondition(), nullptr);
 }
 
-TEST_F(AppModelTest, RefusedClosedLidModeChangesNothingButTheReason)
-{
-    setSettings([](auto& settings) { settings.energy.requiresACPower = false; });
-    laptop.set({{"charger", "off"}, {"helper", "ready"}});
-    model().start();
-    model().setClosedLid(true);
-    EXPECT_EQ(model().closedLidToggleRefusal(), StartRefusal{refusal::ChargerRequired{}});
-    EXPECT_FALSE(model().isClosedLidOn());
-    EXPECT_FALSE(model().preferences().options.closedLid);
-
-    coordinator().stop(end::StoppedByUser{});
-    model().setClosedLid(true);
-    EXPECT_EQ(model().closedLidToggleRefusal(), std::nullopt) << "while idle it is only a preference";
-    EXPECT_TRUE(model().isClosedLidOn());
-}
-
 TEST_F(AppModelTest, OptionsAreThoseOfTheSessionWhileOneRuns)
 {
     model().setKeepsDisplayAwake(true);
@@ -131,10 +115,8 @@ TEST_F(AppModelTest, KeepsEveryChoiceAtOnce)
 {
     model().setPlaysHeatAlarm(false);
     model().setShowsRemainingTimeInMenuBar(true);
-    setSettings([](auto& settings) { settings.energy.requiresACPower = false; });
     EXPECT_EQ(defaults.flags,
         (std::map<std::string, bool>{{"playsHeatAlarm", false}, {"showsRemainingTimeInMenuBar", true}}));
-    EXPECT_FALSE(PreferencesStore::loadSettings(&defaults).energy.requiresACPower);
     defaults.texts.erase("sessionPreferences");
     model().setPreferences(model().preferences());
     EXPECT_TRUE(defaults.texts.contains("sessionPreferences")) << "also what has not changed";
@@ -145,7 +127,6 @@ TEST_F(AppModelTest, KeepsEveryChoiceAtOnce)
         .supportDirectory = home / "support"}};
     EXPECT_FALSE(next.playsHeatAlarm());
     EXPECT_TRUE(next.showsRemainingTimeInMenuBar());
-    EXPECT_FALSE(next.coordinator().settings().energy.requiresACPower);
 }
 
 TEST_F(AppModelTest, ShowsTheEndByAGuardrailUntilItIsDismissed)

@@ -135,19 +135,6 @@ namespace {
         EXPECT_EQ(wire.requests.size(), 2u);
     }
 
-    TEST_F(ClosedLidControllerTest, FollowsEachChangeOfTheWish)
-    {
-        launch();
-        for (int round = 0; round < 2; ++round) {
-            startSession();
-            EXPECT_TRUE(isApplied());
-            stopSession();
-            EXPECT_FALSE(isApplied());
-        }
-        pass(1min);
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "restore", "enable", "restore"));
-    }
-
     TEST_F(ClosedLidControllerTest, DoesWhatIsWantedByTheTimeOfTheReply)
     {
         struct Row {

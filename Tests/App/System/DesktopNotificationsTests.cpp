@@ -49,6 +49,14 @@ namespace {
             center.post({.identifier = identifier, .title = title, .body = {}, .category = "category"});
         }
 
+        void showTwo()
+        {
+            bus().own(server);
+            post("a", "A");
+            post("b", "B");
+            waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+        }
+
         std::vector<std::string> told;
         DesktopNotifications center{"Vespra", "app.vespra.Vespra", SystemLog{"app", "test"}};
     };
@@ -95,10 +103,7 @@ TEST_F(Notifications, AreAsTheServerCanShowThem)
 
 TEST_F(Notifications, ReplaceTheShownOneOfTheSameIdentifier)
 {
-    bus().own(server);
-    post("a", "A");
-    post("b", "B");
-    waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+    showTwo();
     post("a", "A2");
     waitUntilShown({"1 replaces 1: A2", "2 replaces 0: B"});
     emitSignal("NotificationClosed", {1U, 2U});
@@ -122,10 +127,7 @@ TEST_F(Notifications, PostedBeforeTheServerAnswersAreNeitherLostNorDoubled)
 
 TEST_F(Notifications, AreClosedEvenIfTheServerShowsThemLate)
 {
-    bus().own(server);
-    post("a", "A");
-    post("b", "B");
-    waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+    showTwo();
     center.removeDelivered({"a", "never shown"});
     waitUntilShown({"2 replaces 0: B"});
 
@@ -144,10 +146,7 @@ TEST_F(Notifications, AreClosedEvenIfTheServerShowsThemLate)
 
 TEST_F(Notifications, HandOnWhatTheUserDoesWithThem)
 {
-    bus().own(server);
-    post("a", "A");
-    post("b", "B");
-    waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+    showTwo();
     emitSignal("ActionInvoked", {1U, "extend"});
     emitSignal("ActionInvoked", {2U, "default"});
     emitSignal("ActionInvoked", {3U, "extend"}); // of another program
