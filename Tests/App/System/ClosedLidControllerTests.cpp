@@ -286,9 +286,10 @@ namespace {
         startSession();
         controller->restoreBeforeQuit(2s);
         controller->restoreBeforeQuit(2s);
+        controller->refreshStatus();
         pass(1min);
         EXPECT_FALSE(isApplied());
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "restoreAndWait"));
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "restoreAndWait", "version"));
     }
 
     TEST_F(ClosedLidControllerTest, SleepAndShutdownFallBack)
