@@ -49,20 +49,6 @@ TEST_F(AppModelTest, ShowsThePanelWhenAToggleIsBlocked)
     EXPECT_EQ(panelsShown, 2);
 }
 
-TEST_F(AppModelTest, NeedsAConnectedAgentInAgentModeOnly)
-{
-    EXPECT_FALSE(model().needsAgentConnection());
-    prefer(SessionMode::agent);
-    EXPECT_TRUE(model().needsAgentConnection());
-    model().startUnconnected(model().preferences());
-    EXPECT_TRUE(isActive()) << "asked for by name";
-    coordinator().stop(end::StoppedByUser{});
-    connectClaude();
-    EXPECT_FALSE(model().needsAgentConnection());
-    model().start();
-    EXPECT_TRUE(isActive());
-}
-
 TEST_F(AppModelTest, HasAnEndConditionExactlyWhileAnAgentSessionRuns)
 {
     connectClaude();
