@@ -206,6 +206,8 @@ void MockBus::restart(const QString& service)
 {
     disown(service);
     run([&] {
+        if (service == "org.freedesktop.login1")
+            services_->state.locks.clear();
         std::erase_if(services_->state.cookies, [&](const auto& each) { return each.second.startsWith(service); });
         services_->state.notifications.clear();
         services_->state.lastNotification = 0;
