@@ -109,7 +109,6 @@ TEST_F(AppDelegateTest, ShowsTheOnboardingOnce)
 
 TEST_F(AppDelegateTest, JoinsTheSurfacesWithTheModel)
 {
-    launch(&surfaces);
     {
         const InSequence order;
         EXPECT_CALL(surfaces, showPanel);
@@ -120,6 +119,7 @@ TEST_F(AppDelegateTest, JoinsTheSurfacesWithTheModel)
         EXPECT_CALL(surfaces, hidePanel);
         EXPECT_CALL(surfaces, showSettings(testing::Optional(SettingsTab::power)));
     }
+    launch(&surfaces);
     actions.onToggle();
     notify(model().showPanel); // it is open already
     actions.onToggle();
@@ -222,10 +222,10 @@ TEST_F(AppDelegateTest, QuittingPutsTheSleepSettingBackAndEndsTheSession)
 
 TEST_F(AppDelegateTest, CallbacksOfTheSystemOutliveIt)
 {
+    EXPECT_CALL(surfaces, showPanel).Times(0);
     launch(&surfaces);
     const auto willSleep = laptop.platform.sleep->onWillSleep;
     delegate.reset();
-    EXPECT_CALL(surfaces, showPanel).Times(0);
     willSleep();
     actions.onToggle();
     shortcut();
