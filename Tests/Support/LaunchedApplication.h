@@ -37,6 +37,13 @@ protected:
         return end ? std::string{caseName(end->reason)} : "";
     }
 
+    /// Changes the settings as `change` does.
+    void setSettings(auto change)
+    {
+        auto settings = coordinator().settings();
+        change(settings);
+        model().setSettings(settings);
+    }
     void prefer(SessionMode mode, SessionOptions options = {})
     {
         auto preferences = model().preferences();
@@ -44,10 +51,16 @@ protected:
         preferences.options = options;
         model().setPreferences(preferences);
     }
-    void connectClaude()
+    /// From a terminal, say: the application has not looked since.
+    void connectClaudeElsewhere()
     {
         std::filesystem::create_directories(home / ".claude");
-        ASSERT_TRUE(model().agentIntegration().hookFile(AgentKind::claudeCode).connect(laptop.time.now()));
+        const AgentIntegration terminal{home.path(), home / "support"};
+        ASSERT_TRUE(terminal.hookFile(AgentKind::claudeCode).connect(laptop.time.now()));
+    }
+    void connectClaude()
+    {
+        connectClaudeElsewhere();
         model().agentIntegration().refresh();
     }
     /// An agent reports.

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "HelperProtocol/FileDescriptor.h"
+#include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <functional>
+#include <gtest/gtest.h>
 #include <map>
-#include <optional>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
+#include <QProcess>
 #include <QThread>
 #include <QVariantMap>
 #include <vector>
@@ -26,26 +24,26 @@ public:
     MockBus(const MockBus&) = delete;
     MockBus& operator=(const MockBus&) = delete;
 
-    void own(const char* service);
+    void own(const QString& service);
     /// Whoever calls `service` while nobody owns it has the bus start `command`, a program with arguments.
-    void makeActivatable(const char* service, const std::string& command);
+    void makeActivatable(const std::string& service, const std::string& command);
     /// The process lives on, with all that it has granted, but without the name.
-    void disown(const char* service);
+    void disown(const QString& service);
     /// As if it crashed and came back at once.
-    void restart(const char* service);
+    void restart(const QString& service);
     /// Disowns all and forgets everything.
     void reset();
 
     /// From now on calls of `member` are kept unanswered, until `answer`.
-    void keepBack(const char* member);
+    void keepBack(const QString& member);
     void answer();
     /// Answers them with an error instead.
     void refuse();
 
-    void setProperty(const char* path, const char* interface, const char* name, const QVariant& value);
+    void setProperty(const QString& path, const QString& interface, const QString& name, const QVariant& value);
     /// Sets it and emits PropertiesChanged.
-    void changeProperty(const char* path, const char* interface, const char* name, const QVariant& value);
-    void emitSignal(const char* path, const char* interface, const char* name, const QVariantList& arguments);
+    void changeProperty(const QString& path, const QString& interface, const QString& name, const QVariant& value);
+    void emitSignal(const QString& path, const QString& interface, const QString& name, const QVariantList& arguments);
 
     /// "idle:block" of each lock that is open, and "org.gnome.SessionManager 4" of each cookie.
     std::vector<std::string> held();
@@ -63,9 +61,21 @@ private:
     void run(const std::function<void()>& task);
 
     TemporaryDirectory folder_;
+    QProcess daemon_;
     std::unique_ptr<Services> services_;
     QThread thread_;
-    long daemon_ = 0;
+};
+
+/// A test with the process's one bus, which begins without services. Brings the program's `main` along.
+class BusTest : public testing::Test {
+protected:
+    BusTest() { bus().reset(); }
+
+    static MockBus& bus();
+    /// Lets everything that is on its way arrive.
+    static void settle();
+
+    RecordedLog log;
 };
 
 } // namespace vespra

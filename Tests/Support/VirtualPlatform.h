@@ -49,52 +49,32 @@ public:
     ManualMainLoop mainLoop;
 
 private:
-    struct Loop final : MainLoop {
-        explicit Loop(MainLoop& forwarded)
-            : to{forwarded}
+    /// What the platform owns of the time that is the test's.
+    struct Shared final : MainLoop, WallClock, DeadlineScheduling, TaskScheduling {
+        explicit Shared(VirtualPlatform& owner)
+            : of{owner}
         {
         }
-        void post(std::function<void()> task) override { to.post(std::move(task)); }
-        MainLoop& to;
-    };
-    struct Clock final : WallClock {
-        explicit Clock(const VirtualTime& forwarded)
-            : to{forwarded}
-        {
-        }
-        Instant now() const override { return to.now(); }
-        const VirtualTime& to;
-    };
-    struct Deadlines final : DeadlineScheduling {
-        explicit Deadlines(VirtualTime& forwarded)
-            : to{forwarded}
-        {
-        }
+        void post(std::function<void()> task) override { of.mainLoop.post(std::move(task)); }
+        Instant now() const override { return of.time.now(); }
+        ContinuousInstant continuousNow() const override { return of.time.continuousNow(); }
         std::unique_ptr<ScheduledDeadline> schedule(Instant date, std::function<void()> action) override
         {
-            return to.schedule(date, std::move(action));
+            return of.time.schedule(date, std::move(action));
         }
-        VirtualTime& to;
-    };
-    struct Tasks final : TaskScheduling {
-        explicit Tasks(VirtualTime& forwarded)
-            : to{forwarded}
-        {
-        }
-        ContinuousInstant continuousNow() const override { return to.continuousNow(); }
         std::unique_ptr<ScheduledTask> schedule(Seconds after, std::function<void()> action) override
         {
-            return to.schedule(after, std::move(action));
+            return of.time.schedule(after, std::move(action));
         }
-        VirtualTime& to;
+        VirtualPlatform& of;
     };
 
 public:
     Platform platform = makeSimulatedPlatform({
-        .mainLoop = std::make_unique<Loop>(mainLoop),
-        .clock = std::make_unique<Clock>(time),
-        .deadlines = std::make_unique<Deadlines>(time),
-        .tasks = std::make_unique<Tasks>(time),
+        .mainLoop = std::make_unique<Shared>(*this),
+        .clock = std::make_unique<Shared>(*this),
+        .deadlines = std::make_unique<Shared>(*this),
+        .tasks = std::make_unique<Shared>(*this),
     });
 };
 

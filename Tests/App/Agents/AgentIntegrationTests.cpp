@@ -1,8 +1,9 @@
 #include "App/Agents/AgentIntegration.h"
 
+#include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -10,6 +11,8 @@
 #include <sys/stat.h>
 
 using namespace vespra;
+using testing::ElementsAre;
+using testing::StartsWith;
 namespace fs = std::filesystem;
 
 namespace {
@@ -95,16 +98,12 @@ TEST(AgentIntegration, ReplacesTheToolInOneStepAndOnlyWhenItDiffers)
 TEST(AgentIntegration, LogsWhyThereIsNoTool)
 {
     const Home home;
-    std::vector<std::string> messages;
-    SystemLog::redirect([&](const SystemLog::Entry& entry) {
-        messages.push_back(std::string{entry.category} + ": " + std::string{entry.message});
-    });
+    const RecordedLog log;
     EXPECT_EQ(home.integration.installCommand({}), CommandInstallation::notFound);
     EXPECT_EQ(home.integration.installCommand(home.directory.path()), CommandInstallation::notCopied);
-    SystemLog::redirect(nullptr);
-    ASSERT_EQ(messages.size(), 2u);
-    EXPECT_EQ(messages[0], "agents: Commande des hooks absente du bundle");
-    EXPECT_TRUE(messages[1].starts_with("agents: Copie de la commande des hooks impossible : ")) << messages[1];
+    EXPECT_THAT(log.messages,
+        ElementsAre(
+            "Commande des hooks absente du bundle", StartsWith("Copie de la commande des hooks impossible : ")));
     EXPECT_FALSE(fs::exists(home.support));
 }
 

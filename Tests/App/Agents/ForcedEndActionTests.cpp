@@ -24,19 +24,7 @@ namespace {
         int cancelled = 0;
     };
 
-    TEST_F(ForcedEndActionTest, IsCarriedOutAfterAMinute)
-    {
-        action.schedule(AgentEndAction::sleepNow, time.now());
-        EXPECT_EQ(action.pending(), (Pending{AgentEndAction::sleepNow, time.now() + 60s}));
-        time.advance(59.9s);
-        EXPECT_THAT(done, IsEmpty());
-        time.advance(0.1s);
-        EXPECT_THAT(done, ElementsAre(AgentEndAction::sleepNow));
-        EXPECT_FALSE(action.pending());
-        EXPECT_EQ(cancelled, 0);
-    }
-
-    TEST_F(ForcedEndActionTest, CancellingClearsItAtOnce)
+    TEST_F(ForcedEndActionTest, IsGoneOnceItIsCancelled)
     {
         action.cancel();
         EXPECT_EQ(cancelled, 0);
@@ -49,16 +37,19 @@ namespace {
         EXPECT_EQ(cancelled, 1);
     }
 
-    TEST_F(ForcedEndActionTest, TheLatestActionAloneIsCarriedOut)
+    TEST_F(ForcedEndActionTest, TheLatestAloneIsCarriedOutAfterAMinute)
     {
         action.schedule(AgentEndAction::shutDown, time.now());
         time.advance(30s);
         action.schedule(AgentEndAction::sleepNow, time.now());
         action.schedule(AgentEndAction::letSleep, time.now());
-        time.advance(59s);
+        EXPECT_EQ(action.pending(), (Pending{AgentEndAction::sleepNow, time.now() + 60s}));
+        time.advance(59.9s);
         EXPECT_THAT(done, IsEmpty());
-        time.advance(1s);
+        time.advance(0.1s);
         EXPECT_THAT(done, ElementsAre(AgentEndAction::sleepNow));
+        EXPECT_FALSE(action.pending());
+        EXPECT_EQ(cancelled, 0);
     }
 
 } // namespace

@@ -6,203 +6,130 @@ namespace vespra {
 
 namespace {
 
+    using testing::Assign;
     using testing::ElementsAre;
-    using testing::IsSupersetOf;
+    using testing::InSequence;
+    using testing::NiceMock;
+    using testing::Return;
+    using testing::SaveArg;
     namespace fs = std::filesystem;
 
-    using Journal = std::vector<std::string>;
-
-    class RecordingSurfaces final : public AppSurfaces {
+    class MockSurfaces : public AppSurfaces {
     public:
-        explicit RecordingSurfaces(Journal& journal)
-            : journal_{journal}
-        {
-        }
-        void activate() override { note("activate"); }
-        void makePanel(AppModel&) override { note("panel"); }
-        bool isPanelVisible() const override { return isPanelVisible_; }
-        void showPanel() override
-        {
-            isPanelVisible_ = true;
-            note("showPanel");
-        }
-        void hidePanel() override
-        {
-            isPanelVisible_ = false;
-            note("hidePanel");
-        }
-        bool hasStatusItem() const override { return true; }
-        void makeStatusItem(AppModel&, StatusItemActions all) override
-        {
-            actions = std::move(all);
-            note("statusItem");
-        }
-        void makeSettingsWindow(AppModel&) override { note("settingsWindow"); }
-        void showSettings(std::optional<SettingsTab> tab) override
-        {
-            note("showSettings " + (tab ? std::string{rawValue(*tab)} : "-"));
-        }
-        void showOnboarding(AppModel&) override { note("onboarding"); }
-        void registerShortcut(std::function<void()> onKeyUp) override
-        {
-            shortcut = std::move(onKeyUp);
-            note("shortcut");
-        }
-
-        StatusItemActions actions;
-        std::function<void()> shortcut;
-
-    private:
-        void note(std::string entry) { journal_.push_back(std::move(entry)); }
-
-        Journal& journal_;
-        bool isPanelVisible_ = false;
+        MOCK_METHOD(void, activate, (), (override));
+        MOCK_METHOD(void, makePanel, (AppModel&), (override));
+        MOCK_METHOD(bool, isPanelVisible, (), (const, override));
+        MOCK_METHOD(void, showPanel, (), (override));
+        MOCK_METHOD(void, hidePanel, (), (override));
+        MOCK_METHOD(bool, hasStatusItem, (), (const, override));
+        MOCK_METHOD(void, makeStatusItem, (AppModel&, StatusItemActions), (override));
+        MOCK_METHOD(void, makeSettingsWindow, (AppModel&), (override));
+        MOCK_METHOD(void, showSettings, (std::optional<SettingsTab>), (override));
+        MOCK_METHOD(void, showOnboarding, (AppModel&), (override));
+        MOCK_METHOD(void, registerShortcut, (std::function<void()>), (override));
     };
 
-    /// Notes that the notifier has been made, and what stood in the support folder by then.
-    class RecordingNotifications final : public UserNotificationCenter {
+    class MockNotifications : public UserNotificationCenter {
     public:
-        RecordingNotifications(Journal& journal, fs::path support)
-            : journal_{journal}
-            , support_{std::move(support)}
-        {
-        }
-        void setCategories(std::vector<NotificationCategory>) override
-        {
-            journal_.emplace_back(fs::exists(support_ / "agent.sock") ? "agent.sock" : "no socket");
-            journal_.emplace_back(fs::exists(support_ / "control.sock") ? "control.sock" : "notifier");
-        }
-        void requestAuthorization() override { }
-        void post(const UserNotification& notification) override { journal_.push_back(notification.identifier); }
-        void removeDelivered(const std::vector<std::string>&) override { }
-
-    private:
-        Journal& journal_;
-        fs::path support_;
+        MOCK_METHOD(void, setCategories, (std::vector<NotificationCategory>), (override));
+        MOCK_METHOD(void, requestAuthorization, (), (override));
+        MOCK_METHOD(void, post, (const UserNotification&), (override));
+        MOCK_METHOD(void, removeDelivered, (const std::vector<std::string>&), (override));
     };
 
-    class RecordingSession final : public SessionFollowing {
+    class MockSession : public SessionFollowing {
     public:
-        explicit RecordingSession(Journal& journal)
-            : journal_{journal}
-        {
-        }
-        void sessionRuns(bool runs) override { journal_.emplace_back(runs ? "session runs" : "no session"); }
-        void refresh() override { }
-
-    private:
-        Journal& journal_;
+        MOCK_METHOD(void, sessionRuns, (bool), (override));
+        MOCK_METHOD(void, refresh, (), (override));
     };
 
-    class RecordingLid final : public LidMonitoring {
+    class MockLid : public LidMonitoring {
     public:
-        explicit RecordingLid(Journal& journal)
-            : journal_{journal}
-        {
-        }
-        bool isClosedWithoutExternalDisplay() const override
-        {
-            journal_.emplace_back("lid");
-            return true;
-        }
-        bool isLidClosed() const override { return true; }
-
-    private:
-        Journal& journal_;
+        MOCK_METHOD(bool, isClosedWithoutExternalDisplay, (), (const, override));
+        MOCK_METHOD(bool, isLidClosed, (), (const, override));
     };
 
     class AppDelegateTest : public LaunchedApplication {
     protected:
-        Journal journal;
-        RecordingSurfaces surfaces{journal};
+        AppDelegateTest()
+        {
+            ON_CALL(surfaces, hasStatusItem).WillByDefault(Return(true));
+            ON_CALL(surfaces, isPanelVisible).WillByDefault(testing::ReturnPointee(&isPanelVisible));
+            ON_CALL(surfaces, showPanel).WillByDefault(Assign(&isPanelVisible, true));
+            ON_CALL(surfaces, hidePanel).WillByDefault(Assign(&isPanelVisible, false));
+            ON_CALL(surfaces, makeStatusItem).WillByDefault(SaveArg<1>(&actions));
+            ON_CALL(surfaces, registerShortcut).WillByDefault(SaveArg<0>(&shortcut));
+        }
+
+        NiceMock<MockSurfaces> surfaces;
+        bool isPanelVisible = false;
+        AppSurfaces::StatusItemActions actions;
+        std::function<void()> shortcut;
     };
 
 } // namespace
 
 TEST_F(AppDelegateTest, LaunchesInItsOrder)
 {
-    laptop.platform.notifications = std::make_unique<RecordingNotifications>(journal, home / "support");
-    laptop.platform.session = std::make_unique<RecordingSession>(journal);
-    laptop.platform.lid = std::make_unique<RecordingLid>(journal);
+    const auto support = home / "support";
+    auto notifications = std::make_unique<NiceMock<MockNotifications>>();
+    auto lid = std::make_unique<NiceMock<MockLid>>();
+    auto session = std::make_unique<NiceMock<MockSession>>();
+    {
+        const InSequence order;
+        EXPECT_CALL(*notifications, setCategories).WillOnce([&] {
+            EXPECT_TRUE(fs::exists(support / "agent.sock"));
+            EXPECT_FALSE(fs::exists(support / "control.sock"));
+        });
+        EXPECT_CALL(*lid, isClosedWithoutExternalDisplay).WillOnce(Return(true));
+        EXPECT_CALL(surfaces, makePanel);
+        EXPECT_CALL(*session, sessionRuns(false));
+        EXPECT_CALL(surfaces, makeStatusItem);
+        EXPECT_CALL(surfaces, makeSettingsWindow);
+        EXPECT_CALL(surfaces, showOnboarding);
+        EXPECT_CALL(surfaces, registerShortcut);
+    }
+    laptop.platform.notifications = std::move(notifications);
+    laptop.platform.lid = std::move(lid);
+    laptop.platform.session = std::move(session);
+    connectClaudeElsewhere();
     launch(&surfaces);
-    EXPECT_THAT(journal,
-        ElementsAre("agent.sock",
-            "notifier",
-            "lid",
-            "panel",
-            "no session",
-            "statusItem",
-            "settingsWindow",
-            "onboarding",
-            "shortcut"));
     EXPECT_TRUE(coordinator().conditions().lidClosedWithoutExternalDisplay);
-    EXPECT_TRUE(fs::exists(home / "support" / "control.sock"));
+    EXPECT_FALSE(model().needsAgentConnection({.mode = SessionMode::agent})) << "the agents are known";
+    EXPECT_TRUE(fs::exists(support / "control.sock"));
     EXPECT_EQ(model().closedLid, &delegate->closedLid());
-}
-
-TEST_F(AppDelegateTest, KnowsTheAgentsFromLaunchOn)
-{
-    fs::create_directories(home / ".claude");
-    const AgentIntegration before{home.path(), home / "support"};
-    ASSERT_TRUE(before.hookFile(AgentKind::claudeCode).connect(laptop.time.now()));
-    launch();
-    EXPECT_EQ(
-        model().agentIntegration().connections().at(AgentKind::claudeCode), HookSettingsFile::Connection::connected);
 }
 
 TEST_F(AppDelegateTest, ShowsTheOnboardingOnce)
 {
     defaults.flags["didFinishOnboarding"] = true;
+    EXPECT_CALL(surfaces, showOnboarding).Times(0);
     launch(&surfaces);
-    EXPECT_THAT(journal, testing::Not(testing::Contains("onboarding")));
 }
 
 TEST_F(AppDelegateTest, JoinsTheSurfacesWithTheModel)
 {
+    {
+        const InSequence order;
+        EXPECT_CALL(surfaces, showPanel);
+        EXPECT_CALL(surfaces, hidePanel);
+        EXPECT_CALL(surfaces, showPanel);
+        EXPECT_CALL(surfaces, hidePanel);
+        EXPECT_CALL(surfaces, showSettings(testing::Eq(std::nullopt)));
+        EXPECT_CALL(surfaces, hidePanel);
+        EXPECT_CALL(surfaces, showSettings(testing::Optional(SettingsTab::power)));
+    }
     launch(&surfaces);
-    journal.clear();
-    surfaces.actions.onToggle();
+    actions.onToggle();
     notify(model().showPanel); // it is open already
-    surfaces.actions.onToggle();
+    actions.onToggle();
     notify(model().showPanel);
-    surfaces.actions.onSettings();
+    actions.onSettings();
     notify(model().showSettings, SettingsTab::power);
-    EXPECT_THAT(journal,
-        ElementsAre(
-            "showPanel", "hidePanel", "showPanel", "hidePanel", "showSettings -", "hidePanel", "showSettings power"));
-    surfaces.shortcut();
+    shortcut();
     EXPECT_TRUE(isActive());
-    surfaces.shortcut();
+    shortcut();
     EXPECT_EQ(lastEnd(), "stoppedByUser");
-}
-
-TEST_F(AppDelegateTest, HoldsTheMachineAwakeExactlyWhileASessionRuns)
-{
-    launch();
-    model().start();
-    EXPECT_EQ(laptop.held(), "") << "not before the next turn";
-    laptop.settle();
-    EXPECT_EQ(laptop.held(), "activity PreventUserIdleSystemSleep");
-    laptop.advance(1h);
-    EXPECT_EQ(lastEnd(), "timeElapsed");
-    EXPECT_EQ(laptop.held(), "");
-}
-
-TEST_F(AppDelegateTest, ReadingsEndTheSession)
-{
-    launch();
-    const auto endBy = [this](const MachineSettings& settings) {
-        laptop.set(
-            {{"charger", "on"}, {"battery", "80"}, {"lid", "open"}, {"thermal", "nominal"}, {"helper", "ready"}});
-        prefer(SessionMode::unlimited, {.closedLid = true});
-        model().start();
-        laptop.settle();
-        laptop.set(settings);
-        return lastEnd();
-    };
-    EXPECT_EQ(endBy({{"charger", "off"}}), "chargerDisconnected");
-    EXPECT_EQ(endBy({{"sleep", "now"}}), "systemSleep");
-    EXPECT_EQ(endBy({{"lid", "closed"}, {"thermal", "serious"}}), "overheating");
 }
 
 TEST_F(AppDelegateTest, TellsTheUserOfWhatTheyDidNotDo)
@@ -246,6 +173,7 @@ TEST_F(AppDelegateTest, AnOverheatedClosedMachineStaysAwakeForTheAlarm)
     model().start();
     laptop.advance(1s);
     ASSERT_TRUE(delegate->closedLid().isApplied());
+    EXPECT_FALSE(laptop.machine().state().isScreenOn);
     laptop.set({{"thermal", "critical"}});
     EXPECT_EQ(lastEnd(), "overheating");
     EXPECT_EQ(laptop.machine().alarms(), 1);
@@ -294,16 +222,14 @@ TEST_F(AppDelegateTest, QuittingPutsTheSleepSettingBackAndEndsTheSession)
 
 TEST_F(AppDelegateTest, CallbacksOfTheSystemOutliveIt)
 {
+    EXPECT_CALL(surfaces, showPanel).Times(0);
     launch(&surfaces);
     const auto willSleep = laptop.platform.sleep->onWillSleep;
-    const auto onToggle = surfaces.actions.onToggle;
     delegate.reset();
-    journal.clear();
     willSleep();
-    onToggle();
-    surfaces.shortcut();
+    actions.onToggle();
+    shortcut();
     laptop.set({{"charger", "off"}, {"thermal", "critical"}});
-    EXPECT_THAT(journal, ElementsAre());
 }
 
 } // namespace vespra

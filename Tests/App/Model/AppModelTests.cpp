@@ -9,8 +9,6 @@ namespace vespra {
 
 namespace {
 
-    using testing::ElementsAre;
-
     class AppModelTest : public LaunchedApplication {
     protected:
         void SetUp() override
@@ -18,41 +16,21 @@ namespace {
             launch();
             model().showPanel = [this] { ++panelsShown; };
         }
-        void requireCharger(bool required)
-        {
-            auto settings = coordinator().settings();
-            settings.energy.requiresACPower = required;
-            model().setSettings(settings);
-        }
-        void setEndAction(AgentEndAction action)
-        {
-            auto settings = coordinator().settings();
-            settings.agents.endAction = action;
-            settings.agents.graceDelay = 0s;
-            model().setSettings(settings);
-        }
-        void runAgentSession()
+        void runAgentSession(bool skipsForcedAction = false)
         {
             connectClaude();
             prefer(SessionMode::agent);
             model().start();
+            if (skipsForcedAction)
+                model().setSkipsForcedActionThisSession(true);
             agent(AgentSignal::working);
+            agent(AgentSignal::finished);
         }
 
         int panelsShown = 0;
     };
 
 } // namespace
-
-TEST_F(AppModelTest, TogglesBetweenASessionAndNone)
-{
-    model().toggleSession();
-    EXPECT_TRUE(isActive());
-    EXPECT_EQ(coordinator().state().activeSession()->endsAt, laptop.time.now() + 1h);
-    model().toggleSession();
-    EXPECT_EQ(lastEnd(), "stoppedByUser");
-    EXPECT_EQ(panelsShown, 0);
-}
 
 TEST_F(AppModelTest, ShowsThePanelWhenAToggleIsBlocked)
 {
@@ -65,20 +43,10 @@ TEST_F(AppModelTest, ShowsThePanelWhenAToggleIsBlocked)
     model().toggleSession();
     EXPECT_FALSE(isActive()) << "no agent is connected";
     EXPECT_EQ(panelsShown, 2);
-}
-
-TEST_F(AppModelTest, NeedsAConnectedAgentInAgentModeOnly)
-{
-    EXPECT_FALSE(model().needsAgentConnection());
-    prefer(SessionMode::agent);
-    EXPECT_TRUE(model().needsAgentConnection());
-    model().startUnconnected(model().preferences());
-    EXPECT_TRUE(isActive()) << "asked for by name";
-    coordinator().stop(end::StoppedByUser{});
     connectClaude();
-    EXPECT_FALSE(model().needsAgentConnection());
-    model().start();
+    model().toggleSession();
     EXPECT_TRUE(isActive());
+    EXPECT_EQ(panelsShown, 2);
 }
 
 TEST_F(AppModelTest, HasAnEndConditionExactlyWhileAnAgentSessionRuns)
@@ -98,42 +66,6 @@ TEST_F(AppModelTest, HasAnEndConditionExactlyWhileAnAgentSessionRuns)
     EXPECT_EQ(model().agentCondition(), condition) << "refused: the agent session goes on";
     coordinator().stop(end::StoppedByUser{});
     EXPECT_EQ(model().agentCondition(), nullptr);
-}
-
-TEST_F(AppModelTest, GivesTheAgentPlanTheSafetyCapOfTheSettings)
-{
-    connectClaude();
-    prefer(SessionMode::agent);
-    auto settings = coordinator().settings();
-    settings.agentSafetyCap = 3h;
-    model().setSettings(settings);
-    model().start();
-    EXPECT_EQ(coordinator().state().activeSession()->endsAt, laptop.time.now() + 3h);
-}
-
-TEST_F(AppModelTest, StartsFromOtherPreferencesWithoutKeepingThem)
-{
-    auto other = model().preferences();
-    other.timerDuration = 10min;
-    model().start(other);
-    EXPECT_EQ(coordinator().state().activeSession()->endsAt, laptop.time.now() + 10min);
-    EXPECT_EQ(model().preferences(), SessionPreferences{});
-}
-
-TEST_F(AppModelTest, RefusedClosedLidModeChangesNothingButTheReason)
-{
-    requireCharger(false);
-    laptop.set({{"charger", "off"}, {"helper", "ready"}});
-    model().start();
-    model().setClosedLid(true);
-    EXPECT_EQ(model().closedLidToggleRefusal(), StartRefusal{refusal::ChargerRequired{}});
-    EXPECT_FALSE(model().isClosedLidOn());
-    EXPECT_FALSE(model().preferences().options.closedLid);
-
-    coordinator().stop(end::StoppedByUser{});
-    model().setClosedLid(true);
-    EXPECT_EQ(model().closedLidToggleRefusal(), std::nullopt) << "while idle it is only a preference";
-    EXPECT_TRUE(model().isClosedLidOn());
 }
 
 TEST_F(AppModelTest, OptionsAreThoseOfTheSessionWhileOneRuns)
@@ -169,10 +101,8 @@ TEST_F(AppModelTest, KeepsEveryChoiceAtOnce)
 {
     model().setPlaysHeatAlarm(false);
     model().setShowsRemainingTimeInMenuBar(true);
-    requireCharger(false);
     EXPECT_EQ(defaults.flags,
         (std::map<std::string, bool>{{"playsHeatAlarm", false}, {"showsRemainingTimeInMenuBar", true}}));
-    EXPECT_FALSE(PreferencesStore::loadSettings(&defaults).energy.requiresACPower);
     defaults.texts.erase("sessionPreferences");
     model().setPreferences(model().preferences());
     EXPECT_TRUE(defaults.texts.contains("sessionPreferences")) << "also what has not changed";
@@ -183,7 +113,6 @@ TEST_F(AppModelTest, KeepsEveryChoiceAtOnce)
         .supportDirectory = home / "support"}};
     EXPECT_FALSE(next.playsHeatAlarm());
     EXPECT_TRUE(next.showsRemainingTimeInMenuBar());
-    EXPECT_FALSE(next.coordinator().settings().energy.requiresACPower);
 }
 
 TEST_F(AppModelTest, ShowsTheEndByAGuardrailUntilItIsDismissed)
@@ -218,35 +147,24 @@ TEST_F(AppModelTest, NamesTheAgentThatFinished)
     EXPECT_EQ(model().agentsFinishedTitle(), "Codex is done");
 }
 
-TEST_F(AppModelTest, WhatFollowsTheAgentsCanBeCalledOff)
+TEST_F(AppModelTest, WhatFollowsTheAgentsIsSkippedOnceOrCalledOff)
 {
-    setEndAction(AgentEndAction::sleepNow);
-    runAgentSession();
-    agent(AgentSignal::finished);
+    setSettings([](auto& settings) { settings.agents = {.graceDelay = 0s, .endAction = AgentEndAction::sleepNow}; });
+    runAgentSession(/*skipsForcedAction=*/true);
     ASSERT_EQ(lastEnd(), "agentsFinished");
-    ASSERT_TRUE(model().forcedEndAction().pending());
+    EXPECT_FALSE(model().forcedEndAction().pending());
+    EXPECT_EQ(laptop.machine().notifications().back().actions.size(), 0U) << "nothing to cancel";
+
+    runAgentSession();
+    ASSERT_TRUE(model().forcedEndAction().pending()) << "it was skipped for one session";
     EXPECT_EQ(laptop.shown(), "agents.finished");
     ASSERT_TRUE(laptop.machine().respond({"agents.finished", "agents.cancelForcedAction"}));
     EXPECT_FALSE(model().forcedEndAction().pending());
     EXPECT_EQ(laptop.shown(), "");
 
     runAgentSession();
-    agent(AgentSignal::finished);
     model().start();
     EXPECT_FALSE(model().forcedEndAction().pending()) << "a new session calls it off";
-}
-
-TEST_F(AppModelTest, SkippingTheForcedActionHoldsForOneSession)
-{
-    setEndAction(AgentEndAction::shutDown);
-    runAgentSession();
-    model().setSkipsForcedActionThisSession(true);
-    agent(AgentSignal::finished);
-    EXPECT_FALSE(model().forcedEndAction().pending());
-    EXPECT_EQ(laptop.machine().notifications().back().actions.size(), 0U) << "nothing to cancel";
-    runAgentSession();
-    agent(AgentSignal::finished);
-    EXPECT_TRUE(model().forcedEndAction().pending());
 }
 
 } // namespace vespra

@@ -1,6 +1,7 @@
 #include "App/Model/PreferencesStore.h"
 
 #include "App/Model/linux/SettingsFileDefaults.h"
+#include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
@@ -25,12 +26,6 @@ namespace {
 
     class Preferences : public testing::Test {
     protected:
-        Preferences()
-        {
-            SystemLog::redirect([this](const SystemLog::Entry& entry) { log_.emplace_back(entry.message); });
-        }
-        ~Preferences() override { SystemLog::redirect({}); }
-
         SettingsFileDefaults defaults() const { return SettingsFileDefaults{QString::fromStdString(path_.string())}; }
         /// What the next launch reads, under another name because one process reads a file once.
         SettingsFileDefaults nextLaunch()
@@ -56,7 +51,7 @@ namespace {
         TemporaryDirectory folder_;
         fs::path path_ = folder_ / "Vespra/Vespra.ini";
         int launches_ = 0;
-        std::vector<std::string> log_;
+        RecordedLog log_;
         const SessionPreferences chosen_{
             .mode = SessionMode::until,
             .timerDuration = 5400s,
@@ -93,7 +88,7 @@ namespace {
         EXPECT_FALSE(store::playsHeatAlarm(&next));
         EXPECT_TRUE(store::showsRemainingTimeInMenuBar(&next));
         EXPECT_TRUE(store::didFinishOnboarding(&next));
-        EXPECT_THAT(log_, testing::IsEmpty());
+        EXPECT_THAT(log_.messages, testing::IsEmpty());
     }
 
     TEST_F(Preferences, ThatCannotBeReadAreTheDefaultsUntilTheNextSave)
@@ -134,7 +129,7 @@ namespace {
         store::save(chosen_, &file);
         const auto next = nextLaunch();
         EXPECT_EQ(store::load(&next), chosen_);
-        EXPECT_THAT(log_, testing::IsEmpty());
+        EXPECT_THAT(log_.messages, testing::IsEmpty());
     }
 
     TEST_F(Preferences, WithoutAJSONFormAreNotWritten)
@@ -177,13 +172,13 @@ namespace {
             store::setPlaysHeatAlarm(false, &file);
         }
         EXPECT_EQ(contents(path_), before);
-        EXPECT_EQ(log_, std::vector(2, "préférences non enregistrées : " + path_.string()));
+        EXPECT_EQ(log_.messages, std::vector(2, "préférences non enregistrées : " + path_.string()));
         EXPECT_EQ(store::load(&file), chosen_) << "the running application forgot";
 
         store::setDidFinishOnboarding(&file);
         const auto next = nextLaunch();
         EXPECT_EQ(store::load(&next), chosen_) << "not written once there was room again";
-        EXPECT_EQ(log_.size(), 2u) << "reported although written";
+        EXPECT_EQ(log_.messages.size(), 2u) << "reported although written";
         EXPECT_EQ(std::distance(fs::directory_iterator{path_.parent_path()}, {}), 1) << "something was left behind";
     }
 
@@ -194,7 +189,7 @@ namespace {
         store::save(chosen_, &file);
         EXPECT_EQ(store::load(&file), chosen_);
         EXPECT_EQ(contents(path_.parent_path()), "in the way");
-        EXPECT_EQ(log_.size(), 1u);
+        EXPECT_EQ(log_.messages.size(), 1u);
     }
 
     TEST(UserDefaultsFile, StandsInTheConfigurationFolder)

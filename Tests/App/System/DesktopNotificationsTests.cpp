@@ -15,40 +15,16 @@ namespace {
 
     constexpr auto server = "org.freedesktop.Notifications", path = "/org/freedesktop/Notifications";
 
-    /// The process has one bus: it is made before the first test and stays.
-    MockBus& bus()
-    {
-        static MockBus mock;
-        return mock;
-    }
-
-    class Notifications : public testing::Test {
+    class Notifications : public BusTest {
     protected:
         Notifications()
         {
-            SystemLog::redirect([this](const SystemLog::Entry& entry) { logged.emplace_back(entry.message); });
-            bus().reset();
             center.setCategories({{"category", {{"extend", "+15 min"}}}});
             center.onResponse = [this](const NotificationResponse& response) {
                 told.push_back(response.notification + "/" + response.action);
             };
         }
-        ~Notifications() override { SystemLog::redirect({}); }
 
-        /// Lets everything that is on its way arrive.
-        static void settle()
-        {
-            for (int round = 0; round < 5; ++round) {
-                bool isAnswered = false;
-                const auto question = dbus::call(dbus::sessionBus(),
-                    dbus::bus().method(QStringLiteral("GetId")),
-                    dbus::untilAnswered,
-                    [&](const QDBusMessage&) { isAnswered = true; });
-                QtApplication::runUntil([&] { return isAnswered; });
-                bus().held(); // the services have had a turn too
-                QCoreApplication::processEvents();
-            }
-        }
         /// "1 replaces 0: Title" of each that is shown.
         static std::vector<std::string> shown()
         {
@@ -73,9 +49,16 @@ namespace {
             center.post({.identifier = identifier, .title = title, .body = {}, .category = "category"});
         }
 
-        std::vector<std::string> logged, told;
-        DesktopNotifications center{
-            QStringLiteral("Vespra"), QStringLiteral("app.vespra.Vespra"), SystemLog{"app", "test"}};
+        void showTwo()
+        {
+            bus().own(server);
+            post("a", "A");
+            post("b", "B");
+            waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+        }
+
+        std::vector<std::string> told;
+        DesktopNotifications center{"Vespra", "app.vespra.Vespra", SystemLog{"app", "test"}};
     };
 
 } // namespace
@@ -83,7 +66,7 @@ namespace {
 TEST_F(Notifications, AreAsTheServerCanShowThem)
 {
     const UserNotification notification{"id", "5 < 6", "a <b> & \"c\"", "category", "Show"};
-    const QString escaped = QStringLiteral("a &lt;b&gt; &amp; &quot;c&quot;");
+    const QString escaped = "a &lt;b&gt; &amp; &quot;c&quot;";
     const QStringList buttons{"extend", "+15 min", "default", "Show"}, noButtons;
     struct Row {
         const char* capability;
@@ -102,17 +85,17 @@ TEST_F(Notifications, AreAsTheServerCanShowThem)
         SCOPED_TRACE(row.capability);
         bus().reset();
         settle();
-        bus().setCapabilities({QLatin1String{row.capability}});
+        bus().setCapabilities({row.capability});
         bus().own(server);
         center.post(notification);
         waitUntilShown({"1 replaces 0: 5 < 6"});
         const auto arguments = bus().notifications()[1];
-        EXPECT_EQ(arguments.value(0), QStringLiteral("Vespra"));
+        EXPECT_EQ(arguments.value(0), "Vespra");
         EXPECT_EQ(arguments.value(4), row.body);
         EXPECT_EQ(arguments.value(5), row.actions);
         EXPECT_EQ(arguments.value(7), row.timeout);
         const auto hints = qdbus_cast<QVariantMap>(arguments.value(6));
-        EXPECT_EQ(hints["desktop-entry"], QStringLiteral("app.vespra.Vespra"));
+        EXPECT_EQ(hints["desktop-entry"], "app.vespra.Vespra");
         EXPECT_EQ(hints["urgency"].metaType(), QMetaType::fromType<uchar>()) << "some read nothing but a byte";
         EXPECT_EQ(hints["sound-name"].toString(), row.sound);
     }
@@ -120,10 +103,7 @@ TEST_F(Notifications, AreAsTheServerCanShowThem)
 
 TEST_F(Notifications, ReplaceTheShownOneOfTheSameIdentifier)
 {
-    bus().own(server);
-    post("a", "A");
-    post("b", "B");
-    waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+    showTwo();
     post("a", "A2");
     waitUntilShown({"1 replaces 1: A2", "2 replaces 0: B"});
     emitSignal("NotificationClosed", {1U, 2U});
@@ -147,10 +127,7 @@ TEST_F(Notifications, PostedBeforeTheServerAnswersAreNeitherLostNorDoubled)
 
 TEST_F(Notifications, AreClosedEvenIfTheServerShowsThemLate)
 {
-    bus().own(server);
-    post("a", "A");
-    post("b", "B");
-    waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+    showTwo();
     center.removeDelivered({"a", "never shown"});
     waitUntilShown({"2 replaces 0: B"});
 
@@ -169,10 +146,7 @@ TEST_F(Notifications, AreClosedEvenIfTheServerShowsThemLate)
 
 TEST_F(Notifications, HandOnWhatTheUserDoesWithThem)
 {
-    bus().own(server);
-    post("a", "A");
-    post("b", "B");
-    waitUntilShown({"1 replaces 0: A", "2 replaces 0: B"});
+    showTwo();
     emitSignal("ActionInvoked", {1U, "extend"});
     emitSignal("ActionInvoked", {2U, "default"});
     emitSignal("ActionInvoked", {3U, "extend"}); // of another program
@@ -200,7 +174,7 @@ TEST_F(Notifications, OfAServerThatIsGoneAreForgotten)
     EXPECT_THAT(shown(), ElementsAre("1 replaces 0: B"));
     post("a", "A2");
     waitUntilShown({"1 replaces 0: B", "2 replaces 0: A2"});
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(log.messages, IsEmpty());
 }
 
 TEST_F(Notifications, AreTriedOnceMoreWhereTheServerCrashes)
@@ -226,15 +200,14 @@ TEST_F(Notifications, AreTriedOnceMoreWhereTheServerCrashes)
     settle();
     bus().refuse();
     waitUntilShown({"1 replaces 0: B2"});
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(log.messages, IsEmpty());
 }
 
 TEST_F(Notifications, OfAProgramThatEndsAreShownYet)
 {
     bus().own(server);
     bus().setCapabilities({"actions"});
-    auto leaving = std::make_unique<DesktopNotifications>(
-        QStringLiteral("Vespra"), QStringLiteral("entry"), SystemLog{"app", "test"});
+    auto leaving = std::make_unique<DesktopNotifications>("Vespra", "entry", SystemLog{"app", "test"});
     leaving->post({.identifier = "a", .title = "A", .body = {}, .clickTitle = "Show"});
     leaving.reset();
     waitUntilShown({"1 replaces 0: A"});
@@ -244,12 +217,13 @@ TEST_F(Notifications, OfAProgramThatEndsAreShownYet)
 TEST_F(Notifications, WithoutAServerAreLoggedOnceAndDropped)
 {
     post("a", "A");
-    QtApplication::runUntil([&] { return !logged.empty(); });
-    EXPECT_THAT(logged, ElementsAre(testing::HasSubstr("Notification impossible : org.freedesktop.DBus.Error.Serv")));
+    QtApplication::runUntil([&] { return !log.messages.empty(); });
+    EXPECT_THAT(
+        log.messages, ElementsAre(testing::HasSubstr("Notification impossible : org.freedesktop.DBus.Error.Serv")));
     post("a", "A");
     post("b", "B");
     settle();
-    EXPECT_EQ(logged.size(), 1U);
+    EXPECT_EQ(log.messages.size(), 1U);
     bus().own(server);
     EXPECT_THAT(shown(), IsEmpty()) << "old news";
     post("a", "A2");
@@ -265,18 +239,8 @@ TEST_F(Notifications, StartTheServer)
     EXPECT_FALSE(exists(folder / "started")) << "though there is nothing to show";
     post("a", "A");
     // It fails, which answers what was asked of it.
-    while (!exists(folder / "started") || logged.empty())
+    while (!exists(folder / "started") || log.messages.empty())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
 } // namespace vespra
-
-/// Before any test asks for a bus there is one.
-int main(int argc, char** argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    // Connections to the bus last as long as the process, and need the event loop all the time.
-    const vespra::QtApplication application;
-    vespra::bus();
-    return RUN_ALL_TESTS();
-}

@@ -29,13 +29,6 @@ namespace {
     constexpr auto logindPath = "/org/freedesktop/login1", upowerPath = "/org/freedesktop/UPower";
     constexpr auto devicePath = "/org/freedesktop/UPower/devices/DisplayDevice";
 
-    /// The process has one bus: it is made before the first test and stays.
-    MockBus& bus()
-    {
-        static MockBus mock;
-        return mock;
-    }
-
     struct FakeInhibition final : Inhibition {
         explicit FakeInhibition(bool& held)
             : isHeld{held}
@@ -47,35 +40,13 @@ namespace {
         bool& isHeld;
     };
 
-    class LinuxServices : public testing::Test {
+    class LinuxServices : public BusTest {
     protected:
-        LinuxServices()
-        {
-            SystemLog::redirect([this](const SystemLog::Entry& entry) { logged.emplace_back(entry.message); });
-            bus().reset();
-        }
-        ~LinuxServices() override { SystemLog::redirect({}); }
-
         std::unique_ptr<LogindLock> lock(const char* what, const char* mode)
         {
-            return std::make_unique<LogindLock>(
-                QStringLiteral("Vespra"), QLatin1String{what}, QLatin1String{mode}, time, SystemLog{"app", "test"});
+            return std::make_unique<LogindLock>("Vespra", what, mode, time, SystemLog{"app", "test"});
         }
 
-        /// Lets everything that is on its way arrive: a question to the bus, asked last, has been answered.
-        void settle()
-        {
-            for (int round = 0; round < 3; ++round) {
-                bool isAnswered = false;
-                const auto question = dbus::call(dbus::systemBus(),
-                    dbus::bus().method(QStringLiteral("GetId")),
-                    dbus::untilAnswered,
-                    [&](const QDBusMessage&) { isAnswered = true; });
-                QtApplication::runUntil([&] { return isAnswered; });
-                bus().held(); // the services have had a turn too
-                QCoreApplication::processEvents();
-            }
-        }
         std::vector<std::string> held()
         {
             settle();
@@ -94,59 +65,85 @@ namespace {
             bus().setProperty(devicePath, device, "Percentage", percentage);
         }
 
+        /// One that asks GNOME alone.
+        std::unique_ptr<SessionInhibitor> gnomeInhibitor()
+        {
+            return std::make_unique<SessionInhibitor>(
+                "Vespra", std::vector{InhibitService::sessionManager(4)}, nullptr, time, SystemLog{"app", "test"});
+        }
+        struct Inhibited {
+            const char* service;
+            std::unique_ptr<Inhibition> inhibition;
+            std::string name;
+        };
+        std::vector<Inhibited> inhibitions()
+        {
+            std::vector<Inhibited> all;
+            all.emplace_back(logindName, lock("idle", "block"), "idle:block");
+            all.emplace_back(gnome, gnomeInhibitor(), "org.gnome.SessionManager 4");
+            return all;
+        }
+
         VirtualTime time;
-        std::vector<std::string> logged;
     };
 
 } // namespace
 
-TEST_F(LinuxServices, LogindLockIsHeldExactlyWhileWantedAndAcrossRestarts)
+TEST_F(LinuxServices, WhatKeepsTheMachineAwakeIsHeldExactlyWhileWantedAndAcrossRestarts)
 {
-    const auto idle = lock("idle", "block");
-    idle->hold("why");
-    EXPECT_THAT(held(), IsEmpty()) << "no logind yet";
-    bus().own(logindName);
-    waitUntilHeld({"idle:block"});
-    idle->hold("why");
-    EXPECT_THAT(held(), ElementsAre("idle:block"));
-    bus().restart(logindName);
-    waitUntilHeld({"idle:block"});
-    EXPECT_EQ(bus().mostHeld(), 1U);
-    idle->drop();
-    waitUntilHeld({});
-    bus().restart(logindName);
-    EXPECT_THAT(held(), IsEmpty());
+    for (const auto& [service, inhibition, name] : inhibitions()) {
+        SCOPED_TRACE(name);
+        bus().reset();
+        inhibition->hold("why");
+        EXPECT_THAT(held(), IsEmpty()) << "no service yet";
+        bus().own(service);
+        waitUntilHeld({name});
+        inhibition->hold("why");
+        EXPECT_THAT(held(), ElementsAre(name));
+        bus().restart(service);
+        waitUntilHeld({name});
+        EXPECT_EQ(bus().mostHeld(), 1U);
+        inhibition->drop();
+        waitUntilHeld({});
+        bus().restart(service);
+        EXPECT_THAT(held(), IsEmpty());
+    }
 }
 
-TEST_F(LinuxServices, LogindLockThatComesLateIsGivenBackOrKeptButNeverDoubled)
+TEST_F(LinuxServices, WhatIsGrantedLateIsGivenBackOrKeptButNeverDoubled)
 {
-    bus().own(logindName);
-    bus().keepBack("Inhibit");
-    const auto idle = lock("idle", "block");
-    idle->hold("why");
-    idle->drop();
-    bus().answer();
-    waitUntilHeld({});
+    for (const auto& [service, inhibition, name] : inhibitions()) {
+        SCOPED_TRACE(name);
+        bus().reset();
+        bus().own(service);
+        settle();
+        bus().keepBack("Inhibit");
+        inhibition->hold("why");
+        settle();
+        inhibition->drop();
+        bus().answer();
+        waitUntilHeld({});
+        EXPECT_EQ(bus().mostHeld(), 1U) << "it had been granted";
 
-    bus().keepBack("Inhibit");
-    idle->hold("why");
-    idle->drop();
-    idle->hold("why");
-    bus().answer();
-    waitUntilHeld({"idle:block"});
-    EXPECT_EQ(bus().mostHeld(), 1U);
+        bus().keepBack("Inhibit");
+        inhibition->hold("why");
+        inhibition->drop();
+        inhibition->hold("why");
+        settle();
+        bus().answer();
+        waitUntilHeld({name});
+        EXPECT_EQ(bus().mostHeld(), 1U);
+    }
 }
 
 TEST_F(LinuxServices, WhatIsRefusedIsLoggedOnceAndAskedForAgainEveryHalfMinute)
 {
-    bus().own(logindName);
-    bus().own(gnome);
-    const auto idle = lock("idle", "block");
-    SessionInhibitor inhibitor{
-        QStringLiteral("Vespra"), {InhibitService::sessionManager(4)}, nullptr, time, SystemLog{"app", "test"}};
     bus().keepBack("Inhibit");
-    idle->hold("why");
-    inhibitor.hold("why");
+    const auto both = inhibitions();
+    for (const auto& each : both) {
+        bus().own(each.service);
+        each.inhibition->hold("why");
+    }
     settle();
     bus().refuse();
     settle();
@@ -155,16 +152,16 @@ TEST_F(LinuxServices, WhatIsRefusedIsLoggedOnceAndAskedForAgainEveryHalfMinute)
     settle();
     bus().refuse();
     EXPECT_THAT(held(), IsEmpty());
-    EXPECT_EQ(logged.size(), 2U) << "one each";
+    EXPECT_EQ(log.messages.size(), 2U) << "one each";
     time.advance(30s);
-    waitUntilHeld({"idle:block", "org.gnome.SessionManager 4"});
+    waitUntilHeld({both[0].name, both[1].name});
     EXPECT_EQ(time.pendingTasks(), 0U);
 }
 
 TEST_F(LinuxServices, SessionInhibitorHoldsTheBestServiceThatIsThere)
 {
     bool isOtherwiseHeld = false;
-    SessionInhibitor inhibitor{QStringLiteral("Vespra"),
+    SessionInhibitor inhibitor{"Vespra",
         {InhibitService::sessionManager(4), InhibitService::powerManagement()},
         std::make_unique<FakeInhibition>(isOtherwiseHeld),
         time,
@@ -177,8 +174,6 @@ TEST_F(LinuxServices, SessionInhibitorHoldsTheBestServiceThatIsThere)
     EXPECT_FALSE(isOtherwiseHeld);
     bus().own(gnome);
     waitUntilHeld({"org.gnome.SessionManager 4"});
-    bus().restart(gnome);
-    waitUntilHeld({"org.gnome.SessionManager 4"});
     bus().disown(gnome);
     waitUntilHeld({"org.freedesktop.PowerManagement.Inhibit"});
     inhibitor.drop();
@@ -186,32 +181,12 @@ TEST_F(LinuxServices, SessionInhibitorHoldsTheBestServiceThatIsThere)
     EXPECT_EQ(bus().mostHeld(), 1U);
 }
 
-TEST_F(LinuxServices, SessionInhibitorGivesBackACookieThatComesTooLate)
+TEST_F(LinuxServices, SessionInhibitorGivesBackTheCookieOfAServiceThatIsGone)
 {
     bus().own(gnome);
+    const auto inhibitor = gnomeInhibitor();
     bus().keepBack("Inhibit");
-    SessionInhibitor inhibitor{
-        QStringLiteral("Vespra"), {InhibitService::sessionManager(4)}, nullptr, time, SystemLog{"app", "test"}};
-    inhibitor.hold("why");
-    settle();
-    inhibitor.drop();
-    bus().answer();
-    waitUntilHeld({});
-    EXPECT_EQ(bus().mostHeld(), 1U) << "it had been granted";
-
-    bus().keepBack("Inhibit");
-    inhibitor.hold("why");
-    inhibitor.drop();
-    inhibitor.hold("why");
-    settle();
-    bus().answer();
-    waitUntilHeld({"org.gnome.SessionManager 4"});
-    EXPECT_EQ(bus().mostHeld(), 1U);
-
-    inhibitor.drop();
-    waitUntilHeld({});
-    bus().keepBack("Inhibit");
-    inhibitor.hold("why");
+    inhibitor->hold("why");
     settle();
     bus().disown(gnome);
     settle();
@@ -251,13 +226,13 @@ TEST_F(LinuxServices, PowerFollowsUPowerAndTheKernelInItsPlace)
 
     bus().changeProperty(upowerPath, upowerName, "OnBattery", true);
     waitFor(battery(57));
-    bus().changeProperty(upowerPath, upowerName, "DaemonVersion", QStringLiteral("0.99"));
+    bus().changeProperty(upowerPath, upowerName, "DaemonVersion", "0.99");
     bus().changeProperty(devicePath, device, "Percentage", 56.6); // still 57
     bus().changeProperty(devicePath, device, "Percentage", 55.0);
     waitFor(battery(55));
     EXPECT_THAT(told, ElementsAre(battery(57), battery(55)));
 
-    bus().changeProperty(devicePath, device, "Percentage", QStringLiteral("nearly full"));
+    bus().changeProperty(devicePath, device, "Percentage", "nearly full");
     waitFor(battery({}));
     bus().changeProperty(upowerPath, upowerName, "OnBattery", 1);
     waitFor(charger({}));
@@ -358,7 +333,7 @@ TEST_F(LinuxServices, SleepIsDelayedUntilTheEndOfTheSessionHasBeenDealtWith)
         });
     };
     sleep.onDidWake = [&] { steps.emplace_back("did wake"); };
-    bus().emitSignal(logindPath, manager, "PrepareForSleep", {QStringLiteral("true")}); // malformed
+    bus().emitSignal(logindPath, manager, "PrepareForSleep", {"true"}); // malformed
     bus().emitSignal(logindPath, manager, "PrepareForSleep", {true});
     waitUntilHeld({});
     EXPECT_THAT(steps, ElementsAre("will sleep", "dealt with"));
@@ -373,13 +348,3 @@ TEST_F(LinuxServices, SleepIsDelayedUntilTheEndOfTheSessionHasBeenDealtWith)
 }
 
 } // namespace vespra
-
-/// Before any test asks for a bus there is one.
-int main(int argc, char** argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    // Connections to the bus last as long as the process, and need the event loop all the time.
-    const vespra::QtApplication application;
-    vespra::bus();
-    return RUN_ALL_TESTS();
-}

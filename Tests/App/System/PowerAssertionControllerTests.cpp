@@ -1,6 +1,7 @@
 #include "App/System/PowerAssertionController.h"
 
 #include "Core/Scheduling/VirtualTime.h"
+#include "Tests/Support/RecordedLog.h"
 
 #include <gmock/gmock.h>
 
@@ -13,59 +14,39 @@ namespace {
 
     using Steps = std::vector<std::string>;
 
-    class FakeAssertions final : public PowerAssertionBackend {
-    public:
-        explicit FakeAssertions(Steps& steps)
-            : steps_{steps}
-        {
-        }
-        void beginActivity(const std::string& reason) override { steps_.push_back("begin " + reason); }
-        void endActivity() override { steps_.push_back("end"); }
+    /// Notes each step.
+    struct FakeSystem final : PowerAssertionBackend, DisplayControl, LidMonitoring {
+        void beginActivity(const std::string& reason) override { steps.push_back("begin " + reason); }
+        void endActivity() override { steps.push_back("end"); }
         std::expected<std::uint32_t, int> create(PowerAssertionType type, const std::string&) override
         {
-            steps_.push_back("create " + std::string{rawValue(type)});
+            steps.push_back("create " + std::string{rawValue(type)});
             if (failure != 0)
                 return std::unexpected{failure};
-            return ++last_;
+            return ++lastAssertion;
         }
-        void release(std::uint32_t id) override { steps_.push_back("release " + std::to_string(id)); }
+        void release(std::uint32_t id) override { steps.push_back("release " + std::to_string(id)); }
 
-        int failure = 0;
-
-    private:
-        Steps& steps_;
-        std::uint32_t last_ = 0;
-    };
-
-    class FakeDisplay final : public DisplayControl {
-    public:
-        explicit FakeDisplay(Steps& steps)
-            : steps_{steps}
-        {
-        }
         std::expected<void, std::string> turnOff() override
         {
-            steps_.push_back("off");
-            return turnsOff ? std::expected<void, std::string>{} : std::unexpected{"not found"};
+            steps.push_back("off");
+            return obeys ? std::expected<void, std::string>{} : std::unexpected{"not found"};
         }
         std::expected<void, int> wake(const std::string&) override
         {
-            steps_.push_back("wake");
-            return wakes ? std::expected<void, int>{} : std::unexpected{-536870212};
+            steps.push_back("wake");
+            return obeys ? std::expected<void, int>{} : std::unexpected{-536870212};
         }
         void setWatchesWaking(bool) override { }
 
-        bool turnsOff = true;
-        bool wakes = true;
-
-    private:
-        Steps& steps_;
-    };
-
-    class FakeLid final : public LidMonitoring {
-    public:
         bool isClosedWithoutExternalDisplay() const override { return isClosed; }
         bool isLidClosed() const override { return isClosed; }
+
+        Steps steps;
+        std::uint32_t lastAssertion = 0;
+        int failure = 0;
+        /// The display does as it is told.
+        bool obeys = true;
         bool isClosed = false;
     };
 
@@ -76,30 +57,22 @@ namespace {
 
     class PowerAssertions : public testing::Test {
     protected:
-        PowerAssertions()
-        {
-            SystemLog::redirect([this](const SystemLog::Entry& entry) { logged.emplace_back(entry.message); });
-        }
-        ~PowerAssertions() override { SystemLog::redirect({}); }
-
         Steps apply(const PowerRequirements& requirements)
         {
             controller->apply(requirements);
-            return std::exchange(steps, {});
+            return std::exchange(system.steps, {});
         }
         Steps advance(Seconds by)
         {
             time.advance(by);
-            return std::exchange(steps, {});
+            return std::exchange(system.steps, {});
         }
 
-        Steps steps, logged;
-        FakeAssertions assertions{steps};
-        FakeDisplay display{steps};
-        FakeLid lid;
+        RecordedLog log;
+        FakeSystem system;
         VirtualTime time;
         std::optional<PowerAssertionController> controller{
-            std::in_place, "reason", "app", PowerAssertionController::System{assertions, display, lid, time}};
+            std::in_place, "reason", "app", PowerAssertionController::System{system, system, system, time}};
     };
 
 } // namespace
@@ -116,10 +89,11 @@ TEST_F(PowerAssertions, AreHeldExactlyWhileRequired)
 
 TEST_F(PowerAssertions, ThatCouldNotBeCreatedAreTriedAgain)
 {
-    assertions.failure = -536870206;
+    system.failure = -536870206;
     EXPECT_THAT(apply(idle), ElementsAre("begin reason", "create PreventUserIdleSystemSleep"));
-    EXPECT_THAT(logged, ElementsAre("Création de l'assertion PreventUserIdleSystemSleep impossible : -536870206"));
-    assertions.failure = 0;
+    EXPECT_THAT(
+        log.messages, ElementsAre("Création de l'assertion PreventUserIdleSystemSleep impossible : -536870206"));
+    system.failure = 0;
     EXPECT_THAT(apply(idle), ElementsAre("create PreventUserIdleSystemSleep"));
     EXPECT_THAT(apply(none), ElementsAre("end", "release 1"));
 }
@@ -128,21 +102,21 @@ TEST_F(PowerAssertions, AreLeftToTheSystemAtTheEnd)
 {
     apply(idle);
     controller.reset();
-    EXPECT_THAT(steps, ElementsAre("end"));
-    display.onScreensWake(); // its owner is gone
+    EXPECT_THAT(system.steps, ElementsAre("end"));
+    system.onScreensWake(); // its owner is gone
 }
 
 TEST_F(PowerAssertions, TurnTheDisplayOffOnceAndWakeItOnlyWithAnOpenLid)
 {
-    lid.isClosed = true;
+    system.isClosed = true;
     EXPECT_THAT(apply(closedLid), ElementsAre("off"));
     EXPECT_THAT(apply(closedLid), IsEmpty());
     EXPECT_THAT(apply(none), IsEmpty());
     apply(closedLid);
-    lid.isClosed = false;
+    system.isClosed = false;
     EXPECT_THAT(apply(none), ElementsAre("wake"));
     EXPECT_THAT(apply(none), IsEmpty());
-    EXPECT_THAT(logged,
+    EXPECT_THAT(log.messages,
         ElementsAre("Capot fermé sans écran externe : écran éteint",
             "Capot fermé sans écran externe : écran éteint",
             "Capot rouvert : écran rallumé"));
@@ -150,23 +124,23 @@ TEST_F(PowerAssertions, TurnTheDisplayOffOnceAndWakeItOnlyWithAnOpenLid)
 
 TEST_F(PowerAssertions, LogADisplayThatDoesNotObey)
 {
-    display.turnsOff = display.wakes = false;
+    system.obeys = false;
     apply(closedLid);
     EXPECT_THAT(apply(closedLid), IsEmpty());
     apply(none);
-    EXPECT_THAT(logged,
+    EXPECT_THAT(log.messages,
         ElementsAre("Extinction de l'écran impossible : not found", "Rallumage de l'écran impossible : -536870212"));
 }
 
 TEST_F(PowerAssertions, TurnADisplayThatTheSystemWokeOffAgainTwoSecondsAfterTheLastTime)
 {
-    lid.isClosed = true;
-    display.onScreensWake();
+    system.isClosed = true;
+    system.onScreensWake();
     EXPECT_EQ(time.pendingTasks(), 0U) << "nothing is to be off";
     apply(closedLid);
-    display.onScreensWake();
+    system.onScreensWake();
     EXPECT_THAT(advance(1.5s), IsEmpty());
-    display.onScreensWake();
+    system.onScreensWake();
     EXPECT_THAT(advance(1.9s), IsEmpty());
     EXPECT_THAT(advance(0.1s), ElementsAre("off"));
     EXPECT_THAT(advance(10s), IsEmpty());
@@ -174,14 +148,14 @@ TEST_F(PowerAssertions, TurnADisplayThatTheSystemWokeOffAgainTwoSecondsAfterTheL
 
 TEST_F(PowerAssertions, LeaveTheDisplayOnOnceTheLidIsOpenOrNothingIsToBeOff)
 {
-    lid.isClosed = true;
+    system.isClosed = true;
     apply(closedLid);
-    display.onScreensWake();
-    lid.isClosed = false;
+    system.onScreensWake();
+    system.isClosed = false;
     EXPECT_THAT(advance(3s), IsEmpty());
 
-    lid.isClosed = true;
-    display.onScreensWake();
+    system.isClosed = true;
+    system.onScreensWake();
     apply(none);
     EXPECT_THAT(advance(3s), IsEmpty());
 }

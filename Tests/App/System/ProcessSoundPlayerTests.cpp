@@ -2,6 +2,7 @@
 #include "App/System/QtMainLoop.h"
 #include "App/System/ResourceFile.h"
 #include "Tests/Support/QtApplication.h"
+#include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
@@ -21,23 +22,18 @@ namespace {
     /// Players are scripts in a folder of the test's, which note down what they are called with.
     class SoundPlayers : public testing::Test {
     protected:
-        SoundPlayers()
-        {
-            SystemLog::redirect([this](const SystemLog::Entry& entry) { logged.emplace_back(entry.message); });
-            setenv("PATH", (folder.path().string() + ":" + originalPath).c_str(), 1);
-        }
-        ~SoundPlayers() override
-        {
-            SystemLog::redirect({});
-            setenv("PATH", originalPath.c_str(), 1);
-        }
+        SoundPlayers() { setenv("PATH", (folder.path().string() + ":" + originalPath).c_str(), 1); }
+        ~SoundPlayers() override { setenv("PATH", originalPath.c_str(), 1); }
 
+        void writeExecutable(const std::string& name, const std::string& content) const
+        {
+            std::ofstream{folder / name} << content;
+            permissions(folder / name, std::filesystem::perms::owner_all);
+        }
         void write(const std::string& name, const std::string& script) const
         {
-            std::ofstream{folder / name} << "#!/bin/sh\necho " << name << " \"$@\" >>" << (folder / "calls").string()
-                                         << "\n"
-                                         << script << "\n";
-            permissions(folder / name, std::filesystem::perms::owner_all);
+            const auto calls = (folder / "calls").string();
+            writeExecutable(name, "#!/bin/sh\necho " + name + " \"$@\" >>" + calls + "\n" + script + "\n");
         }
         std::vector<std::string> lines(const char* name) const
         {
@@ -65,7 +61,7 @@ namespace {
         const TemporaryDirectory folder;
         const QtApplication application;
         QtMainLoop mainLoop;
-        std::vector<std::string> logged;
+        RecordedLog log;
     };
 
 } // namespace
@@ -76,8 +72,7 @@ TEST_F(SoundPlayers, AreTriedInOrderUntilOneSucceeds)
     write("vespra-crashes", "kill -9 $$");
     write("vespra-plays", "exit 0");
     write("vespra-spare", "exit 0");
-    std::ofstream{folder / "vespra-broken"} << "not a program";
-    permissions(folder / "vespra-broken", std::filesystem::perms::owner_all);
+    writeExecutable("vespra-broken", "not a program");
     const auto sound = player({{"vespra-absent", {}},
         {"vespra-broken", {}},
         {"vespra-fails", {}},
@@ -87,14 +82,13 @@ TEST_F(SoundPlayers, AreTriedInOrderUntilOneSucceeds)
     play(*sound);
     EXPECT_THAT(lines("calls"),
         ElementsAre("vespra-fails /a b.wav", "vespra-crashes /a b.wav", "vespra-plays --file /a b.wav"));
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(log.messages, IsEmpty());
 }
 
 TEST_F(SoundPlayers, ThatCannotStartDoNotDisturbTheNextPlay)
 {
     write("vespra-plays", "exit 0");
-    std::ofstream{folder / "vespra-broken"} << "not a program";
-    permissions(folder / "vespra-broken", std::filesystem::perms::owner_all);
+    writeExecutable("vespra-broken", "not a program");
     const auto sound = player({{"vespra-broken", {}}, {"vespra-plays", {}}});
     sound->play({});
     sound->stop();
@@ -108,11 +102,11 @@ TEST_F(SoundPlayers, OfWhichNoneSucceedsAreLoggedOnce)
     const auto sound = player({{"vespra-absent", {}}, {"vespra-fails", {}}});
     play(*sound);
     play(*sound);
-    EXPECT_THAT(logged, ElementsAre("Alarme : aucun lecteur de sons n'a réussi (vespra-absent, vespra-fails)"));
+    EXPECT_THAT(log.messages, ElementsAre("Alarme : aucun lecteur de sons n'a réussi (vespra-absent, vespra-fails)"));
     ProcessSoundPlayer missing{{}, {{"vespra-fails", {}}}, mainLoop, SystemLog{"app", "test"}};
     play(missing);
     EXPECT_THAT(lines("calls"), SizeIs(2));
-    EXPECT_EQ(logged.back(), "Alarme : son introuvable");
+    EXPECT_EQ(log.messages.back(), "Alarme : son introuvable");
 }
 
 TEST_F(SoundPlayers, AreKilledByStopByAnotherPlayAndWithTheirOwner)
@@ -141,7 +135,7 @@ TEST_F(SoundPlayers, AreKilledByStopByAnotherPlayAndWithTheirOwner)
     EXPECT_FALSE(isRunning(2));
     QCoreApplication::processEvents();
     EXPECT_THAT(told, SizeIs(2));
-    EXPECT_THAT(logged, IsEmpty()) << "a player that is stopped has not failed";
+    EXPECT_THAT(log.messages, IsEmpty()) << "a player that is stopped has not failed";
 }
 
 TEST_F(SoundPlayers, InheritNoDescriptors)

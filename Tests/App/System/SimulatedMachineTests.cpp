@@ -1,11 +1,8 @@
 #include "App/System/Platform.h"
 #include "App/System/SessionMarker.h"
 #include "App/System/simulated/MachineProtocol.h"
-#include "App/System/simulated/SimulatedNotifications.h"
 #include "App/System/simulated/SimulatedPlatform.h"
-#include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/FakeMonitors.h"
-#include "Tests/Support/ManualMainLoop.h"
 #include "Tests/Support/QtApplication.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -18,6 +15,20 @@ namespace {
     using testing::ElementsAre;
     using testing::HasSubstr;
     using testing::IsEmpty;
+
+    class SimulatedPlatform : public testing::Test {
+    protected:
+        /// Changes the laptop; returns what its monitors tell of it.
+        std::vector<std::string> set(const MachineSettings& settings)
+        {
+            EXPECT_TRUE(platform.machine->set(settings));
+            return std::exchange(told, {});
+        }
+
+        const QtApplication application;
+        Platform platform = makeSimulatedPlatform();
+        std::vector<std::string> told;
+    };
 
 } // namespace
 
@@ -92,21 +103,14 @@ TEST(MachineProtocol, ChangesNothingOnABadRequest)
 }
 
 /// The monitors' common rule, seen from outside: the first reading is there, later ones are told if they differ.
-TEST(SimulatedPlatform, TellsOnlyOfRealChanges)
+TEST_F(SimulatedPlatform, TellsOnlyOfRealChanges)
 {
-    const QtApplication application;
-    auto platform = makeSimulatedPlatform();
-    std::vector<std::string> told;
     platform.power->onChange
         = [&](PowerSnapshot power) { told.push_back("level " + std::to_string(*power.batteryLevel)); };
     platform.thermal->onChange = [&](ThermalLevel level) { told.emplace_back(rawValue(level)); };
     platform.lid->onChange = [&](bool closed) { told.emplace_back(closed ? "closed alone" : "not closed alone"); };
     EXPECT_EQ(platform.power->snapshot(), charger(80));
 
-    const auto set = [&](const MachineSettings& settings) {
-        EXPECT_TRUE(platform.machine->set(settings));
-        return std::exchange(told, {});
-    };
     EXPECT_THAT(set({{"battery", "80"}, {"helper", "ready"}}), IsEmpty());
     EXPECT_THAT(set({{"battery", "79"}}), ElementsAre("level 79"));
     EXPECT_THAT(set({{"charger", "off"}, {"thermal", "serious"}}), ElementsAre("level 79", "serious"));
@@ -117,27 +121,20 @@ TEST(SimulatedPlatform, TellsOnlyOfRealChanges)
     EXPECT_EQ(platform.power->snapshot(), battery(79));
 }
 
-TEST(SimulatedPlatform, TellsOfSleepAndOfADisplayThatComesOn)
+TEST_F(SimulatedPlatform, TellsOfSleepAndOfADisplayThatComesOn)
 {
-    const QtApplication application;
-    auto platform = makeSimulatedPlatform();
-    std::vector<std::string> told;
     platform.sleep->onWillSleep = [&] { told.emplace_back("will sleep"); };
     platform.sleep->onDidWake = [&] { told.emplace_back("did wake"); };
     platform.display->onScreensWake = [&] { told.emplace_back("screens woke"); };
     platform.display->setWatchesWaking(true);
     EXPECT_TRUE(platform.display->turnOff());
     EXPECT_FALSE(platform.machine->state().isScreenOn);
-    EXPECT_TRUE(platform.machine->set({{"screen", "on"}, {"sleep", "now"}}));
-    EXPECT_THAT(told, ElementsAre("screens woke", "will sleep", "did wake"));
+    EXPECT_THAT(set({{"screen", "on"}, {"sleep", "now"}}), ElementsAre("screens woke", "will sleep", "did wake"));
 }
 
-TEST(SimulatedPlatform, ShowsNotificationsUntilTheUserAnswersOrTheyAreTakenBack)
+TEST_F(SimulatedPlatform, ShowsNotificationsUntilTheUserAnswersOrTheyAreTakenBack)
 {
-    const QtApplication application;
-    auto platform = makeSimulatedPlatform();
     auto& machine = *platform.machine;
-    std::vector<std::string> told;
     machine.onNotification = [&](const auto& shown) { told.push_back("shown " + shown.title); };
     platform.notifications->onResponse
         = [&](const NotificationResponse& response) { told.push_back(response.notification + "/" + response.action); };
@@ -162,25 +159,6 @@ TEST(SimulatedPlatform, ShowsNotificationsUntilTheUserAnswersOrTheyAreTakenBack)
     platform.notifications->removeDelivered({"a", "b"});
     EXPECT_THAT(machine.notifications(), IsEmpty());
     EXPECT_FALSE(machine.set({{"press", "b"}})) << "it has been taken back";
-}
-
-TEST(SimulatedAlarm, TellsTheEndOfEachPlayOnceAndLater)
-{
-    VirtualTime time;
-    ManualMainLoop mainLoop;
-    const auto machine = std::make_shared<SimulatedMachine>();
-    SimulatedAlarm alarm{machine, mainLoop, time};
-    std::vector<std::string> told;
-    for (const auto* play : {"first", "second", "third"})
-        alarm.play([&told, play] { told.emplace_back(play); });
-    EXPECT_THAT(told, IsEmpty()) << "not in a later turn";
-    mainLoop.run();
-    EXPECT_THAT(told, ElementsAre("first", "second"));
-    time.advance(5s);
-    alarm.stop();
-    mainLoop.run();
-    EXPECT_THAT(told, ElementsAre("first", "second", "third"));
-    EXPECT_EQ(machine->alarms(), 3);
 }
 
 TEST(SessionMarker, ShowsASessionExactlyWhileItRuns)
