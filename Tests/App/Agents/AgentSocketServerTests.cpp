@@ -1,12 +1,12 @@
 #include "App/Agents/AgentSocketServer.h"
 #include "Core/Scheduling/VirtualTime.h"
+#include "Tests/Support/DescriptorFamine.h"
 #include "Tests/Support/LocalClient.h"
 #include "Tests/Support/ManualMainLoop.h"
 #include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <fstream>
@@ -46,25 +46,6 @@ std::set<int> descriptors(bool onlyInherited = false)
             numbers.insert(descriptor);
     return numbers;
 }
-
-/// Takes every descriptor that the process may still open. The sanitizer of undefined behaviour needs some when it
-/// meets a type of object for the first time, so that all of them must have been in use before.
-class DescriptorFamine {
-public:
-    DescriptorFamine()
-    {
-        getrlimit(RLIMIT_NOFILE, &before_);
-        const rlimit few{.rlim_cur = 128, .rlim_max = before_.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &few);
-        for (int next = open("/dev/null", O_RDONLY); next >= 0; next = open("/dev/null", O_RDONLY))
-            taken_.emplace_back(next);
-    }
-    ~DescriptorFamine() { setrlimit(RLIMIT_NOFILE, &before_); }
-
-private:
-    rlimit before_{};
-    std::vector<FileDescriptor> taken_;
-};
 
 class AgentSocketServerTest : public testing::Test {
 protected:

@@ -1,4 +1,5 @@
 #include "Tests/Support/LaunchedApplication.h"
+#include "Tests/Support/MockSurfaces.h"
 
 #include <gmock/gmock.h>
 
@@ -13,21 +14,6 @@ namespace {
     using testing::Return;
     using testing::SaveArg;
     namespace fs = std::filesystem;
-
-    class MockSurfaces : public AppSurfaces {
-    public:
-        MOCK_METHOD(void, activate, (), (override));
-        MOCK_METHOD(void, makePanel, (AppModel&), (override));
-        MOCK_METHOD(bool, isPanelVisible, (), (const, override));
-        MOCK_METHOD(void, showPanel, (), (override));
-        MOCK_METHOD(void, hidePanel, (), (override));
-        MOCK_METHOD(bool, hasStatusItem, (), (const, override));
-        MOCK_METHOD(void, makeStatusItem, (AppModel&, StatusItemActions), (override));
-        MOCK_METHOD(void, makeSettingsWindow, (AppModel&), (override));
-        MOCK_METHOD(void, showSettings, (std::optional<SettingsTab>), (override));
-        MOCK_METHOD(void, showOnboarding, (AppModel&), (override));
-        MOCK_METHOD(void, registerShortcut, (std::function<void()>), (override));
-    };
 
     class MockNotifications : public UserNotificationCenter {
     public:

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "App/Model/AppSurfaces.h"
+
+#include <gmock/gmock.h>
+
+namespace vespra {
+
+class MockSurfaces : public AppSurfaces {
+public:
+    MOCK_METHOD(void, activate, (), (override));
+    MOCK_METHOD(void, makePanel, (AppModel&), (override));
+    MOCK_METHOD(bool, isPanelVisible, (), (const, override));
+    MOCK_METHOD(void, showPanel, (), (override));
+    MOCK_METHOD(void, hidePanel, (), (override));
+    MOCK_METHOD(bool, hasStatusItem, (), (const, override));
+    MOCK_METHOD(void, makeStatusItem, (AppModel&, StatusItemActions), (override));
+    MOCK_METHOD(void, makeSettingsWindow, (AppModel&), (override));
+    MOCK_METHOD(void, showSettings, (std::optional<SettingsTab>), (override));
+    MOCK_METHOD(void, showOnboarding, (AppModel&), (override));
+    MOCK_METHOD(void, registerShortcut, (std::function<void()>), (override));
+};
+
+} // namespace vespra
