@@ -71,7 +71,8 @@ public:
 
 private:
     /// Runs `work` if the client may; it is dropped, unanswered, with a client that goes meanwhile.
-    template <class Work> void withRight(Authorization::Right right, const HelperReply<HelperRefusal>& reply, Work work)
+    template <class Work>
+    void withRight(Authorization::Right right, const HelperReply<HelperRefusal>& reply, const Work& work)
     {
         const auto answered = lifetime_.guard([this, reply, work](const HelperResult& allowed) {
             if (allowed)
@@ -130,6 +131,7 @@ std::shared_ptr<void> HelperDaemon::waitForRight()
     return {this, end};
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a copy, for the task that calls this goes with its own
 void HelperDaemon::sleepNow(HelperReply<HelperRefusal> reply, int triesLeft)
 {
     sleepRetry_.reset();

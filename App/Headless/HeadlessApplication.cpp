@@ -1,6 +1,7 @@
 #include "App/Headless/HeadlessApplication.h"
 
 #include "App/Headless/ExitStatus.h"
+#include "App/System/simulated/SimulatedMachine.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/ClosedLidWording.h"
 #include "App/Wording/Localized.h"
@@ -17,6 +18,14 @@ namespace {
     constexpr Seconds componentAnswerLimit = 3s;
     /// Time for the component to put the machine to sleep, or to be found unable to.
     constexpr Seconds forcedActionLimit = 30s;
+
+    std::string noteLine(const SimulatedMachine::ShownNotification& notification)
+    {
+        auto line = localized("Notification \"%1\": %2", {notification.title, notification.body});
+        for (const auto& action : notification.actions)
+            line += " [" + action.title + "]";
+        return line;
+    }
 
 } // namespace
 
@@ -41,6 +50,7 @@ void HeadlessApplication::start()
     application_.didFinishLaunching();
     applySettings();
     followForcedAction();
+    showNotifications();
     if (output_.isTerminal())
         liveLoop_.emplace(*platform_.time.mainLoop, [this] { drawLive(); });
     if (options_.isIdle)
@@ -70,6 +80,14 @@ void HeadlessApplication::followForcedAction()
         notify(onCancel);
         finishAfter(0s);
     };
+}
+
+/// A laptop in memory has no other screen.
+void HeadlessApplication::showNotifications()
+{
+    if (platform_.machine)
+        platform_.machine->onNotification = lifetime_.guard(
+            [this](const SimulatedMachine::ShownNotification& shown) { output_.printNote(noteLine(shown)); });
 }
 
 void HeadlessApplication::followClosedLid()

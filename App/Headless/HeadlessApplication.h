@@ -31,6 +31,7 @@ private:
     void applySettings();
     void follow(const SessionEvent& event);
     void followForcedAction();
+    void showNotifications();
     void followClosedLid();
     void startSession();
     void startOnceReady();

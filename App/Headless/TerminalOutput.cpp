@@ -44,6 +44,14 @@ void TerminalOutput::printLine(const std::string& text)
     drawLive();
 }
 
+void TerminalOutput::printNote(const std::string& text)
+{
+    eraseLive();
+    std::fflush(stdout);
+    std::fprintf(stderr, "%s\n", text.c_str());
+    drawLive();
+}
+
 void TerminalOutput::showLive(const std::string& text)
 {
     if (!isTerminal_ || text == live_)

@@ -17,6 +17,8 @@ public:
     bool isTerminal() const { return isTerminal_; }
 
     void printLine(const std::string& text);
+    /// On standard error, for it is no event of the session.
+    void printNote(const std::string& text);
     /// Cut to the terminal's width; empty removes it. Nothing where there is no terminal.
     void showLive(const std::string& text);
 

@@ -231,8 +231,7 @@ private:
                 run.remove_prefix(1);
         };
         const auto skipDigits = [&run] {
-            const auto end = std::ranges::find_if_not(run, isDigit);
-            const auto count = static_cast<std::size_t>(end - run.begin());
+            const auto count = static_cast<std::size_t>(std::ranges::find_if_not(run, isDigit) - run.begin());
             run.remove_prefix(count);
             return count;
         };

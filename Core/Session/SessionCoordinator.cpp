@@ -31,7 +31,7 @@ template <class Change> auto SessionCoordinator::changeMachine(Change change)
 {
     mainThread::check();
     auto machine = machine_.get();
-    const auto store = [&] { machine_.set(std::move(machine)); };
+    const auto store = [&] { machine_.set(machine); };
     if constexpr (std::is_void_v<decltype(change(machine))>) {
         change(machine);
         store();

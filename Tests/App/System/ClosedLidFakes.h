@@ -31,29 +31,26 @@ public:
     }
     void protocolVersion(HelperReply<std::int64_t> reply) override
     {
-        helper_->protocolVersion(noted("version", std::move(reply)));
+        helper_->protocolVersion(noted("version", reply));
     }
     void enableClosedLid(HelperReply<HelperRefusal> reply) override
     {
-        helper_->enableClosedLid(noted("enable", std::move(reply)));
+        helper_->enableClosedLid(noted("enable", reply));
     }
-    void heartbeat(HelperReply<bool> reply) override { helper_->heartbeat(noted("heartbeat", std::move(reply))); }
-    void restoreSleep(HelperReply<HelperRefusal> reply) override
-    {
-        helper_->restoreSleep(noted("restore", std::move(reply)));
-    }
-    void sleepNow(HelperReply<HelperRefusal> reply) override { helper_->sleepNow(noted("sleep", std::move(reply))); }
-    void shutDown(HelperReply<HelperRefusal> reply) override { helper_->shutDown(noted("shutDown", std::move(reply))); }
+    void heartbeat(HelperReply<bool> reply) override { helper_->heartbeat(noted("heartbeat", reply)); }
+    void restoreSleep(HelperReply<HelperRefusal> reply) override { helper_->restoreSleep(noted("restore", reply)); }
+    void sleepNow(HelperReply<HelperRefusal> reply) override { helper_->sleepNow(noted("sleep", reply)); }
+    void shutDown(HelperReply<HelperRefusal> reply) override { helper_->shutDown(noted("shutDown", reply)); }
     std::expected<HelperRefusal, HelperUnreachable> restoreSleepAndWait(Seconds timeout) override
     {
-        wire_.requests.push_back("restoreAndWait");
+        wire_.requests.emplace_back("restoreAndWait");
         return helper_->restoreSleepAndWait(timeout);
     }
 
 private:
-    template <class Value> HelperReply<Value> noted(const char* request, HelperReply<Value> reply)
+    template <class Value> HelperReply<Value> noted(const char* request, const HelperReply<Value>& reply)
     {
-        wire_.requests.push_back(request);
+        wire_.requests.emplace_back(request);
         return [&wire = wire_, reply](std::expected<Value, HelperUnreachable> answer) {
             if (wire.keepsReplies)
                 wire.kept.push_back([reply, answer] { reply(answer); });
@@ -76,7 +73,7 @@ public:
 private:
     void record(const char* request, const Done& done, bool isAllowed)
     {
-        requests.push_back(request);
+        requests.emplace_back(request);
         if (isAllowed)
             done({});
         else
