@@ -3,12 +3,11 @@
 #include "Tests/Support/FaultyFiles.h"
 #include "Tests/Support/HookExamples.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <fstream>
-#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,23 +47,14 @@ struct Home {
         return settings().installer.installing(text).value();
     }
 
-    void write(const std::string& text) const { std::ofstream{file, std::ios::binary} << text; }
-    static std::optional<std::string> read(const fs::path& path)
-    {
-        std::ifstream stream{path, std::ios::binary};
-        if (!stream)
-            return {};
-        std::ostringstream text;
-        text << stream.rdbuf();
-        return text.str();
-    }
-    std::optional<std::string> text() const { return read(file); }
+    void write(std::string_view text) const { putText(file, text); }
+    std::optional<std::string> text() const { return textOf(file); }
     std::vector<std::string> backups() const
     {
         std::vector<std::string> texts;
         if (fs::exists(work / "backups"))
             for (const auto& entry : fs::directory_iterator{work / "backups"})
-                texts.push_back(read(entry).value());
+                texts.push_back(textOf(entry).value());
         return texts;
     }
     bool hasBackup(const std::string& text) const
@@ -117,7 +107,7 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
         EXPECT_EQ(home.text(), home.installed(text));
         EXPECT_EQ(home.backups(), text ? std::vector{*text} : std::vector<std::string>{});
 
-        const auto record = nlohmann::json::parse(Home::read(home.work / "claude.json").value());
+        const auto record = nlohmann::json::parse(textOf(home.work / "claude.json").value());
         EXPECT_EQ(record.contains("original"), text.has_value());
         EXPECT_EQ(record["written"], *home.text());
 
@@ -127,15 +117,19 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
     }
 }
 
-TEST(HookSettingsFile, DisconnectingKeepsWhatCameInBetween)
+TEST(HookSettingsFile, DisconnectingKeepsWhatCameInBetweenAndNeverPutsHooksOfOursBack)
 {
-    const Home home{"{}\n"};
-    ASSERT_TRUE(home.settings().connect(now));
-    auto changed = OrderedJSON::parse(home.text().value()).value().setting("model", "x").formatted();
-    home.write(changed);
-    ASSERT_TRUE(home.settings().disconnect(now));
-    EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
-    EXPECT_TRUE(home.hasBackup(changed));
+    for (const auto& [before, changesInBetween] : {std::pair{"{}\n", true}, {partlyOurs, true}, {partlyOurs, false}}) {
+        SCOPED_TRACE(before);
+        const Home home{before};
+        ASSERT_TRUE(home.settings().connect(now));
+        if (changesInBetween)
+            home.write(OrderedJSON::parse(home.text().value())->setting("model", "x").formatted());
+        const auto changed = home.text().value();
+        ASSERT_TRUE(home.settings().disconnect(now));
+        EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
+        EXPECT_TRUE(home.hasBackup(changed));
+    }
 }
 
 TEST(HookSettingsFile, ConnectingAgainChangesNothing)
@@ -144,20 +138,11 @@ TEST(HookSettingsFile, ConnectingAgainChangesNothing)
     ASSERT_TRUE(home.settings().connect(now));
     const auto laidOutByHand = std::string{"\n"} + home.text().value();
     home.write(laidOutByHand);
-    const auto record = Home::read(home.work / "claude.json");
+    const auto record = textOf(home.work / "claude.json");
     ASSERT_TRUE(home.settings().connect(now));
     EXPECT_EQ(home.text(), laidOutByHand);
-    EXPECT_EQ(Home::read(home.work / "claude.json"), record);
+    EXPECT_EQ(textOf(home.work / "claude.json"), record);
     EXPECT_EQ(home.backups().size(), 1u);
-}
-
-TEST(HookSettingsFile, NeverPutsHooksOfOursBack)
-{
-    const Home home{partlyOurs};
-    ASSERT_TRUE(home.settings().connect(now));
-    EXPECT_EQ(home.settings().connection(), Connection::connected);
-    ASSERT_TRUE(home.settings().disconnect(now));
-    EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
 }
 
 TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
@@ -235,10 +220,10 @@ TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
 {
     for (const char* text : {"{}", static_cast<const char*>(nullptr)}) {
         const Home home;
-        fs::create_directories(home.directory / "dotfiles/claude");
         const auto target = home.directory / "dotfiles/claude/settings.json";
-        if (text)
-            std::ofstream{target} << text;
+        putText(target, text ? text : "");
+        if (!text)
+            fs::remove(target);
         fs::create_symlink("claude/settings.json", home.directory / "dotfiles/link");
         fs::create_symlink(home.directory / "dotfiles/link", home.directory / ".claude/second");
         fs::create_symlink("../.claude/second", home.file);
@@ -248,7 +233,7 @@ TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
         EXPECT_TRUE(fs::is_symlink(home.file) && fs::is_symlink(home.directory / "dotfiles/link"));
         EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
         ASSERT_TRUE(home.settings().disconnect(now));
-        EXPECT_EQ(Home::read(target), text ? std::optional<std::string>{text} : std::nullopt);
+        EXPECT_EQ(textOf(target), text ? std::optional<std::string>{text} : std::nullopt);
         EXPECT_TRUE(fs::is_symlink(home.file));
     }
     const Home home;
