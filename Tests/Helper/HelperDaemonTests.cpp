@@ -104,15 +104,6 @@ namespace {
         }
     }
 
-    TEST_F(HelperDaemonTest, RecordsTheOriginalBeforeTouchingTheSetting)
-    {
-        start();
-        machine.killAfter(1);
-        EXPECT_THROW(enable(*session), Killed);
-        EXPECT_FALSE(machine.isDisabled);
-        EXPECT_EQ(machine.disk, (SleepOverrideRecord{.originalSleepDisabled = false, .appliedAt = time.now()}));
-    }
-
     TEST_F(HelperDaemonTest, ALeaseLivesFor25SecondsAfterItsLastRenewal)
     {
         start();
@@ -182,15 +173,6 @@ namespace {
         EXPECT_EQ(enable(*session), std::nullopt);
     }
 
-    TEST_F(HelperDaemonTest, WithoutALedgerThereIsNoOverride)
-    {
-        start();
-        machine.isDiskWritable = false;
-        EXPECT_EQ(enable(*session), HelperRefusal{"disque plein"});
-        EXPECT_FALSE(machine.isDisabled);
-        EXPECT_FALSE(heartbeat(*session));
-    }
-
     TEST_F(HelperDaemonTest, TriesAgainUntilTheSettingIsBack)
     {
         start();
@@ -208,25 +190,33 @@ namespace {
         EXPECT_TRUE(daemon->isIdle());
     }
 
-    TEST_F(HelperDaemonTest, ASettingThatRefusesLeavesNothingBehind)
+    TEST_F(HelperDaemonTest, WhateverIsRefusedLeavesNothingBehind)
     {
-        start();
-        machine.isSettingStuck = true;
-        EXPECT_EQ(enable(*session), HelperRefusal{"le réglage ne répond pas"});
-        machine.isSettingStuck = false;
-        time.advance(OverrideLeases::retryInterval);
-        EXPECT_FALSE(machine.isDisabled || machine.disk);
-        EXPECT_TRUE(daemon->isIdle());
-    }
-
-    TEST_F(HelperDaemonTest, RefusesWhomTheSystemDoesNotAllow)
-    {
-        start();
-        machine.denial = "pas autorisé";
-        for (const auto request : {&Client::enableClosedLid, &Client::sleepNow, &Client::shutDown})
-            EXPECT_EQ(ask(*session, request), HelperRefusal{"pas autorisé"});
-        EXPECT_THAT(machine.deeds, IsEmpty());
-        EXPECT_FALSE(machine.isDisabled || machine.disk);
+        struct Row {
+            std::string refusal;
+            std::function<void()> trouble;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {"disque plein", [&] { machine.isDiskWritable = false; }},
+                 {"le réglage ne répond pas", [&] { machine.isSettingStuck = true; }},
+                 {"pas autorisé", [&] { machine.denial = "pas autorisé"; }},
+             }) {
+            SCOPED_TRACE(row.refusal);
+            start();
+            row.trouble();
+            EXPECT_EQ(enable(*session), row.refusal);
+            EXPECT_FALSE(machine.isDisabled || heartbeat(*session));
+            machine.isDiskWritable = true;
+            machine.isSettingStuck = false;
+            time.advance(OverrideLeases::retryInterval);
+            EXPECT_FALSE(machine.isDisabled || machine.disk);
+            EXPECT_TRUE(daemon->isIdle());
+            if (machine.denial.empty())
+                continue;
+            for (const auto request : {&Client::sleepNow, &Client::shutDown})
+                EXPECT_EQ(ask(*session, request), row.refusal);
+            EXPECT_THAT(machine.deeds, IsEmpty());
+        }
     }
 
     TEST_F(HelperDaemonTest, AnAuthorizationThatComesTooLateChangesNothing)

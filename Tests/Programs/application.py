@@ -12,6 +12,8 @@ import unittest
 
 BIN = pathlib.Path(os.environ["VESPRA_BIN"])
 SLOW = 60  # seconds; never waited for unless something is broken
+ON_BATTERY = {"requiresACPower": False, "stopsOnLowBattery": True, "lowBatteryThreshold": 20}
+HELD_BY_A_SESSION = ["PreventUserIdleSystemSleep", "activity"]
 
 
 class Connection:
@@ -61,9 +63,7 @@ class ApplicationTest(unittest.TestCase):
 
     def launch(self, *options, settings=None):
         """The application, once it answers. What it prints is in `output`."""
-        if settings is not None:
-            (self.home / "settings.json").write_text(json.dumps(settings))
-            options += ("--settings", self.home / "settings.json")
+        options += self.settings_option(settings)
         with open(self.output, "ab") as output:
             process = self.spawn(BIN / "vespra", "--headless", "--platform", "simulated", "--idle", *options,
                                  stdout=output, stderr=output,
@@ -72,6 +72,12 @@ class ApplicationTest(unittest.TestCase):
         self.wait_for(lambda: self.ctl("status").returncode == 0 or process.poll() is not None)
         self.assertIsNone(process.poll(), self.output.read_text())
         return process
+
+    def settings_option(self, settings):
+        if settings is None:
+            return ()
+        (self.home / "settings.json").write_text(json.dumps(settings))
+        return "--settings", self.home / "settings.json"
 
     def quit(self, process, number=signal.SIGTERM):
         process.send_signal(number)
