@@ -13,13 +13,14 @@ TEST(SettingTexts, TakeWhatTheSettingsWindowCouldSet)
     };
     for (const auto& [key, taken, refused] : {
              Limit{"energy.requiresACPower", {"on", "off"}, {"true", "", "ON"}},
-             Limit{"energy.lowBatteryThreshold", {"10", "15", "80"}, {"9", "12", "81", "85", "-10", "20%", ""}},
-             Limit{"energy.batteryTimeLimit", {"off", "15m", "8h"}, {"14m59s", "8h1s", "never"}},
+             Limit{"energy.stopsOnLowBattery", {"off"}, {"no", "1"}},
+             Limit{"energy.lowBatteryThreshold", {"10", "15", "80"}, {"9", "12", "81", "85", "-10", "20%", "1e1", ""}},
+             Limit{"energy.batteryTimeLimit", {"off", "15m", "8h"}, {"14m59s", "8h1s", "0", "1.5h", "never"}},
              Limit{"closedLid.continuesOnBattery", {"on", "off"}, {"1"}},
-             Limit{"agents.endAction", {"letSleep", "sleepNow", "shutDown"}, {"sleep", "off"}},
-             Limit{"agents.graceDelay", {"0s", "1m", "15m"}, {"15m1s", "off", "-1m"}},
+             Limit{"agents.endAction", {"letSleep", "sleepNow", "shutDown"}, {"sleep", "SLEEPNOW", "off"}},
+             Limit{"agents.graceDelay", {"0s", "1m", "15m"}, {"15m1s", "off", "-1m", "60"}},
              Limit{"agents.waitingCountsAsFinished", {"on", "off"}, {"yes"}},
-             Limit{"agentSafetyCap", {"off", "1h", "24h"}, {"59m", "24h1s"}},
+             Limit{"agentSafetyCap", {"off", "1h", "24h"}, {"59m", "24h1s", "0"}},
          }) {
         for (const auto& text : taken) {
             const auto changed = settingTexts::changed({}, key, text);
