@@ -2,7 +2,6 @@
 import json
 import os
 import pathlib
-import random
 import shutil
 import signal
 import subprocess
@@ -265,44 +264,6 @@ class DaemonTest(unittest.TestCase):
         self.assertIsNone(self.daemon.poll())
         client.RestoreSleep()
         self.assertEqual(self.daemon.wait(5), 0)
-
-    def test_any_order_of_clients_and_kills_keeps_the_promise(self):
-        seed = random.randrange(10**6)
-        choose = random.Random(seed)
-        lease, slack = 0.5, 0.3
-        self.start(lease=lease)
-        clients, last_sign, events = [Client(), Client()], 0.0, 0
-        end = time.monotonic() + 8
-        while time.monotonic() < end:
-            events += 1
-            which = choose.randrange(2)
-            event = choose.choice(["enable", "enable", "heartbeat", "restore", "vanish", "kill", "wait", "wait"])
-            try:
-                if event == "enable":
-                    clients[which].EnableClosedLid()
-                    last_sign = time.monotonic()
-                elif event == "heartbeat" and clients[which].Heartbeat():
-                    last_sign = time.monotonic()
-                elif event == "restore":
-                    clients[which].RestoreSleep()
-                elif event == "vanish":
-                    clients[which].bus.close()
-                    clients[which] = Client()
-                elif event == "kill":
-                    self.end(signal.SIGKILL)
-                    wait("no lock without a helper", lambda: not self.is_held())
-                    self.start(lease=lease)
-                    self.assertFalse(self.ledger.exists())
-                else:
-                    time.sleep(choose.random() ** 4 * lease * 1.5)
-            except dbus.DBusException as error:
-                self.fail(f"seed {seed}: {event}: {error}")
-            if self.is_held():
-                self.assertLess(time.monotonic() - last_sign, lease + slack, f"seed {seed}")
-                self.assertTrue(self.ledger.exists(), f"seed {seed}")
-        time.sleep(lease + slack)
-        self.assert_untouched()
-        print(f"{events} events", file=sys.stderr)
 
     def test_the_installed_helper_takes_no_options_but_these(self):
         for arguments, status in ((["--help"], 0), (["--lease", "1000"], 2), (["--install", "/tmp"], 2)):

@@ -168,6 +168,7 @@ class Day(LabTest):
         self.lab("ui", "wait", "The computer will sleep in 1 minute.", str(SLOW))
         self.lab("ui", "click", "Cancel")
         self.wait_for(lambda: self.status()["pendingAction"] is None, "the cancellation")
+        self.wait_for(lambda: "Cancel" not in self.lab("ui", "list"), "the end of the notification")
         self.assertEqual(len(self.events("asleep")), asleep)
 
     def finish_and_sleep(self):

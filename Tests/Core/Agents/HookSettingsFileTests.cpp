@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <set>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,19 +50,15 @@ struct Home {
 
     void write(std::string_view text) const { putText(file, text); }
     std::optional<std::string> text() const { return textOf(file); }
-    std::vector<std::string> backups() const
+    std::multiset<std::string> backups() const
     {
-        std::vector<std::string> texts;
+        std::multiset<std::string> texts;
         if (fs::exists(work / "backups"))
             for (const auto& entry : fs::directory_iterator{work / "backups"})
-                texts.push_back(textOf(entry).value());
+                texts.insert(textOf(entry).value());
         return texts;
     }
-    bool hasBackup(const std::string& text) const
-    {
-        const auto all = backups();
-        return std::ranges::find(all, text) != all.end();
-    }
+    bool hasBackup(const std::string& text) const { return backups().contains(text); }
     bool hasTemporaryFiles() const
     {
         for (const auto& entry : fs::recursive_directory_iterator{directory.path()})
@@ -105,7 +102,7 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
         const Home home{text};
         ASSERT_TRUE(home.settings().connect(now));
         EXPECT_EQ(home.text(), home.installed(text));
-        EXPECT_EQ(home.backups(), text ? std::vector{*text} : std::vector<std::string>{});
+        EXPECT_EQ(home.backups(), text ? std::multiset{*text} : std::multiset<std::string>{});
 
         const auto record = nlohmann::json::parse(textOf(home.work / "claude.json").value());
         EXPECT_EQ(record.contains("original"), text.has_value());
@@ -158,32 +155,23 @@ TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
     EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
     EXPECT_TRUE(home.settings().disconnect(now));
     fs::remove(home.file);
+    EXPECT_TRUE(home.settings().disconnect(now)) << "a deleted file needs none";
+    EXPECT_FALSE(fs::exists(home.file));
     ASSERT_EQ(mkfifo(home.file.c_str(), 0600), 0);
     EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
     EXPECT_TRUE(fs::is_fifo(home.file));
 }
 
-TEST(HookSettingsFile, ADeletedFileNeedsNoDisconnecting)
-{
-    const Home home{"{}"};
-    ASSERT_TRUE(home.settings().connect(now));
-    fs::remove(home.file);
-    EXPECT_TRUE(home.settings().disconnect(now));
-    EXPECT_FALSE(fs::exists(home.file));
-    EXPECT_TRUE(fs::exists(home.work / "claude.json"));
-}
-
 TEST(HookSettingsFile, KeepsEveryBackupOfOneSecondAndBytesThatAreNoText)
 {
     const Home home;
-    const std::vector<std::string> texts{"\xFF\xFE{", "{\"a\":1}", "{\"a\":2}", ""};
+    const std::multiset<std::string> texts{"\xFF\xFE{", "{\"a\":1}", "{\"a\":2}", ""};
     for (const auto& text : texts) {
         home.write(text);
         ASSERT_TRUE(home.settings().connect(now));
         EXPECT_EQ(home.settings().connection(), Connection::connected);
     }
-    for (const auto& text : texts)
-        EXPECT_TRUE(home.hasBackup(text)) << text;
+    EXPECT_EQ(home.backups(), texts);
     EXPECT_TRUE(fs::exists(home.work / "backups/claude-settings.json-2026-01-31T09-15-00Z"));
     EXPECT_TRUE(fs::exists(home.work / "backups/claude-settings.json-2026-01-31T09-15-00Z-4"));
 }
@@ -243,25 +231,22 @@ TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
 
 TEST(HookSettingsFile, ComputesAgainWhatSomebodyElseChangedMeanwhile)
 {
-    struct Row {
-        int changes;
-        bool succeeds;
-    };
-    for (const auto& row : {Row{1, true}, Row{2, true}, Row{3, false}}) {
-        SCOPED_TRACE(row.changes);
+    for (const int most : {1, 2, 3}) {
+        SCOPED_TRACE(most);
+        const bool succeeds = most < 3;
         const Home home{"{}"};
         FaultyFiles files;
         int changes = 0;
         // Ours is about to take the file's place.
         files.afterSync = [&] {
-            if (fs::exists(home.directory / ".claude/.settings.json.vespra-1") && changes < row.changes)
+            if (fs::exists(home.directory / ".claude/.settings.json.vespra-1") && changes < most)
                 home.write("{\"change\":" + std::to_string(++changes) + "}");
         };
         const auto connected = home.settings(files).connect(now);
-        const auto theirs = "{\"change\":" + std::to_string(row.changes) + "}";
-        EXPECT_EQ(connected.has_value(), row.succeeds);
-        EXPECT_EQ(home.text(), row.succeeds ? home.installed(theirs) : theirs);
-        EXPECT_EQ(home.hasBackup(theirs), row.succeeds);
+        const auto theirs = "{\"change\":" + std::to_string(most) + "}";
+        EXPECT_EQ(connected.has_value(), succeeds);
+        EXPECT_EQ(home.text(), succeeds ? home.installed(theirs) : theirs);
+        EXPECT_EQ(home.hasBackup(theirs), succeeds);
         EXPECT_FALSE(home.hasTemporaryFiles());
     }
 }
