@@ -32,6 +32,11 @@ namespace {
             session = daemon->clientSession("a");
             other = daemon->clientSession("b");
         }
+        void startEnabled()
+        {
+            start();
+            EXPECT_EQ(enable(*session), std::nullopt);
+        }
         /// As a process that was killed, if it was; as one that ends in order otherwise.
         void end()
         {
@@ -122,8 +127,7 @@ namespace {
     TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepIsGoneWhicheverComesFirstAtTheWakeUp)
     {
         for (const Seconds due : {24s, 26s}) {
-            start();
-            enable(*session);
+            startEnabled();
             std::optional<bool> isInForce;
             const auto call = time.schedule(due, [&] { isInForce = heartbeat(*session); });
             time.sleep(1h);
@@ -136,8 +140,7 @@ namespace {
     TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepAndIsTakenAgainAtOnceKeepsAShutLidAwake)
     {
         machine.isLidShut = machine.isSettingForUsersOnly = true;
-        start();
-        enable(*session);
+        startEnabled();
         const auto call = time.schedule(24s, [&] { EXPECT_EQ(enable(*session), std::nullopt); });
         time.sleep(1h);
         time.advance(20s);
@@ -147,8 +150,7 @@ namespace {
 
     TEST_F(HelperDaemonTest, TheLastClientOutRestores)
     {
-        start();
-        enable(*session);
+        startEnabled();
         enable(*other);
         EXPECT_EQ(restore(*session), std::nullopt);
         EXPECT_TRUE(machine.isDisabled);
@@ -175,8 +177,7 @@ namespace {
 
     TEST_F(HelperDaemonTest, TriesAgainUntilTheSettingIsBack)
     {
-        start();
-        enable(*session);
+        startEnabled();
         machine.isSettingStuck = true;
         EXPECT_EQ(restore(*session), HelperRefusal{"le réglage ne répond pas"});
         time.advance(1h);
@@ -221,20 +222,16 @@ namespace {
 
     TEST_F(HelperDaemonTest, AnAuthorizationThatComesTooLateChangesNothing)
     {
-        struct Row {
-            const char* what;
-            std::function<void()> meanwhile;
-        };
-        for (const auto& row : std::vector<Row>{
-                 {"the client has gone", [&] { session.reset(); }},
-                 {"the client has asked to restore", [&] { restore(*session); }},
-             }) {
-            SCOPED_TRACE(row.what);
+        for (const bool clientGoes : {true, false}) {
+            SCOPED_TRACE(clientGoes ? "the client has gone" : "the client has asked to restore");
             start();
             machine.asksTheUser = true;
             session->enableClosedLid([](auto) { });
             EXPECT_FALSE(daemon->isIdle()) << "somebody is typing a password";
-            row.meanwhile();
+            if (clientGoes)
+                session.reset();
+            else
+                restore(*session);
             ASSERT_EQ(machine.asked.size(), 1u);
             machine.asked.front()();
             EXPECT_FALSE(machine.isDisabled || machine.disk);
@@ -245,8 +242,7 @@ namespace {
     TEST_F(HelperDaemonTest, LetsGoBeforeSleepAndShutdown)
     {
         for (const auto request : {&Client::sleepNow, &Client::shutDown}) {
-            start();
-            enable(*session);
+            startEnabled();
             enable(*other);
             EXPECT_EQ(ask(*session, request), std::nullopt);
             EXPECT_FALSE(machine.isDisabled || machine.disk);
@@ -290,8 +286,7 @@ namespace {
             SCOPED_TRACE(row.what);
             machine.deeds.clear();
             machine.isLidShut = true;
-            start();
-            enable(*session);
+            startEnabled();
             restore(*session);
             time.advance(ShutLidSleep::firstLook + 1s);
             row.meanwhile();
@@ -305,8 +300,7 @@ namespace {
     TEST_F(HelperDaemonTest, StopsAskingAtSomeTime)
     {
         machine.isLidShut = true;
-        start();
-        enable(*session);
+        startEnabled();
         session.reset();
         time.advance(1h);
         EXPECT_EQ(machine.deeds.size(), std::size_t{ShutLidSleep::mostLooks});
