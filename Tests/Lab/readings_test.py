@@ -2,15 +2,13 @@
 
 import unittest
 
-from lab import LabTest
-
-ON_BATTERY = {"energy": {"requiresACPower": False, "stopsOnLowBattery": True, "lowBatteryThreshold": 20}}
+from lab import ON_BATTERY, LabTest
 
 
 class Readings(LabTest):
     def test_a_single_bad_sample_does_not(self):
         self.set(battery=57, ac=0)
-        vespra = self.start(settings=ON_BATTERY)
+        vespra = self.start(settings={"energy": ON_BATTERY})
         self.set(battery=0)
         self.set(battery=56)
         self.set(battery=0)

@@ -6,7 +6,7 @@ import sys
 import time
 import unittest
 
-from application import BIN, ON_BATTERY, SLOW, ApplicationTest
+from application import BIN, SLOW, ApplicationTest
 
 MACHINE = "Mac" if sys.platform == "darwin" else "computer"
 SLEEP_AT_ONCE = {"graceDelay": 0, "waitingCountsAsFinished": True, "endAction": "sleepNow"}
@@ -58,18 +58,6 @@ class Headless(ApplicationTest):
         self.assertIsNone(process.poll(), "ended while the second agent works")
         self.hook("Stop", agent="codex")
         self.assertEqual(self.finish(process), (0, "Session ended — agents finished\n", ""))
-
-    def test_readings_end_the_session_with_their_reason(self):
-        low = dict(ON_BATTERY, lowBatteryThreshold=30)
-        for settings, changes, words in (
-            (None, ["charger=off"], " — charger unplugged"), (None, ["sleep=now"], ""),
-            ({"energy": low}, ["battery=31 charger=off", "battery=30"], " — battery at 30%"),
-        ):
-            with self.subTest(words=words):
-                process, _ = self.started("--unlimited", settings=settings)
-                for change in changes:
-                    self.done("machine", "set", *change.split())
-                self.assertEqual(self.finish(process), (0, f"Session ended{words}\n", ""))
 
     def test_closed_lid_mode_is_told_of_and_ends_by_heat(self):
         process, line = self.started("--unlimited", "--closed-lid")
