@@ -193,19 +193,15 @@ namespace {
 
     TEST_F(HelperDaemonTest, WhateverIsRefusedLeavesNothingBehind)
     {
-        struct Row {
-            std::string refusal;
-            std::function<void()> trouble;
-        };
-        for (const auto& row : std::vector<Row>{
+        for (const auto& [refusal, cause] : std::vector<std::pair<std::string, std::function<void()>>>{
                  {"disque plein", [&] { machine.isDiskWritable = false; }},
                  {"le réglage ne répond pas", [&] { machine.isSettingStuck = true; }},
                  {"pas autorisé", [&] { machine.denial = "pas autorisé"; }},
              }) {
-            SCOPED_TRACE(row.refusal);
+            SCOPED_TRACE(refusal);
             start();
-            row.trouble();
-            EXPECT_EQ(enable(*session), row.refusal);
+            cause();
+            EXPECT_EQ(enable(*session), refusal);
             EXPECT_FALSE(machine.isDisabled || heartbeat(*session));
             machine.isDiskWritable = true;
             machine.isSettingStuck = false;
@@ -215,7 +211,7 @@ namespace {
             if (machine.denial.empty())
                 continue;
             for (const auto request : {&Client::sleepNow, &Client::shutDown})
-                EXPECT_EQ(ask(*session, request), row.refusal);
+                EXPECT_EQ(ask(*session, request), refusal);
             EXPECT_THAT(machine.deeds, IsEmpty());
         }
     }

@@ -211,20 +211,16 @@ namespace {
 
     TEST_F(LinuxAdaptersTest, ShowsWhatUPowerAndPolkitSay)
     {
-        struct Row {
-            const char* machine;
-            HelperStatus shown;
-        };
-        for (const auto& row : std::vector<Row>{
+        for (const auto& [machine, shown] : std::vector<std::pair<const char*, HelperStatus>>{
                  {R"({"hasLid": false})", helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay}},
                  {R"({"hasLid": true, "polkit": "ask"})", helper::AwaitingApproval{}},
                  {R"({"polkit": "deny"})", helper::Failed{}},
                  {R"({"polkit": "broken"})", helper::Ready{}},
              }) {
-            SCOPED_TRACE(row.machine);
-            PrivateBus::set(row.machine);
+            SCOPED_TRACE(machine);
+            PrivateBus::set(machine);
             launch();
-            EXPECT_TRUE(shows(row.shown));
+            EXPECT_TRUE(shows(shown));
         }
     }
 

@@ -17,29 +17,21 @@ template <class Read> auto read(const char* text, Read reader)
 
 TEST(SessionPlanJSON, RoundTripsInItsPersistedForm)
 {
-    struct Row {
-        SessionPlan plan;
-        const char* json;
-    };
-    for (const auto& row : std::vector<Row>{
+    for (const auto& [plan, json] : std::vector<std::pair<SessionPlan, const char*>>{
              {plan::Timer{Seconds{3600.5}}, R"({"timer":{"duration":3600.5}})"},
              {plan::Until{{18, 30}}, R"({"until":{"_0":{"hour":18,"minute":30}}})"},
              {plan::Unlimited{}, R"({"unlimited":{}})"},
              {plan::Agent{12h}, R"({"agent":{"safetyCap":43200}})"},
              {plan::Agent{}, R"({"agent":{}})"},
          }) {
-        EXPECT_EQ(toJSON(row.plan).dump(), row.json);
-        EXPECT_EQ(read(row.json, readSessionPlan).value(), row.plan);
+        EXPECT_EQ(toJSON(plan).dump(), json);
+        EXPECT_EQ(read(json, readSessionPlan).value(), plan);
     }
 }
 
 TEST(SessionPlanJSON, RefusesWhatIsNotOnePlan)
 {
-    struct Row {
-        const char* json;
-        const char* error;
-    };
-    for (const auto& row : std::vector<Row>{
+    for (const auto& [json, error] : std::vector<std::pair<const char*, const char*>>{
              {R"({})", "Invalid number of keys found, expected one."},
              {R"({"timer":{"duration":60},"unlimited":{}})", "Invalid number of keys found, expected one."},
              {R"({"forever":{}})", "Invalid number of keys found, expected one."},
@@ -50,7 +42,7 @@ TEST(SessionPlanJSON, RefusesWhatIsNotOnePlan)
              {R"({"unlimited":null})", "unlimited: expected an object"},
              {R"([])", "expected an object"},
          })
-        EXPECT_EQ(read(row.json, readSessionPlan).error().description(), row.error) << row.json;
+        EXPECT_EQ(read(json, readSessionPlan).error().description(), error) << json;
     const SessionPlan clamped = plan::Until{{23, 0}};
     EXPECT_EQ(read(R"({"until":{"_0":{"hour":30,"minute":-5}}})", readSessionPlan).value(), clamped);
 }
