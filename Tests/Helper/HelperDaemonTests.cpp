@@ -69,31 +69,6 @@ namespace {
         bool isToldIdle = false; // what whoever follows `onChange` takes `isIdle` for
     };
 
-    TEST_F(HelperDaemonTest, PutsTheSettingBackWhereverItWasKilled)
-    {
-        for (const bool original : {false, true})
-            for (int changes = 0; changes <= 4; ++changes) {
-                SCOPED_TRACE(testing::Message() << "was " << original << ", killed before change " << changes);
-                machine.isDisabled = original;
-                start();
-                machine.killAfter(changes);
-                EXPECT_EQ(changes < 4, [&] {
-                    try {
-                        enable(*session);
-                        restore(*session);
-                        return false;
-                    } catch (const Killed&) {
-                        return true;
-                    }
-                }()) << "four changes in all";
-                end();
-                start();
-                EXPECT_EQ(machine.isDisabled, original);
-                EXPECT_EQ(machine.disk, std::nullopt);
-                end();
-            }
-    }
-
     TEST_F(HelperDaemonTest, RecoversAlsoWhenKilledInTheRecovery)
     {
         for (int changes = 0; changes <= 1; ++changes) {
