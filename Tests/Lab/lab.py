@@ -85,7 +85,7 @@ class LabTest(DriverTest):
         self.assertEqual(process.stdout.readline(), "Awake until you stop it.\n")
         return process
 
-    def output(self, process):
+    def last_words(self, process):
         """What it says from now on until it ends by itself, without an error."""
         out, err = process.communicate(timeout=SLOW)
         self.assertEqual((process.returncode, err), (0, ""))

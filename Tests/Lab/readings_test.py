@@ -14,7 +14,7 @@ class Readings(LabTest):
         self.set(battery=0)
         self.assertIsNone(vespra.poll())
         # Nothing better comes for 10 s: it is believed.
-        self.assertEqual(self.output(vespra), ["Session ended — battery at 0%"])
+        self.assertEqual(self.last_words(vespra), ["Session ended — battery at 0%"])
 
     def test_a_closed_lid_matters_only_without_an_external_display(self):
         vespra = self.start()
@@ -27,7 +27,7 @@ class Readings(LabTest):
         self.assertEqual((status, readings["Lid"], readings["External display"]), (0, "closed", "connected"))
         self.set(display="internal")
         self.assertEqual(len(self.events("lid-suspend")), 1)
-        self.assertEqual(self.output(vespra), ["Session ended"])
+        self.assertEqual(self.last_words(vespra), ["Session ended"])
 
     def test_heat_warns_and_the_session_goes_on(self):
         vespra = self.start()
