@@ -65,6 +65,8 @@ TEST_F(Tracker, KeepsTheLastWorkingDirectory)
     report(finished);
     EXPECT_EQ(tracker.sessions().front().cwd, "/home/me/project/");
     EXPECT_EQ(tracker.sessions().front().folderName(), "project");
+    report(working, "a", AgentKind::claudeCode, "/");
+    EXPECT_EQ(tracker.sessions().front().folderName(), "/");
     report(working, "a", AgentKind::claudeCode, "");
     EXPECT_EQ(tracker.sessions().front().folderName(), std::nullopt);
 }
