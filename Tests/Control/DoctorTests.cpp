@@ -2,25 +2,21 @@
 
 #include "Control/Doctor/linux/LogindSettings.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 
 namespace vespra::doctor {
 
-namespace {
-
-    Inhibitor lock(const char* service, const char* who, const char* mode, long pid)
-    {
-        return {.service = service, .what = "idle", .who = who, .why = "", .mode = mode, .pid = pid};
-    }
-
-} // namespace
-
 TEST(Doctor, MissesTheLockOfARunningSession)
 {
     const SessionMarker::Session running{.pid = 7, .platform = "linux"};
-    const std::string plasma = "org.kde.Solid.PowerManagement.PolicyAgent";
+    const std::string logind = "logind", plasma = "org.kde.Solid.PowerManagement.PolicyAgent";
+    const auto lock = [](const std::string& service, const char* who, const char* mode, long pid) {
+        return std::vector{
+            Inhibitor{.service = service, .what = "idle", .who = who, .why = "", .mode = mode, .pid = pid}};
+    };
+    const auto ours = lock(logind, "Vespra", "block", 7), none = std::vector<Inhibitor>{};
     struct Row {
         const char* rule;
         std::optional<SessionMarker::Session> session;
@@ -29,37 +25,17 @@ TEST(Doctor, MissesTheLockOfARunningSession)
         Verdict expected;
     };
     for (const auto& row : std::vector<Row>{
-             {"nothing runs", {}, std::vector{lock("logind", "Vespra", "block", 7)}, "logind", Verdict::noSession},
-             {"it is a simulation", {{7, "simulated"}}, std::vector<Inhibitor>{}, "logind", Verdict::simulated},
-             {"our lock is there",
-                 running,
-                 std::vector{lock("logind", "Vespra", "block", 7)},
-                 "logind",
-                 Verdict::listed},
-             {"nothing is there", running, std::vector<Inhibitor>{}, "logind", Verdict::missing},
-             {"another's lock", running, std::vector{lock("logind", "Other", "block", 7)}, "logind", Verdict::missing},
-             {"an earlier process's lock",
-                 running,
-                 std::vector{lock("logind", "Vespra", "block", 6)},
-                 "logind",
-                 Verdict::missing},
-             {"a delay keeps nothing awake",
-                 running,
-                 std::vector{lock("logind", "Vespra", "delay", 7)},
-                 "logind",
-                 Verdict::missing},
-             {"Plasma does not say the process",
-                 running,
-                 std::vector{lock(plasma.c_str(), "Vespra", "", 0)},
-                 plasma,
-                 Verdict::listed},
-             {"another service's list does not count",
-                 running,
-                 std::vector{lock("logind", "Vespra", "block", 7)},
-                 plasma,
-                 Verdict::missing},
-             {"no service lists it", running, std::vector<Inhibitor>{}, "", Verdict::unknown},
-             {"the service does not answer", running, {}, "logind", Verdict::unknown},
+             {"nothing runs", {}, ours, logind, Verdict::noSession},
+             {"it is a simulation", {{7, "simulated"}}, none, logind, Verdict::simulated},
+             {"our lock is there", running, ours, logind, Verdict::listed},
+             {"nothing is there", running, none, logind, Verdict::missing},
+             {"another's lock", running, lock(logind, "Other", "block", 7), logind, Verdict::missing},
+             {"an earlier process's", running, lock(logind, "Vespra", "block", 6), logind, Verdict::missing},
+             {"a delay is no lock", running, lock(logind, "Vespra", "delay", 7), logind, Verdict::missing},
+             {"Plasma does not say the process", running, lock(plasma, "Vespra", "", 0), plasma, Verdict::listed},
+             {"another service's list does not count", running, ours, plasma, Verdict::missing},
+             {"no service lists it", running, none, "", Verdict::unknown},
+             {"the service does not answer", running, {}, logind, Verdict::unknown},
          }) {
         SCOPED_TRACE(row.rule);
         const Report report{
@@ -71,10 +47,7 @@ TEST(Doctor, MissesTheLockOfARunningSession)
 TEST(LogindSettings, ComeFromTheLastFileThatSetsThem)
 {
     const TemporaryDirectory root;
-    const auto write = [&](const char* name, const char* text) {
-        std::filesystem::create_directories((root / name).parent_path());
-        std::ofstream{root / name} << text;
-    };
+    const auto write = [&](const char* name, const char* text) { putText(root / name, text); };
     EXPECT_EQ(logindSetting(root.path(), "IdleAction"), std::nullopt);
     write("etc/systemd/logind.conf", "[Login]\n#IdleAction=lock\n IdleAction = suspend \n");
     EXPECT_EQ(logindSetting(root.path(), "IdleAction"), "suspend");

@@ -1,11 +1,11 @@
 #include "App/Wording/SystemText.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdio>
-#include <fstream>
 #include <sys/wait.h>
 
 using namespace vespra;
@@ -42,9 +42,7 @@ TEST(HooksCommand, ConnectsAndDisconnectsWithoutTheApplication)
     EXPECT_EQ(status(), "{\"claude\":\"connected\",\"codex\":\"agentNotFound\"}\n");
     EXPECT_TRUE(vespractl(home.path(), "status").output.contains("Claude Code  Connected"));
 
-    std::ifstream settings{home / ".claude/settings.json"};
-    const std::string text{std::istreambuf_iterator{settings}, {}};
-    EXPECT_EQ(vespractl(home.path(), "preview claude").output, text);
+    EXPECT_EQ(vespractl(home.path(), "preview claude").output, textOf(home / ".claude/settings.json"));
 
     EXPECT_EQ(vespractl(home.path(), "disconnect claude").status, 0);
     EXPECT_FALSE(fs::exists(home / ".claude/settings.json"));
@@ -53,8 +51,7 @@ TEST(HooksCommand, ConnectsAndDisconnectsWithoutTheApplication)
 TEST(HooksCommand, SaysWhatWentWrong)
 {
     const TemporaryDirectory home;
-    fs::create_directory(home / ".claude");
-    std::ofstream{home / ".claude/settings.json"} << "{";
+    putText(home / ".claude/settings.json", "{");
     const auto title = std::string{"Couldn't change the agent's settings\n"};
     const auto absent = vespractl(home.path(), "connect codex");
     EXPECT_EQ(absent.status, 1);

@@ -1,10 +1,7 @@
 #include "Control/Scenario/ScenarioPlayer.h"
+#include "Tests/Support/TextFiles.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 using namespace vespra;
 
@@ -12,12 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string contents(const fs::path& path)
-{
-    std::ostringstream text;
-    text << std::ifstream{path}.rdbuf();
-    return text.str();
-}
+std::string contents(const fs::path& path) { return textOf(path).value(); }
 
 std::vector<fs::path> scenarios(const char* folder)
 {

@@ -54,9 +54,12 @@ public:
     }
     HelperResult write(const SleepOverrideRecord& record) override
     {
-        if (!mayChange() || !isDiskWritable)
+        if (!mayChange())
             return std::unexpected{"disque plein"};
         disk = record;
+        // What was written when it failed may stay.
+        if (!isDiskWritable)
+            return std::unexpected{"disque plein"};
         return {};
     }
     HelperResult erase() override

@@ -32,6 +32,11 @@ namespace {
             session = daemon->clientSession("a");
             other = daemon->clientSession("b");
         }
+        void startEnabled()
+        {
+            start();
+            EXPECT_EQ(enable(*session), std::nullopt);
+        }
         /// As a process that was killed, if it was; as one that ends in order otherwise.
         void end()
         {
@@ -64,31 +69,6 @@ namespace {
         bool isToldIdle = false; // what whoever follows `onChange` takes `isIdle` for
     };
 
-    TEST_F(HelperDaemonTest, PutsTheSettingBackWhereverItWasKilled)
-    {
-        for (const bool original : {false, true})
-            for (int changes = 0; changes <= 4; ++changes) {
-                SCOPED_TRACE(testing::Message() << "was " << original << ", killed before change " << changes);
-                machine.isDisabled = original;
-                start();
-                machine.killAfter(changes);
-                EXPECT_EQ(changes < 4, [&] {
-                    try {
-                        enable(*session);
-                        restore(*session);
-                        return false;
-                    } catch (const Killed&) {
-                        return true;
-                    }
-                }()) << "four changes in all";
-                end();
-                start();
-                EXPECT_EQ(machine.isDisabled, original);
-                EXPECT_EQ(machine.disk, std::nullopt);
-                end();
-            }
-    }
-
     TEST_F(HelperDaemonTest, RecoversAlsoWhenKilledInTheRecovery)
     {
         for (int changes = 0; changes <= 1; ++changes) {
@@ -102,15 +82,6 @@ namespace {
             EXPECT_EQ(machine.disk, std::nullopt);
             end();
         }
-    }
-
-    TEST_F(HelperDaemonTest, RecordsTheOriginalBeforeTouchingTheSetting)
-    {
-        start();
-        machine.killAfter(1);
-        EXPECT_THROW(enable(*session), Killed);
-        EXPECT_FALSE(machine.isDisabled);
-        EXPECT_EQ(machine.disk, (SleepOverrideRecord{.originalSleepDisabled = false, .appliedAt = time.now()}));
     }
 
     TEST_F(HelperDaemonTest, ALeaseLivesFor25SecondsAfterItsLastRenewal)
@@ -131,8 +102,7 @@ namespace {
     TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepIsGoneWhicheverComesFirstAtTheWakeUp)
     {
         for (const Seconds due : {24s, 26s}) {
-            start();
-            enable(*session);
+            startEnabled();
             std::optional<bool> isInForce;
             const auto call = time.schedule(due, [&] { isInForce = heartbeat(*session); });
             time.sleep(1h);
@@ -145,8 +115,7 @@ namespace {
     TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepAndIsTakenAgainAtOnceKeepsAShutLidAwake)
     {
         machine.isLidShut = machine.isSettingForUsersOnly = true;
-        start();
-        enable(*session);
+        startEnabled();
         const auto call = time.schedule(24s, [&] { EXPECT_EQ(enable(*session), std::nullopt); });
         time.sleep(1h);
         time.advance(20s);
@@ -156,8 +125,7 @@ namespace {
 
     TEST_F(HelperDaemonTest, TheLastClientOutRestores)
     {
-        start();
-        enable(*session);
+        startEnabled();
         enable(*other);
         EXPECT_EQ(restore(*session), std::nullopt);
         EXPECT_TRUE(machine.isDisabled);
@@ -182,19 +150,9 @@ namespace {
         EXPECT_EQ(enable(*session), std::nullopt);
     }
 
-    TEST_F(HelperDaemonTest, WithoutALedgerThereIsNoOverride)
-    {
-        start();
-        machine.isDiskWritable = false;
-        EXPECT_EQ(enable(*session), HelperRefusal{"disque plein"});
-        EXPECT_FALSE(machine.isDisabled);
-        EXPECT_FALSE(heartbeat(*session));
-    }
-
     TEST_F(HelperDaemonTest, TriesAgainUntilTheSettingIsBack)
     {
-        start();
-        enable(*session);
+        startEnabled();
         machine.isSettingStuck = true;
         EXPECT_EQ(restore(*session), HelperRefusal{"le réglage ne répond pas"});
         time.advance(1h);
@@ -208,43 +166,43 @@ namespace {
         EXPECT_TRUE(daemon->isIdle());
     }
 
-    TEST_F(HelperDaemonTest, ASettingThatRefusesLeavesNothingBehind)
+    TEST_F(HelperDaemonTest, WhateverIsRefusedLeavesNothingBehind)
     {
-        start();
-        machine.isSettingStuck = true;
-        EXPECT_EQ(enable(*session), HelperRefusal{"le réglage ne répond pas"});
-        machine.isSettingStuck = false;
-        time.advance(OverrideLeases::retryInterval);
-        EXPECT_FALSE(machine.isDisabled || machine.disk);
-        EXPECT_TRUE(daemon->isIdle());
-    }
-
-    TEST_F(HelperDaemonTest, RefusesWhomTheSystemDoesNotAllow)
-    {
-        start();
-        machine.denial = "pas autorisé";
-        for (const auto request : {&Client::enableClosedLid, &Client::sleepNow, &Client::shutDown})
-            EXPECT_EQ(ask(*session, request), HelperRefusal{"pas autorisé"});
-        EXPECT_THAT(machine.deeds, IsEmpty());
-        EXPECT_FALSE(machine.isDisabled || machine.disk);
+        for (const auto& [refusal, cause] : std::vector<std::pair<std::string, std::function<void()>>>{
+                 {"disque plein", [&] { machine.isDiskWritable = false; }},
+                 {"le réglage ne répond pas", [&] { machine.isSettingStuck = true; }},
+                 {"pas autorisé", [&] { machine.denial = "pas autorisé"; }},
+             }) {
+            SCOPED_TRACE(refusal);
+            start();
+            cause();
+            EXPECT_EQ(enable(*session), refusal);
+            EXPECT_FALSE(machine.isDisabled || heartbeat(*session));
+            machine.isDiskWritable = true;
+            machine.isSettingStuck = false;
+            time.advance(OverrideLeases::retryInterval);
+            EXPECT_FALSE(machine.isDisabled || machine.disk);
+            EXPECT_TRUE(daemon->isIdle());
+            if (machine.denial.empty())
+                continue;
+            for (const auto request : {&Client::sleepNow, &Client::shutDown})
+                EXPECT_EQ(ask(*session, request), refusal);
+            EXPECT_THAT(machine.deeds, IsEmpty());
+        }
     }
 
     TEST_F(HelperDaemonTest, AnAuthorizationThatComesTooLateChangesNothing)
     {
-        struct Row {
-            const char* what;
-            std::function<void()> meanwhile;
-        };
-        for (const auto& row : std::vector<Row>{
-                 {"the client has gone", [&] { session.reset(); }},
-                 {"the client has asked to restore", [&] { restore(*session); }},
-             }) {
-            SCOPED_TRACE(row.what);
+        for (const bool clientGoes : {true, false}) {
+            SCOPED_TRACE(clientGoes ? "the client has gone" : "the client has asked to restore");
             start();
             machine.asksTheUser = true;
             session->enableClosedLid([](auto) { });
             EXPECT_FALSE(daemon->isIdle()) << "somebody is typing a password";
-            row.meanwhile();
+            if (clientGoes)
+                session.reset();
+            else
+                restore(*session);
             ASSERT_EQ(machine.asked.size(), 1u);
             machine.asked.front()();
             EXPECT_FALSE(machine.isDisabled || machine.disk);
@@ -255,8 +213,7 @@ namespace {
     TEST_F(HelperDaemonTest, LetsGoBeforeSleepAndShutdown)
     {
         for (const auto request : {&Client::sleepNow, &Client::shutDown}) {
-            start();
-            enable(*session);
+            startEnabled();
             enable(*other);
             EXPECT_EQ(ask(*session, request), std::nullopt);
             EXPECT_FALSE(machine.isDisabled || machine.disk);
@@ -300,8 +257,7 @@ namespace {
             SCOPED_TRACE(row.what);
             machine.deeds.clear();
             machine.isLidShut = true;
-            start();
-            enable(*session);
+            startEnabled();
             restore(*session);
             time.advance(ShutLidSleep::firstLook + 1s);
             row.meanwhile();
@@ -315,8 +271,7 @@ namespace {
     TEST_F(HelperDaemonTest, StopsAskingAtSomeTime)
     {
         machine.isLidShut = true;
-        start();
-        enable(*session);
+        startEnabled();
         session.reset();
         time.advance(1h);
         EXPECT_EQ(machine.deeds.size(), std::size_t{ShutLidSleep::mostLooks});

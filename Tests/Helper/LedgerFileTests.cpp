@@ -1,8 +1,8 @@
 #include "Helper/LedgerFile.h"
 
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -20,12 +20,6 @@ namespace {
         std::filesystem::path state = directory / "state";
         std::filesystem::path path = state / "sleep-override.json";
         LedgerFile ledger{state};
-
-        void put(std::string_view text)
-        {
-            std::filesystem::create_directories(state);
-            std::ofstream{path} << text;
-        }
     };
 
     TEST_F(LedgerFileTest, GivesBackWhatWasWrittenUntilItIsErased)
@@ -51,28 +45,23 @@ namespace {
 
     TEST_F(LedgerFileTest, KeepsAsideWhatItCannotRead)
     {
-        for (const std::string text : {"",
-                 "{",
-                 "null",
-                 "[]",
-                 R"({"originalSleepDisabled":1,"appliedAt":0})",
-                 R"({"originalSleepDisabled":true})"}) {
+        const auto wrongType = R"({"originalSleepDisabled":1,"appliedAt":0})";
+        for (const std::string text : {"", "{", "null", "[]", wrongType, R"({"originalSleepDisabled":true})"}) {
             SCOPED_TRACE(text);
-            put(text);
+            putText(path, text);
             EXPECT_FALSE(ledger.read());
             ASSERT_TRUE(ledger.setAside());
             EXPECT_EQ(ledger.read(), nothing);
-            std::ifstream bad{path.string() + ".bad"};
-            EXPECT_EQ(std::string(std::istreambuf_iterator<char>{bad}, {}), text);
+            EXPECT_EQ(textOf(path.string() + ".bad"), text);
         }
-        put(std::string(100'000, ' ') + "{}");
+        putText(path, std::string(100'000, ' ') + "{}");
         EXPECT_FALSE(ledger.read());
     }
 
     TEST_F(LedgerFileTest, FollowsNoLinkAndReportsAPlaceItCannotUse)
     {
+        putText(directory / "elsewhere", R"({"originalSleepDisabled":true,"appliedAt":0})");
         std::filesystem::create_directories(state);
-        std::ofstream{directory / "elsewhere"} << R"({"originalSleepDisabled":true,"appliedAt":0})";
         std::filesystem::create_symlink(directory / "elsewhere", path);
         EXPECT_FALSE(ledger.read());
         std::filesystem::create_directories(state / "sleep-override.json.new");

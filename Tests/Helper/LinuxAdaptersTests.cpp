@@ -7,9 +7,9 @@
 #include "App/System/QtMainLoop.h"
 #include "Tests/Support/FakeMonitors.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
-#include <fstream>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <QCoreApplication>
 #include <QDBusReply>
 #include <QDBusVirtualObject>
@@ -36,14 +36,13 @@ namespace {
         PrivateBus()
         {
             const auto address = "unix:path=" + (directory / "bus").string();
-            std::ofstream{directory / "bus.conf"} << "<busconfig><type>system</type><listen>" << address << "</listen>"
-                                                  << "<servicedir>" << directory.path().string()
-                                                  << "</servicedir><policy context=\"default\">"
-                                                  << "<allow own=\"*\"/><allow send_destination=\"*\"/><allow "
-                                                     "receive_sender=\"*\"/></policy></busconfig>";
-            std::ofstream{directory / "helper.service"}
-                << "[D-BUS Service]\nName=app.vespra.Helper\nUser=root\nExec=" << HELPER_UNDER_TEST << " "
-                << (directory / "state").string() << " 2 60\n";
+            putText(directory / "bus.conf",
+                "<busconfig><type>system</type><listen>" + address + "</listen><servicedir>" + directory.path().string()
+                    + "</servicedir><policy context='default'><allow own='*'/><allow send_destination='*'/>"
+                      "<allow receive_sender='*'/></policy></busconfig>");
+            putText(directory / "helper.service",
+                "[D-BUS Service]\nName=app.vespra.Helper\nUser=root\nExec=" HELPER_UNDER_TEST " "
+                    + (directory / "state").string() + " 2 60\n");
             qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(address));
             const auto configuration = QString::fromStdString("--config-file=" + (directory / "bus.conf").string());
             daemon.start("dbus-daemon", {"--nofork", "--nopidfile", "--print-address", configuration});
@@ -99,6 +98,17 @@ namespace {
             controller.emplace(coordinator,
                 ClosedLidEnvironment{*helper.service, helper.connect, *helper.facts, *helper.power, tasks, mainLoop});
         }
+        void startClosedLidSession()
+        {
+            ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
+            ASSERT_TRUE(becomes([this] { return coordinator.conditions().lidSleepDisabled; }));
+            EXPECT_TRUE(PrivateBus::isHeld());
+        }
+        void askToEnable(HelperXPCProtocol& connection)
+        {
+            reply.reset();
+            connection.enableClosedLid([this](const auto& answer) { reply = answer; });
+        }
         bool shows(HelperStatus status)
         {
             return becomes([&] { return coordinator.conditions().helper == status; });
@@ -116,6 +126,7 @@ namespace {
             {}, Calendar::current(), {clock, deadlines, source, thermal}, helper::NotInstalled{}};
         PlatformHelper helper = makeLinuxHelper();
         std::optional<ClosedLidController> controller;
+        std::optional<std::expected<HelperRefusal, HelperUnreachable>> reply;
     };
 
     /// In the helper's place: answers when the test says so.
@@ -154,9 +165,8 @@ namespace {
         StandIn standIn{"app.vespra.Helper"};
         const auto connection = helper.connect();
         bool isInvalid = false;
-        std::optional<std::expected<HelperRefusal, HelperUnreachable>> reply;
         connection->onInvalidation = [&] { isInvalid = true; };
-        connection->enableClosedLid([&](const auto& answer) { reply = answer; });
+        askToEnable(*connection);
         ASSERT_TRUE(becomes([&] { return !standIn.calls.empty(); }));
         ASSERT_TRUE(standIn.giveUpName());
         EXPECT_FALSE(becomes([&] { return isInvalid; }, 200));
@@ -166,69 +176,51 @@ namespace {
         EXPECT_EQ(**reply, HelperRefusal{});
     }
 
-    TEST_F(LinuxAdaptersTest, AClosedLidSessionHoldsTheLockFromStartToEnd)
+    TEST_F(LinuxAdaptersTest, AClosedLidSessionHoldsTheLockUntilItsEndAndQuittingWaitsForThat)
     {
         launch();
         ASSERT_TRUE(shows(helper::Ready{}));
-        ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
-        ASSERT_TRUE(becomes([this] { return coordinator.conditions().lidSleepDisabled; }));
-        EXPECT_TRUE(PrivateBus::isHeld());
+        startClosedLidSession();
         coordinator.stop(end::StoppedByUser{});
         EXPECT_TRUE(becomes([this] { return !coordinator.conditions().lidSleepDisabled; }));
         EXPECT_FALSE(PrivateBus::isHeld());
-    }
 
-    TEST_F(LinuxAdaptersTest, QuittingWaitsForTheLockToGo)
-    {
-        launch();
-        ASSERT_TRUE(shows(helper::Ready{}));
-        ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
-        ASSERT_TRUE(becomes([] { return PrivateBus::isHeld(); }));
-        ASSERT_TRUE(becomes([this] { return controller->isApplied(); }));
+        startClosedLidSession();
+        ASSERT_TRUE(controller->isApplied());
         controller->restoreBeforeQuit(2s);
         EXPECT_FALSE(controller->isApplied());
         EXPECT_TRUE(becomes([] { return !PrivateBus::isHeld(); }));
     }
 
-    TEST_F(LinuxAdaptersTest, TheEndOfAConnectionLetsGo)
+    TEST_F(LinuxAdaptersTest, TheEndOfAConnectionLetsGoAndARefusalIsAnAnswer)
     {
         auto connection = helper.connect();
-        std::optional<std::expected<HelperRefusal, HelperUnreachable>> reply;
-        connection->enableClosedLid([&](const auto& answer) { reply = answer; });
+        askToEnable(*connection);
         ASSERT_TRUE(becomes([&] { return reply.has_value(); }));
-        EXPECT_EQ(**reply, HelperRefusal{});
+        EXPECT_EQ(reply->value(), HelperRefusal{});
         EXPECT_TRUE(PrivateBus::isHeld());
         connection.reset();
         EXPECT_TRUE(becomes([] { return !PrivateBus::isHeld(); }));
-    }
 
-    TEST_F(LinuxAdaptersTest, TellsRefusalsFromAnUnreachableHelper)
-    {
         PrivateBus::set(R"({"polkit": "deny"})");
-        const auto connection = helper.connect();
-        std::optional<std::expected<HelperRefusal, HelperUnreachable>> reply;
-        connection->enableClosedLid([&](const auto& answer) { reply = answer; });
+        connection = helper.connect();
+        askToEnable(*connection);
         ASSERT_TRUE(becomes([&] { return reply.has_value(); }));
-        ASSERT_TRUE(reply->has_value());
-        EXPECT_EQ(**reply, HelperRefusal{"polkit ne l'autorise pas"});
+        EXPECT_EQ(reply->value(), HelperRefusal{"polkit ne l'autorise pas"});
     }
 
     TEST_F(LinuxAdaptersTest, ShowsWhatUPowerAndPolkitSay)
     {
-        struct Row {
-            const char* machine;
-            HelperStatus shown;
-        };
-        for (const auto& row : std::vector<Row>{
+        for (const auto& [machine, shown] : std::vector<std::pair<const char*, HelperStatus>>{
                  {R"({"hasLid": false})", helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay}},
                  {R"({"hasLid": true, "polkit": "ask"})", helper::AwaitingApproval{}},
                  {R"({"polkit": "deny"})", helper::Failed{}},
                  {R"({"polkit": "broken"})", helper::Ready{}},
              }) {
-            SCOPED_TRACE(row.machine);
-            PrivateBus::set(row.machine);
+            SCOPED_TRACE(machine);
+            PrivateBus::set(machine);
             launch();
-            EXPECT_TRUE(shows(row.shown));
+            EXPECT_TRUE(shows(shown));
         }
     }
 

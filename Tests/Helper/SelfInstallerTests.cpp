@@ -1,8 +1,8 @@
 #include "Helper/linux/SelfInstaller.h"
 
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
-#include <fstream>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -19,12 +19,7 @@ namespace {
         fs::path installed = root / "usr/local/libexec/vespra-helper";
         fs::path activation = root / "usr/local/share/dbus-1/system-services/app.vespra.Helper.service";
 
-        SelfInstallerTest() { std::ofstream{program} << "the program"; }
-        static std::string text(const fs::path& path)
-        {
-            std::ifstream file{path};
-            return {std::istreambuf_iterator<char>{file}, {}};
-        }
+        SelfInstallerTest() { putText(program, "the program"); }
         int installedFiles() const
         {
             int count = 0;
@@ -38,17 +33,17 @@ namespace {
     {
         fs::permissions(program, fs::perms::all);
         ASSERT_TRUE(installer.install(program));
-        EXPECT_EQ(text(installed), "the program");
+        EXPECT_EQ(textOf(installed), "the program");
         struct stat status{};
         ASSERT_EQ(stat(installed.c_str(), &status), 0);
         EXPECT_EQ(status.st_mode & 07777, 0755u);
-        EXPECT_THAT(text(activation), testing::HasSubstr("\nExec=/usr/local/libexec/vespra-helper\n"));
-        EXPECT_THAT(text(root / "etc/systemd/system/vespra-helper.service"),
-            testing::HasSubstr("\nExecStart=/usr/local/libexec/vespra-helper\n"));
-        EXPECT_THAT(text(root / "etc/dbus-1/system.d/app.vespra.Helper.conf"),
-            testing::HasSubstr("<allow own=\"app.vespra.Helper\"/>"));
-        EXPECT_THAT(text(root / "usr/share/polkit-1/actions/app.vespra.Helper.policy"),
-            testing::HasSubstr("<action id=\"app.vespra.helper.closed-lid\">"));
+        for (const auto& [file, line] : std::vector<std::pair<fs::path, const char*>>{
+                 {activation, "\nExec=/usr/local/libexec/vespra-helper\n"},
+                 {root / "etc/systemd/system/vespra-helper.service", "\nExecStart=/usr/local/libexec/vespra-helper\n"},
+                 {root / "etc/dbus-1/system.d/app.vespra.Helper.conf", "<allow own=\"app.vespra.Helper\"/>"},
+                 {root / "usr/share/polkit-1/actions/app.vespra.Helper.policy", "<action id=\"app.vespra.helper."},
+             })
+            EXPECT_THAT(textOf(file).value_or(""), testing::HasSubstr(line));
         EXPECT_EQ(installedFiles(), 5);
         ASSERT_TRUE(installer.install(program)) << "an update";
         ASSERT_TRUE(installer.uninstall());
@@ -80,9 +75,7 @@ namespace {
 
     TEST_F(SelfInstallerTest, LeavesAPackageAlone)
     {
-        const auto packaged = root / "usr/share/dbus-1/system-services/app.vespra.Helper.service";
-        fs::create_directories(packaged.parent_path());
-        std::ofstream{packaged} << "[D-BUS Service]";
+        putText(root / "usr/share/dbus-1/system-services/app.vespra.Helper.service", "[D-BUS Service]");
         EXPECT_FALSE(installer.install(program));
         EXPECT_EQ(installedFiles(), 1);
     }

@@ -26,13 +26,13 @@ class Assertions(LabTest):
                 vespra = self.start(**variables)
                 self.wait_until_held(DELAY, *idle)
                 vespra.terminate()
-                self.assertEqual(self.output(vespra), ["Session ended"])
+                self.assertEqual(self.last_words(vespra), ["Session ended"])
                 self.wait_until_held()
 
                 vespra = self.start("--display", **variables)
                 self.wait_until_held(DELAY, *idle, *display)
                 vespra.terminate()
-                self.output(vespra)
+                self.last_words(vespra)
                 self.wait_until_held()
 
     def test_a_desktop_that_changes_is_followed(self):
@@ -54,14 +54,14 @@ class Assertions(LabTest):
         self.wait_until_held(*expected)
         self.assertEqual(self.doctor()[1]["verdict"], "listed")
         self.set(ac=0)  # and the readings are followed again
-        self.assertEqual(self.output(vespra), ["Session ended — charger unplugged"])
+        self.assertEqual(self.last_words(vespra), ["Session ended — charger unplugged"])
 
     def test_idle_action_is_blocked_exactly_during_a_session(self):
         vespra = self.start()
         self.wait_until_held(DELAY, IDLE)
         self.set(sleep="idle")
         vespra.terminate()
-        self.output(vespra)
+        self.last_words(vespra)
         self.wait_until_held()
         self.set(sleep="idle")
         self.assertEqual([event["blocked"] for event in self.events("idle-action")], [True, False])
@@ -70,7 +70,7 @@ class Assertions(LabTest):
         vespra = self.start()
         self.wait_until_held(DELAY, IDLE)
         self.set(sleep="now")
-        self.assertEqual(self.output(vespra), ["Session ended"])
+        self.assertEqual(self.last_words(vespra), ["Session ended"])
         self.wait_for(lambda: self.events("resumed"), "the resume")
         order = [event["event"] for event in self.events("release", "asleep", "resumed")]
         self.assertEqual(order, ["release", "release", "asleep", "resumed"])
@@ -93,7 +93,7 @@ class Assertions(LabTest):
         self.wait_for(lambda: self.events("resumed"), "the resume")
         self.assertEqual(self.held(), sorted([DELAY, IDLE]))
         os.kill(vespra.pid, signal.SIGCONT)
-        self.assertEqual(self.output(vespra), ["Session ended"])
+        self.assertEqual(self.last_words(vespra), ["Session ended"])
         self.wait_until_held()
 
     def test_the_doctor_finds_out_that_a_lock_is_gone(self):

@@ -3,12 +3,11 @@
 import datetime
 import json
 import os
-import pathlib
 import signal
 import subprocess
 import unittest
 
-from lab import BIN, LAB, SLOW, LabTest
+from lab import BIN, LAB, ON_BATTERY, SLOW, LabTest
 
 DELAY, IDLE, LID = "sleep:delay", "idle:block", "sleep:handle-lid-switch:block"
 A_MINUTE = 60 + SLOW  # seconds
@@ -27,35 +26,6 @@ class Day(LabTest):
         super().setUp()
         self.done("hooks", "connect", "claude")
 
-    def launch(self, *options):
-        with open(self.folder / "output", "w") as output:
-            application = self.spawn(BIN / "vespra", "--headless", "--idle", *options, stdout=output, stderr=output)
-        self.wait_for(lambda: self.ctl("status").returncode == 0, "an answer")
-        return application
-
-    def spawn(self, *command, **more):
-        process = subprocess.Popen([LAB / "run", *command], env=self.environment, stdin=subprocess.DEVNULL, text=True,
-                                   **more)
-        self.addCleanup(lambda: (process.kill(), process.communicate()))
-        return process
-
-    def ctl(self, *arguments):
-        return subprocess.run([LAB / "run", BIN / "vespractl", *arguments], env=self.environment, capture_output=True,
-                              text=True, timeout=SLOW)
-
-    def done(self, *arguments):
-        result = self.ctl(*arguments)
-        self.assertEqual((result.returncode, result.stderr), (0, ""), arguments)
-        return result.stdout
-
-    def status(self):
-        return json.loads(self.done("status", "--json"))
-
-    def hook(self, event):
-        text = json.dumps({"hook_event_name": event, "session_id": "a", "cwd": "/home/me/project"})
-        subprocess.run([LAB / "run", BIN / "vespra-agent", "claude"], input=text, text=True, check=True,
-                       env=self.environment, timeout=SLOW)
-
     def agents_work_and_finish(self):
         self.hook("UserPromptSubmit")
         self.hook("Stop")
@@ -64,11 +34,8 @@ class Day(LabTest):
         """Starts it, and the wait for its end."""
         self.assertIn("Awake until", self.done("start", *plan))
         self.wait_until_held(*held)
-        waiting = self.spawn(BIN / "vespractl", "wait", stdout=subprocess.PIPE)
-        # The application's own end, beside the socket that listens; the question follows at once.
-        path = f"{self.folder}/home/.local/share/Vespra/control.sock"
-        self.wait_for(lambda: pathlib.Path("/proc/net/unix").read_text().count(path) > 1, "the wait")
-        self.status()
+        waiting = self.ctl_later("wait")
+        self.wait_until_connected()
         return waiting
 
     def expect_end(self, waiting, status, words, limit=SLOW):
@@ -168,6 +135,7 @@ class Day(LabTest):
         self.lab("ui", "wait", "The computer will sleep in 1 minute.", str(SLOW))
         self.lab("ui", "click", "Cancel")
         self.wait_for(lambda: self.status()["pendingAction"] is None, "the cancellation")
+        self.wait_for(lambda: "Cancel" not in self.lab("ui", "list"), "the end of the notification")
         self.assertEqual(len(self.events("asleep")), asleep)
 
     def finish_and_sleep(self):
@@ -187,10 +155,7 @@ class Day(LabTest):
         self.expect_end(waiting, 17, "")
 
     def test_a_limit_on_battery_ends_the_session(self):
-        settings = self.folder / "settings.json"
-        settings.write_text(json.dumps({"energy": {
-            "requiresACPower": False, "stopsOnLowBattery": True, "lowBatteryThreshold": 20, "batteryTimeLimit": 2}}))
-        self.launch("--settings", settings)
+        self.launch(settings={"energy": dict(ON_BATTERY, batteryTimeLimit=2)})
         waiting = self.session("unlimited")
         self.set(ac=0)
         self.expect_end(waiting, 13, " — battery time limit reached")

@@ -4,12 +4,13 @@ import json
 import os
 import pathlib
 import subprocess
+import sys
 import tempfile
-import time
-import unittest
+
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "Support"))
+from driver import BIN, ON_BATTERY, DriverTest
 
 LAB = pathlib.Path(os.environ["VESPRA_LAB"])
-BIN = pathlib.Path(os.environ["VESPRA_BIN"])
 SLOW = 30  # seconds; never waited for unless something is broken
 
 HELPER = "app.vespra.Helper"
@@ -19,9 +20,11 @@ CALM = {"battery": 80, "ac": 1, "lid": "open", "display": "internal", "thermal":
         "sleep_for": 1}
 
 
-class LabTest(unittest.TestCase):
+class LabTest(DriverTest):
     """One laptop for all tests of a class; each starts from the same state of it."""
 
+    prefix = (LAB / "run",)
+    slow = SLOW
     notifications = "none"  # or the service that shows them: xfce, dunst, mock
 
     @classmethod
@@ -29,6 +32,8 @@ class LabTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="vespra-lab-")
         cls.addClassCleanup(folder.cleanup)
         cls.folder = pathlib.Path(folder.name) / "lab"
+        cls.support = cls.folder / "home/.local/share/Vespra"
+        cls.output = cls.folder / "output"
         cls.environment = dict(os.environ, LAB_DIR=str(cls.folder), LC_ALL="C", TZ="UTC")
         cls.addClassCleanup(lambda: cls.lab("down"))
         cls.lab("up", "--panel=none", f"--notify={cls.notifications}")
@@ -74,19 +79,13 @@ class LabTest(unittest.TestCase):
 
     def start(self, *options, settings=None, **variables):
         """vespra --headless --unlimited on the laptop, once it has said that it is awake."""
-        arguments = ["--headless", "--unlimited", *options]
-        if settings is not None:
-            file = self.folder / "settings.json"
-            file.write_text(json.dumps(settings))
-            arguments += ["--settings", str(file)]
-        process = subprocess.Popen(
-            [LAB / "run", "env", *(f"{key}={value}" for key, value in variables.items()), BIN / "vespra", *arguments],
-            env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-        self.addCleanup(lambda: (process.kill(), process.communicate()))
+        process = self.spawn("env", *(f"{key}={value}" for key, value in variables.items()), BIN / "vespra",
+                             "--headless", "--unlimited", *options, *self.settings_option(settings),
+                             stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.assertEqual(process.stdout.readline(), "Awake until you stop it.\n")
         return process
 
-    def output(self, process):
+    def last_words(self, process):
         """What it says from now on until it ends by itself, without an error."""
         out, err = process.communicate(timeout=SLOW)
         self.assertEqual((process.returncode, err), (0, ""))
@@ -94,21 +93,11 @@ class LabTest(unittest.TestCase):
 
     def doctor(self):
         """Its exit status and its answer."""
-        result = subprocess.run([LAB / "run", BIN / "vespractl", "doctor", "--json"], env=self.environment,
-                                capture_output=True, text=True, timeout=SLOW)
+        result = self.ctl("doctor", "--json")
         return result.returncode, json.loads(result.stdout)
 
-    def wait_for(self, condition, what="it", limit=SLOW):
-        end = time.monotonic() + limit
-        while not condition():
-            self.assertLess(time.monotonic(), end, f"{what} never happened")
-            time.sleep(0.02)
-
     def wait_until_held(self, *expected):
-        end = time.monotonic() + SLOW
-        while (held := self.held()) != sorted(expected):
-            self.assertLess(time.monotonic(), end, f"held to the end: {held}")
-            time.sleep(0.02)
+        self.wait_for(lambda: self.held() == sorted(expected), f"that {sorted(expected)} alone are held")
 
     def restart_services(self):
         """logind, UPower and the session's services crash, with all that they know, and are started again."""

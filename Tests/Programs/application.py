@@ -5,13 +5,14 @@ import os
 import pathlib
 import signal
 import socket
-import subprocess
+import sys
 import tempfile
-import time
-import unittest
 
-BIN = pathlib.Path(os.environ["VESPRA_BIN"])
-SLOW = 60  # seconds; never waited for unless something is broken
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "Support"))
+from driver import BIN, ON_BATTERY, DriverTest
+
+SLOW = DriverTest.slow
+HELD_BY_A_SESSION = ["PreventUserIdleSystemSleep", "activity"]
 
 
 class Connection:
@@ -45,7 +46,7 @@ class Connection:
         self.socket.close()
 
 
-class ApplicationTest(unittest.TestCase):
+class ApplicationTest(DriverTest):
     """Each test has a home of its own. Nothing runs in it until `launch`."""
 
     def setUp(self):
@@ -60,44 +61,13 @@ class ApplicationTest(unittest.TestCase):
         self.output = self.home / "output"
 
     def launch(self, *options, settings=None):
-        """The application, once it answers. What it prints is in `output`."""
-        if settings is not None:
-            (self.home / "settings.json").write_text(json.dumps(settings))
-            options += ("--settings", self.home / "settings.json")
-        with open(self.output, "ab") as output:
-            process = self.spawn(BIN / "vespra", "--headless", "--platform", "simulated", "--idle", *options,
-                                 stdout=output, stderr=output,
-                                 # A write beyond a limit is to fail as on a full disk.
-                                 preexec_fn=lambda: signal.signal(signal.SIGXFSZ, signal.SIG_IGN))
-        self.wait_for(lambda: self.ctl("status").returncode == 0 or process.poll() is not None)
-        self.assertIsNone(process.poll(), self.output.read_text())
-        return process
+        # A write beyond a limit is to fail as on a full disk.
+        return super().launch("--platform", "simulated", *options, settings=settings,
+                              preexec_fn=lambda: signal.signal(signal.SIGXFSZ, signal.SIG_IGN))
 
     def quit(self, process, number=signal.SIGTERM):
         process.send_signal(number)
         process.wait(SLOW)
-
-    def spawn(self, *command, **more):
-        """A program that is killed at the end of the test, if it still runs."""
-        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, text=True, **more)
-        self.addCleanup(lambda: (process.kill(), process.communicate()))
-        return process
-
-    def ctl(self, *arguments):
-        return subprocess.run([BIN / "vespractl", *arguments], env=self.environment, capture_output=True, text=True,
-                              timeout=SLOW, stdin=subprocess.DEVNULL)
-
-    def ctl_later(self, *arguments):
-        return self.spawn(BIN / "vespractl", *arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-
-    def done(self, *arguments):
-        """What it says to that; it must succeed."""
-        result = self.ctl(*arguments)
-        self.assertEqual((result.returncode, result.stderr), (0, ""), arguments)
-        return result.stdout
-
-    def status(self):
-        return json.loads(self.done("status", "--json"))
 
     def machine(self):
         return json.loads(self.done("machine", "get", "--json"))
@@ -107,23 +77,6 @@ class ApplicationTest(unittest.TestCase):
         self.addCleanup(connection.close)
         return connection
 
-    def wait_until_connected(self):
-        """Some program has a connection that it keeps, and has had time to ask."""
-        path = str(self.support / "control.sock")
-        # The application's own end, beside the socket that listens.
-        self.wait_for(lambda: pathlib.Path("/proc/net/unix").read_text().count(path) > 1)
-        self.status()
-
-    def hook(self, event, agent="claude", session="a"):
-        subprocess.run([BIN / "vespra-agent", agent], check=True, text=True, env=self.environment, timeout=SLOW,
-                       input=json.dumps({"hook_event_name": event, "session_id": session, "cwd": "/x"}))
-
     def connect_agent(self):
         (self.home / ".claude").mkdir()
         self.done("hooks", "connect", "claude")
-
-    def wait_for(self, condition):
-        end = time.monotonic() + SLOW
-        while not condition():
-            self.assertLess(time.monotonic(), end, "never happened")
-            time.sleep(0.01)

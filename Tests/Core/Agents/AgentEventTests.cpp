@@ -11,12 +11,8 @@ const Instant now = Instant::fromISO8601("2026-05-01T12:00:00Z").value();
 
 TEST(AgentEvent, ComesFromTheHookInput)
 {
-    struct Row {
-        const char* input;
-        std::optional<AgentSignal> signal;
-    };
-    for (const auto& row :
-        std::vector<Row>{
+    for (const auto& [input, signal] :
+        std::vector<std::pair<const char*, std::optional<AgentSignal>>>{
             {R"({"session_id":"s","hook_event_name":"SessionStart"})", AgentSignal::sessionStarted},
             {R"({"session_id":"s","hook_event_name":"UserPromptSubmit"})", AgentSignal::working},
             {R"({"session_id":"s","hook_event_name":"PostToolUse"})", AgentSignal::working},
@@ -49,23 +45,17 @@ TEST(AgentEvent, ComesFromTheHookInput)
             {R"({"session_id":"s","hook_event_name":"Stop","hook_event_name":1})", {}},
             {"{\"session_id\":\"\\u0073\",\"hook_event_name\":\"St\\u006fp\"}\n", AgentSignal::finished},
         }) {
-        SCOPED_TRACE(row.input);
-        const auto event = agentEvent(row.input, AgentKind::codex, now);
-        ASSERT_EQ(event.has_value(), row.signal.has_value());
-        if (event) {
-            EXPECT_EQ(
-                *event, (AgentEvent{.agent = AgentKind::codex, .sessionID = "s", .signal = *row.signal, .date = now}));
-        }
+        SCOPED_TRACE(input);
+        std::optional<AgentEvent> expected;
+        if (signal)
+            expected = AgentEvent{.agent = AgentKind::codex, .sessionID = "s", .signal = *signal, .date = now};
+        EXPECT_EQ(agentEvent(input, AgentKind::codex, now), expected);
     }
 }
 
 TEST(AgentEvent, OfANotificationFollowsItsTypeAndElseItsMessage)
 {
-    struct Row {
-        const char* members;
-        std::optional<AgentSignal> signal;
-    };
-    for (const auto& row : std::vector<Row>{
+    for (const auto& [members, signal] : std::vector<std::pair<std::string, std::optional<AgentSignal>>>{
              {R"("notification_type":"permission_prompt")", AgentSignal::waitingForApproval},
              {R"("notification_type":"agent_needs_input")", AgentSignal::waitingForApproval},
              {R"("notification_type":"elicitation_dialog")", AgentSignal::waitingForApproval},
@@ -81,10 +71,10 @@ TEST(AgentEvent, OfANotificationFollowsItsTypeAndElseItsMessage)
              {R"("message":["permission"])", {}},
              {R"("title":"permission")", {}},
          }) {
-        SCOPED_TRACE(row.members);
-        const auto input = R"({"session_id":"s","hook_event_name":"Notification",)" + std::string{row.members} + "}";
+        SCOPED_TRACE(members);
+        const auto input = R"({"session_id":"s","hook_event_name":"Notification",)" + members + "}";
         const auto event = agentEvent(input, AgentKind::claudeCode, now);
-        EXPECT_EQ(event ? std::optional{event->signal} : std::nullopt, row.signal);
+        EXPECT_EQ(event ? std::optional{event->signal} : std::nullopt, signal);
     }
 }
 
@@ -116,10 +106,7 @@ TEST(AgentEvent, IsOneLineOfJSON)
 
 TEST(AgentEvent, DecodingNamesWhatIsWrong)
 {
-    struct Row {
-        const char *line, *problem;
-    };
-    for (const auto& row : std::vector<Row>{
+    for (const auto& [line, problem] : std::vector<std::pair<const char*, const char*>>{
              {"", "expected JSON"},
              {"[]", "expected an object"},
              {R"({"sessionID":"s","signal":"working","date":1})", "agent: is missing"},
@@ -132,10 +119,9 @@ TEST(AgentEvent, DecodingNamesWhatIsWrong)
              {R"({"agent":"codex","sessionID":"","signal":"working","date":1})", "sessionID: must not be empty"},
              {R"({"agent":"codex","sessionID":"s","cwd":1,"signal":"working","date":1})", "cwd: expected a text"},
          }) {
-        SCOPED_TRACE(row.line);
-        const auto event = decodedAgentEvent(row.line);
-        ASSERT_FALSE(event);
-        EXPECT_EQ(event.error().description(), row.problem);
+        const auto event = decodedAgentEvent(line);
+        ASSERT_FALSE(event) << line;
+        EXPECT_EQ(event.error().description(), problem);
     }
 }
 

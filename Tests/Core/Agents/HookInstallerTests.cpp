@@ -1,24 +1,14 @@
 #include "Tests/Support/HookExamples.h"
+#include "Tests/Support/TextFiles.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 
 using namespace vespra;
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string contents(const fs::path& file)
-{
-    std::ifstream stream{file, std::ios::binary};
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
-}
 
 std::string outcome(const std::expected<std::string, HookInstaller::Failure>& result)
 {
@@ -40,11 +30,10 @@ TEST(HookInstaller, TurnsEachFileBeforeIntoTheFileAfter)
         const auto agent = fromRawValue<AgentKind>(before.stem().extension().string().substr(1));
         ASSERT_TRUE(agent);
         const auto installer = exampleInstaller(*agent);
-        const auto text = contents(before);
+        const auto text = textOf(before).value();
         const auto expect = [&](const char* extension, const std::string& result) {
-            const auto after = fs::path{before}.replace_extension(extension);
-            if (fs::exists(after)) {
-                EXPECT_EQ(result, contents(after));
+            if (const auto after = textOf(fs::path{before}.replace_extension(extension))) {
+                EXPECT_EQ(result, *after);
                 ++checked;
             }
         };
@@ -60,9 +49,6 @@ TEST(HookInstaller, AnAbsentFileGetsWhatThePreviewShows)
 {
     const auto installer = exampleInstaller(AgentKind::codex);
     EXPECT_EQ(installer.installing({}), installer.preview() + "\n");
-    EXPECT_TRUE(
-        installer.preview().starts_with("{\n  \"hooks\": {\n    \"SessionStart\": [\n      {\n        \"hooks\": [\n"
-                                        "          {\n            \"type\": \"command\",\n"));
 }
 
 TEST(HookInstaller, CountsTheEventsThatHaveOurs)

@@ -3,12 +3,12 @@
 #include "Tests/Support/FaultyFiles.h"
 #include "Tests/Support/HookExamples.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <fstream>
-#include <sstream>
+#include <set>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,30 +48,17 @@ struct Home {
         return settings().installer.installing(text).value();
     }
 
-    void write(const std::string& text) const { std::ofstream{file, std::ios::binary} << text; }
-    static std::optional<std::string> read(const fs::path& path)
+    void write(std::string_view text) const { putText(file, text); }
+    std::optional<std::string> text() const { return textOf(file); }
+    std::multiset<std::string> backups() const
     {
-        std::ifstream stream{path, std::ios::binary};
-        if (!stream)
-            return {};
-        std::ostringstream text;
-        text << stream.rdbuf();
-        return text.str();
-    }
-    std::optional<std::string> text() const { return read(file); }
-    std::vector<std::string> backups() const
-    {
-        std::vector<std::string> texts;
+        std::multiset<std::string> texts;
         if (fs::exists(work / "backups"))
             for (const auto& entry : fs::directory_iterator{work / "backups"})
-                texts.push_back(read(entry).value());
+                texts.insert(textOf(entry).value());
         return texts;
     }
-    bool hasBackup(const std::string& text) const
-    {
-        const auto all = backups();
-        return std::ranges::find(all, text) != all.end();
-    }
+    bool hasBackup(const std::string& text) const { return backups().contains(text); }
     bool hasTemporaryFiles() const
     {
         for (const auto& entry : fs::recursive_directory_iterator{directory.path()})
@@ -115,9 +102,9 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
         const Home home{text};
         ASSERT_TRUE(home.settings().connect(now));
         EXPECT_EQ(home.text(), home.installed(text));
-        EXPECT_EQ(home.backups(), text ? std::vector{*text} : std::vector<std::string>{});
+        EXPECT_EQ(home.backups(), text ? std::multiset{*text} : std::multiset<std::string>{});
 
-        const auto record = nlohmann::json::parse(Home::read(home.work / "claude.json").value());
+        const auto record = nlohmann::json::parse(textOf(home.work / "claude.json").value());
         EXPECT_EQ(record.contains("original"), text.has_value());
         EXPECT_EQ(record["written"], *home.text());
 
@@ -127,15 +114,19 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
     }
 }
 
-TEST(HookSettingsFile, DisconnectingKeepsWhatCameInBetween)
+TEST(HookSettingsFile, DisconnectingKeepsWhatCameInBetweenAndNeverPutsHooksOfOursBack)
 {
-    const Home home{"{}\n"};
-    ASSERT_TRUE(home.settings().connect(now));
-    auto changed = OrderedJSON::parse(home.text().value()).value().setting("model", "x").formatted();
-    home.write(changed);
-    ASSERT_TRUE(home.settings().disconnect(now));
-    EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
-    EXPECT_TRUE(home.hasBackup(changed));
+    for (const auto& [before, changesInBetween] : {std::pair{"{}\n", true}, {partlyOurs, true}, {partlyOurs, false}}) {
+        SCOPED_TRACE(before);
+        const Home home{before};
+        ASSERT_TRUE(home.settings().connect(now));
+        if (changesInBetween)
+            home.write(OrderedJSON::parse(home.text().value())->setting("model", "x").formatted());
+        const auto changed = home.text().value();
+        ASSERT_TRUE(home.settings().disconnect(now));
+        EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
+        EXPECT_TRUE(home.hasBackup(changed));
+    }
 }
 
 TEST(HookSettingsFile, ConnectingAgainChangesNothing)
@@ -144,20 +135,11 @@ TEST(HookSettingsFile, ConnectingAgainChangesNothing)
     ASSERT_TRUE(home.settings().connect(now));
     const auto laidOutByHand = std::string{"\n"} + home.text().value();
     home.write(laidOutByHand);
-    const auto record = Home::read(home.work / "claude.json");
+    const auto record = textOf(home.work / "claude.json");
     ASSERT_TRUE(home.settings().connect(now));
     EXPECT_EQ(home.text(), laidOutByHand);
-    EXPECT_EQ(Home::read(home.work / "claude.json"), record);
+    EXPECT_EQ(textOf(home.work / "claude.json"), record);
     EXPECT_EQ(home.backups().size(), 1u);
-}
-
-TEST(HookSettingsFile, NeverPutsHooksOfOursBack)
-{
-    const Home home{partlyOurs};
-    ASSERT_TRUE(home.settings().connect(now));
-    EXPECT_EQ(home.settings().connection(), Connection::connected);
-    ASSERT_TRUE(home.settings().disconnect(now));
-    EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
 }
 
 TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
@@ -173,32 +155,23 @@ TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
     EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
     EXPECT_TRUE(home.settings().disconnect(now));
     fs::remove(home.file);
+    EXPECT_TRUE(home.settings().disconnect(now)) << "a deleted file needs none";
+    EXPECT_FALSE(fs::exists(home.file));
     ASSERT_EQ(mkfifo(home.file.c_str(), 0600), 0);
     EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
     EXPECT_TRUE(fs::is_fifo(home.file));
 }
 
-TEST(HookSettingsFile, ADeletedFileNeedsNoDisconnecting)
-{
-    const Home home{"{}"};
-    ASSERT_TRUE(home.settings().connect(now));
-    fs::remove(home.file);
-    EXPECT_TRUE(home.settings().disconnect(now));
-    EXPECT_FALSE(fs::exists(home.file));
-    EXPECT_TRUE(fs::exists(home.work / "claude.json"));
-}
-
 TEST(HookSettingsFile, KeepsEveryBackupOfOneSecondAndBytesThatAreNoText)
 {
     const Home home;
-    const std::vector<std::string> texts{"\xFF\xFE{", "{\"a\":1}", "{\"a\":2}", ""};
+    const std::multiset<std::string> texts{"\xFF\xFE{", "{\"a\":1}", "{\"a\":2}", ""};
     for (const auto& text : texts) {
         home.write(text);
         ASSERT_TRUE(home.settings().connect(now));
         EXPECT_EQ(home.settings().connection(), Connection::connected);
     }
-    for (const auto& text : texts)
-        EXPECT_TRUE(home.hasBackup(text)) << text;
+    EXPECT_EQ(home.backups(), texts);
     EXPECT_TRUE(fs::exists(home.work / "backups/claude-settings.json-2026-01-31T09-15-00Z"));
     EXPECT_TRUE(fs::exists(home.work / "backups/claude-settings.json-2026-01-31T09-15-00Z-4"));
 }
@@ -235,10 +208,10 @@ TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
 {
     for (const char* text : {"{}", static_cast<const char*>(nullptr)}) {
         const Home home;
-        fs::create_directories(home.directory / "dotfiles/claude");
         const auto target = home.directory / "dotfiles/claude/settings.json";
-        if (text)
-            std::ofstream{target} << text;
+        putText(target, text ? text : "");
+        if (!text)
+            fs::remove(target);
         fs::create_symlink("claude/settings.json", home.directory / "dotfiles/link");
         fs::create_symlink(home.directory / "dotfiles/link", home.directory / ".claude/second");
         fs::create_symlink("../.claude/second", home.file);
@@ -248,7 +221,7 @@ TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
         EXPECT_TRUE(fs::is_symlink(home.file) && fs::is_symlink(home.directory / "dotfiles/link"));
         EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
         ASSERT_TRUE(home.settings().disconnect(now));
-        EXPECT_EQ(Home::read(target), text ? std::optional<std::string>{text} : std::nullopt);
+        EXPECT_EQ(textOf(target), text ? std::optional<std::string>{text} : std::nullopt);
         EXPECT_TRUE(fs::is_symlink(home.file));
     }
     const Home home;
@@ -258,25 +231,22 @@ TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
 
 TEST(HookSettingsFile, ComputesAgainWhatSomebodyElseChangedMeanwhile)
 {
-    struct Row {
-        int changes;
-        bool succeeds;
-    };
-    for (const auto& row : {Row{1, true}, Row{2, true}, Row{3, false}}) {
-        SCOPED_TRACE(row.changes);
+    for (const int most : {1, 2, 3}) {
+        SCOPED_TRACE(most);
+        const bool succeeds = most < 3;
         const Home home{"{}"};
         FaultyFiles files;
         int changes = 0;
         // Ours is about to take the file's place.
         files.afterSync = [&] {
-            if (fs::exists(home.directory / ".claude/.settings.json.vespra-1") && changes < row.changes)
+            if (fs::exists(home.directory / ".claude/.settings.json.vespra-1") && changes < most)
                 home.write("{\"change\":" + std::to_string(++changes) + "}");
         };
         const auto connected = home.settings(files).connect(now);
-        const auto theirs = "{\"change\":" + std::to_string(row.changes) + "}";
-        EXPECT_EQ(connected.has_value(), row.succeeds);
-        EXPECT_EQ(home.text(), row.succeeds ? home.installed(theirs) : theirs);
-        EXPECT_EQ(home.hasBackup(theirs), row.succeeds);
+        const auto theirs = "{\"change\":" + std::to_string(most) + "}";
+        EXPECT_EQ(connected.has_value(), succeeds);
+        EXPECT_EQ(home.text(), succeeds ? home.installed(theirs) : theirs);
+        EXPECT_EQ(home.hasBackup(theirs), succeeds);
         EXPECT_FALSE(home.hasTemporaryFiles());
     }
 }

@@ -11,10 +11,7 @@ OrderedJSON parsed(std::string_view text) { return OrderedJSON::parse(text).valu
 
 TEST(OrderedJSON, PrintsWhatItRead)
 {
-    struct Row {
-        std::string text, printed;
-    };
-    for (const auto& row : std::vector<Row>{
+    for (const auto& [text, printed] : std::vector<std::pair<std::string, std::string>>{
              {R"({"b":1,"a":2,"b":null})", "{\n  \"b\": 1,\n  \"a\": 2,\n  \"b\": null\n}"},
              {"\t[1.0, 2e10,\r\n-0, 01, +1, 5., .5, 12345678901234567890, 1E-400] ",
                  "[\n  1.0,\n  2e10,\n  -0,\n  01,\n  +1,\n  5.,\n  .5,\n  12345678901234567890,\n  1E-400\n]"},
@@ -28,16 +25,12 @@ TEST(OrderedJSON, PrintsWhatItRead)
              // Around the eight bytes that are looked at together.
              {R"("1234567\"1234567\\12345678é1234567")", R"("1234567\"1234567\\12345678é1234567")"},
          })
-        EXPECT_EQ(parsed(row.text).formatted(), row.printed) << row.text;
+        EXPECT_EQ(parsed(text).formatted(), printed) << text;
 }
 
 TEST(OrderedJSON, NamesTheFirstByteThatIsWrong)
 {
-    struct Row {
-        std::string text;
-        std::size_t offset;
-    };
-    for (const auto& row : std::vector<Row>{
+    for (const auto& [text, offset] : std::vector<std::pair<std::string, std::size_t>>{
              {"", 0},
              {" \n", 2},
              {"{}  x", 4},
@@ -82,9 +75,9 @@ TEST(OrderedJSON, NamesTheFirstByteThatIsWrong)
              {"\"\xF5\x80\x80\x80\"", 1},
              {"\"12345678\xE2\x82\"", 9},
          }) {
-        const auto result = OrderedJSON::parse(row.text);
-        ASSERT_FALSE(result) << row.text;
-        EXPECT_EQ(result.error().offset, row.offset) << row.text;
+        const auto result = OrderedJSON::parse(text);
+        ASSERT_FALSE(result) << text;
+        EXPECT_EQ(result.error().offset, offset) << text;
     }
 }
 

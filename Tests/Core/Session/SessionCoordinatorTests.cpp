@@ -24,17 +24,18 @@ public:
     void sessionDidEnd() override { calls += onChange ? "end-too-early " : "end "; }
 };
 
-struct Fixture : testing::Test {
+struct Coordinator : testing::Test {
     VirtualTime time{Instant::fromISO8601("2026-01-01T12:00:00Z").value()};
     FakePowerSource power{charger(80)};
     FakeThermal thermal;
     std::optional<SessionCoordinator> coordinator;
     SessionEvents events;
+    const std::shared_ptr<ScriptedCondition> condition = std::make_shared<ScriptedCondition>();
     const Instant start = time.now();
 
-    explicit Fixture(SessionSettings settings = roaming())
+    Coordinator()
     {
-        coordinator.emplace(settings,
+        coordinator.emplace(roaming(),
             Calendar::inZone("UTC").value(),
             SessionEnvironment{.clock = time, .scheduler = time, .power = power, .thermal = thermal},
             helper::Ready{});
@@ -50,24 +51,6 @@ struct Fixture : testing::Test {
     }
 };
 
-using Coordinator = Fixture;
-
-TEST_F(Coordinator, KeepsOneDeadlineAndFiresItOnTime)
-{
-    EXPECT_EQ(deadline(), std::nullopt);
-    ASSERT_TRUE(coordinator->start(plan::Timer{10min}, {}));
-    EXPECT_EQ(taken(), "started");
-    EXPECT_EQ(deadline(), 5min);
-    time.advance(5min);
-    EXPECT_EQ(taken(), "endingSoon");
-    EXPECT_EQ(deadline(), 10min);
-    time.advance(Seconds{299.9});
-    EXPECT_EQ(taken(), "");
-    time.advance(Seconds{0.1});
-    EXPECT_EQ(taken(), "ended timeElapsed");
-    EXPECT_EQ(deadline(), std::nullopt);
-}
-
 TEST_F(Coordinator, AComputerThatSleptOverTheEndEndsAtTheWakeUp)
 {
     ASSERT_TRUE(coordinator->start(plan::Timer{10min}, {}));
@@ -76,7 +59,7 @@ TEST_F(Coordinator, AComputerThatSleptOverTheEndEndsAtTheWakeUp)
     EXPECT_EQ(coordinator->state().lastEnd()->date, start + 3h);
 }
 
-TEST_F(Coordinator, ReadingsMoveTheDeadline)
+TEST_F(Coordinator, ReadingsAndSettingsMoveTheOneDeadline)
 {
     auto settings = roaming();
     settings.energy.batteryTimeLimit = 1h;
@@ -88,21 +71,16 @@ TEST_F(Coordinator, ReadingsMoveTheDeadline)
     EXPECT_EQ(deadline(), 61min);
     power.report(charger(80));
     EXPECT_EQ(deadline(), std::nullopt);
-    power.report(battery(20));
-    EXPECT_EQ(taken(), "started, ended lowBattery 20");
-}
-
-TEST_F(Coordinator, SettingsTakeEffectAtOnce)
-{
     power.report(battery(80));
-    ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}));
-    coordinator->setSettings({});
-    EXPECT_EQ(taken(), "started, ended chargerDisconnected");
+    settings.energy.batteryTimeLimit.reset();
+    coordinator->setSettings(settings);
+    EXPECT_EQ(deadline(), std::nullopt);
+    coordinator->systemWillSleep();
+    EXPECT_EQ(taken(), "started, ended systemSleep");
 }
 
 TEST_F(Coordinator, EndConditionTakesPartFromStartToEnd)
 {
-    const auto condition = std::make_shared<ScriptedCondition>();
     condition->deadline = start + 7min;
     ASSERT_TRUE(coordinator->start(plan::Timer{10min}, {}, condition));
     time.advance(5min);
@@ -112,28 +90,18 @@ TEST_F(Coordinator, EndConditionTakesPartFromStartToEnd)
     notify(condition->onChange);
     EXPECT_EQ(deadline(), 10min);
 
+    condition->deadline = start + 9min;
     condition->verdict = end::AgentsFinished{};
     notify(condition->onChange);
     EXPECT_EQ(taken(), "started, endingSoon, ended agentsFinished");
-    EXPECT_EQ(condition->calls, "begin end ");
+    EXPECT_EQ(deadline(), std::nullopt);
     coordinator->stop(end::StoppedByUser{});
     EXPECT_EQ(taken(), "");
     EXPECT_EQ(condition->calls, "begin end ");
 }
 
-TEST_F(Coordinator, NoDeadlineOfAnEndConditionOutlivesItsSession)
-{
-    const auto condition = std::make_shared<ScriptedCondition>();
-    condition->deadline = start + 7min;
-    ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, condition));
-    EXPECT_EQ(deadline(), 7min);
-    coordinator->stop(end::StoppedByUser{});
-    EXPECT_EQ(deadline(), std::nullopt);
-}
-
 TEST_F(Coordinator, AGuardrailWinsOverTheEndCondition)
 {
-    const auto condition = std::make_shared<ScriptedCondition>();
     ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, condition));
     condition->verdict = end::AgentsFinished{};
     power.report(battery(5));
@@ -142,7 +110,6 @@ TEST_F(Coordinator, AGuardrailWinsOverTheEndCondition)
 
 TEST_F(Coordinator, AnEndConditionMayEndTheSessionAtOnce)
 {
-    const auto condition = std::make_shared<ScriptedCondition>();
     condition->verdict = end::AgentsFinished{};
     ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, condition));
     EXPECT_EQ(taken(), "started, ended agentsFinished");
@@ -151,7 +118,6 @@ TEST_F(Coordinator, AnEndConditionMayEndTheSessionAtOnce)
 TEST_F(Coordinator, ARefusedStartDoesNotTouchTheEndCondition)
 {
     power.report(battery(10));
-    const auto condition = std::make_shared<ScriptedCondition>();
     const auto refused = coordinator->start(plan::Unlimited{}, {}, condition);
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error(), StartRefusal{refusal::BatteryTooLow{10}});
@@ -184,7 +150,6 @@ TEST_F(Coordinator, ASinkMayStartTheNextSession)
 
 TEST_F(Coordinator, CallbacksOutliveItAndDoNothing)
 {
-    const auto condition = std::make_shared<ScriptedCondition>();
     ASSERT_TRUE(coordinator->start(plan::Timer{60s}, {}, condition));
     taken();
     coordinator.reset();
@@ -194,13 +159,6 @@ TEST_F(Coordinator, CallbacksOutliveItAndDoNothing)
     time.advance(1h);
     EXPECT_EQ(taken(), "");
     EXPECT_EQ(time.pendingDeadlines(), 0u);
-}
-
-TEST_F(Coordinator, SleepEndsTheSessionSilently)
-{
-    ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}));
-    coordinator->systemWillSleep();
-    EXPECT_EQ(taken(), "started, ended systemSleep");
 }
 
 TEST_F(Coordinator, ReportsACallFromAnotherThread)

@@ -1,0 +1,95 @@
+"""vespractl run: a session for as long as a command runs."""
+
+import os
+import signal
+import subprocess
+import sys
+import unittest
+
+from application import BIN, SLOW, ApplicationTest
+
+
+class Run(ApplicationTest):
+    def test_the_commands_status_is_passed_on(self):
+        self.launch()
+        (self.home / "text").write_text("no program")
+        for command, status in (
+            (["true"], 0), (["sh", "-c", "exit 7"], 7), (["sh", "-c", "kill -TERM $$"], 128 + signal.SIGTERM),
+            (["sh", "-c", "kill -KILL $$"], 128 + signal.SIGKILL), (["/none"], 127), ([str(self.home / "text")], 126),
+            (["echo", "--display", "-x"], 0),
+        ):
+            with self.subTest(command=command):
+                result = self.ctl("run", "--", *command)
+                self.assertEqual(result.returncode, status, result.stderr)
+                self.wait_for(lambda: self.status()["state"] == "idle")
+        self.assertEqual(result.stdout, "--display -x\n")
+        self.done("start", "timer", "5m")
+        self.assertEqual(self.ctl("run", "--", "touch", self.home / "ran").returncode, 1)
+        self.assertFalse((self.home / "ran").exists())
+
+    def running(self, *options, script="echo up; exec sleep 60", prefix=()):
+        """A run whose command has started."""
+        process = self.spawn(*prefix, BIN / "vespractl", "run", *options, "--", "sh", "-c", script,
+                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
+        self.addCleanup(lambda: self.kill_group(process))
+        self.assertEqual(process.stdout.readline(), "up\n")
+        return process
+
+    @staticmethod
+    def kill_group(process):
+        try:
+            os.killpg(process.pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+
+    def test_runs_share_a_session_that_ends_with_the_last_of_them_also_when_it_is_killed(self):
+        self.launch()
+        first, second = self.running("--display"), self.running()
+        status = self.status()
+        self.assertEqual((status["mode"], status["requirements"]["preventsDisplaySleep"]), ("unlimited", True))
+        first.kill()
+        first.wait(SLOW)
+        self.assertEqual(self.status()["state"], "active")
+        second.kill()
+        self.wait_for(lambda: self.status()["state"] == "idle")
+        self.assertEqual(self.machine()["held"], [])
+
+    def test_a_run_that_is_gone_before_it_is_answered_leaves_no_session(self):
+        self.launch()
+        for _ in range(20):
+            connection = self.connect()
+            connection.send({"request": "run"})
+            connection.close()
+        self.wait_for(lambda: self.status()["state"] == "idle")
+        self.assertEqual(self.machine()["held"], [])
+
+    def test_the_command_goes_on_when_its_session_is_stopped_and_gets_the_signals(self):
+        self.launch()
+        run = self.running(script='trap "echo told; exit 3" TERM; echo up; while :; do sleep 0.05; done')
+        self.done("stop")
+        self.assertEqual(run.stderr.readline(), "Session ended\n")
+        self.done("start", "timer", "5m")  # one of the user's own, which the end of the run leaves alone
+        self.assertIsNone(run.poll())
+        run.terminate()
+        self.assertEqual((run.wait(SLOW), run.stdout.read()), (3, "told\n"))
+        self.assertEqual(self.status()["mode"], "timer")
+
+    def test_a_command_that_outlived_its_session_has_no_part_in_the_next_one(self):
+        self.launch()
+        self.running()
+        self.done("stop")
+        second = self.running()
+        second.kill()
+        self.wait_for(lambda: self.status()["state"] == "idle")
+
+    def test_a_signal_that_was_ignored_before_stays_ignored(self):
+        self.launch()
+        run = self.running(script="echo up; sleep 1; echo survived", prefix=("nohup",))
+        os.killpg(run.pid, signal.SIGHUP)
+        self.assertEqual(run.wait(SLOW), 0)
+        self.assertEqual(run.stdout.read(), "survived\n")
+
+
+if __name__ == "__main__":
+    sys.argv[:1] = ["run_test"]
+    unittest.main()
