@@ -2,6 +2,7 @@
 import json
 import os
 import pathlib
+import random
 import shutil
 import signal
 import subprocess
@@ -139,6 +140,16 @@ class DaemonTest(unittest.TestCase):
         self.assert_untouched()
         self.assertFalse(client.Heartbeat())
 
+    def test_the_last_of_two_clients_restores(self):
+        self.start()
+        first, second = Client(), Client()
+        first.EnableClosedLid()
+        second.EnableClosedLid()
+        first.RestoreSleep()
+        self.assertTrue(self.is_held())
+        second.bus.close()
+        self.assert_untouched()
+
     def test_a_killed_client_is_let_go_at_once_and_a_stopped_one_with_its_lease(self):
         for how, lease in ((signal.SIGKILL, 25), (signal.SIGSTOP, 1)):
             with self.subTest(how=how):
@@ -193,10 +204,15 @@ class DaemonTest(unittest.TestCase):
                 self.assert_untouched()
 
     def test_refuses_without_changing_anything(self):
-        for changes in {"polkit": "deny"}, {"polkit": "broken"}, {"inhibitFails": True}:
-            with self.subTest(changes=changes):
+        for what, changes, state_is_a_file in (("no right", {"polkit": "deny"}, False),
+                                               ("no policy", {"polkit": "broken"}, False),
+                                               ("no ledger", {}, True),
+                                               ("no lock", {"inhibitFails": True}, False)):
+            with self.subTest(what=what):
                 self.set(polkit="allow", inhibitFails=False)
                 self.set(**changes)
+                if state_is_a_file:
+                    self.state.write_text("")
                 self.start()
                 client = Client()
                 self.assertTrue(client.refused("EnableClosedLid"))
@@ -205,6 +221,9 @@ class DaemonTest(unittest.TestCase):
                 if "polkit" in changes:
                     self.assertTrue(client.refused("SleepNow") and client.refused("ShutDown"))
                     self.assertEqual(self.deeds(), [])
+                self.end(signal.SIGKILL)
+                if state_is_a_file:
+                    self.state.unlink()
 
     def test_asks_polkit_about_the_connection(self):
         client = self.enabled()
@@ -264,6 +283,43 @@ class DaemonTest(unittest.TestCase):
         self.assertIsNone(self.daemon.poll())
         client.RestoreSleep()
         self.assertEqual(self.daemon.wait(5), 0)
+
+    def test_any_order_of_clients_and_kills_keeps_the_promise(self):
+        seed = random.randrange(10**6)
+        choose = random.Random(seed)
+        lease, slack = 0.15, 0.25
+        self.start(lease=lease)
+        clients, last_sign = [Client(), Client()], 0.0
+        for _ in range(1000):
+            which = choose.randrange(2)
+            event = choose.choice(["enable", "enable", "heartbeat", "restore", "vanish", "kill", "wait"])
+            try:
+                if event == "enable":
+                    clients[which].EnableClosedLid()
+                    last_sign = time.monotonic()
+                elif event == "heartbeat" and clients[which].Heartbeat():
+                    last_sign = time.monotonic()
+                elif event == "restore":
+                    clients[which].RestoreSleep()
+                elif event == "vanish":
+                    clients[which].bus.close()
+                    clients[which] = Client()
+                elif event == "kill":
+                    self.end(signal.SIGKILL)
+                    wait("no lock without a helper", lambda: not self.is_held())
+                    self.start(lease=lease)
+                    self.assertFalse(self.ledger.exists())
+                else:
+                    time.sleep(choose.random() ** 8)  # seldom as long as a lease
+            except dbus.DBusException as error:
+                self.fail(f"seed {seed}: {event}: {error}")
+            # In this order: a lease that runs out in between takes the lock before the record.
+            is_recorded = self.ledger.exists()
+            if self.is_held():
+                self.assertLess(time.monotonic() - last_sign, lease + slack, f"seed {seed}")
+                self.assertTrue(is_recorded, f"seed {seed}")
+        time.sleep(lease + slack)
+        self.assert_untouched()
 
     def test_the_installed_helper_takes_no_options_but_these(self):
         for arguments, status in ((["--help"], 0), (["--lease", "1000"], 2), (["--install", "/tmp"], 2)):

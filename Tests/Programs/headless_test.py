@@ -9,6 +9,7 @@ import unittest
 from application import BIN, SLOW, ApplicationTest
 
 MACHINE = "Mac" if sys.platform == "darwin" else "computer"
+FINISHED = f'Notification "Codex finished in x": Your {MACHINE} can go to sleep again.'
 SLEEP_AT_ONCE = {"graceDelay": 0, "waitingCountsAsFinished": True, "endAction": "sleepNow"}
 
 
@@ -57,7 +58,7 @@ class Headless(ApplicationTest):
         time.sleep(1.2)
         self.assertIsNone(process.poll(), "ended while the second agent works")
         self.hook("Stop", agent="codex")
-        self.assertEqual(self.finish(process), (0, "Session ended — agents finished\n", ""))
+        self.assertEqual(self.finish(process), (0, "Session ended — agents finished\n", f"{FINISHED}\n"))
 
     def test_closed_lid_mode_is_told_of_and_ends_by_heat(self):
         process, line = self.started("--unlimited", "--closed-lid")

@@ -64,6 +64,7 @@ protected:
         LocalClient{path}.write(line("end"));
         EXPECT_TRUE(loop.runUntil([this] { return !events.empty() && events.back().sessionID == "end"; }));
         std::vector<std::string> ids;
+        ids.reserve(events.size());
         for (const auto& event : events)
             ids.push_back(event.sessionID);
         if (!ids.empty())
@@ -163,14 +164,16 @@ TEST_F(AgentSocketServerTest, WaitsForSlowClientsButOnlyASecondForSilentOnes)
 TEST_F(AgentSocketServerTest, ReceivesEveryEventOfManyClientsAtOnce)
 {
     const auto server = started();
+    constexpr std::size_t count = 200;
     std::vector<std::thread> clients;
-    for (int i = 0; i < 200; ++i)
+    clients.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
         clients.emplace_back([this, i] { LocalClient{path}.write(line(std::to_string(i)) + "\n"); });
     for (auto& client : clients)
         client.join();
     const auto ids = idsOnceAllIsRead();
-    EXPECT_EQ(ids.size(), 200u);
-    EXPECT_EQ(std::set(ids.begin(), ids.end()).size(), 200u);
+    EXPECT_EQ(ids.size(), count);
+    EXPECT_EQ(std::set(ids.begin(), ids.end()).size(), count);
 }
 
 TEST_F(AgentSocketServerTest, KeepsOtherUsersOutWhateverTheUmask)
