@@ -123,8 +123,7 @@ class DaemonTest(unittest.TestCase):
         return client
 
     def assert_untouched(self):
-        wait("no lock", lambda: not self.is_held())
-        self.assertFalse(self.ledger.exists())
+        wait("no lock and no record", lambda: not self.is_held() and not self.ledger.exists())
 
     def test_applies_and_restores(self):
         self.start()

@@ -16,11 +16,13 @@ TEST(LocalSocketServer, RestsWhileDescriptorsHaveRunOut)
     const QtApplication application;
     const TemporaryDirectory folder;
     const std::string path = folder / "a.sock";
-    int accepted = 0;
-    LocalSocketServer server{[&](const FileDescriptor&) { ++accepted; }};
+    std::vector<std::unique_ptr<LocalSocket>> accepted;
+    LocalSocketServer server{[&](FileDescriptor connection) {
+        accepted.push_back(std::make_unique<LocalSocket>(std::move(connection), 100));
+    }};
     ASSERT_TRUE(server.listen(path));
     const LocalClient before{path};
-    QtApplication::runUntil([&] { return accepted == 1; });
+    QtApplication::runUntil([&] { return accepted.size() == 1; });
     LocalClient client;
     std::optional<DescriptorFamine> famine{std::in_place};
     ASSERT_TRUE(client.connect(path));
@@ -30,9 +32,9 @@ TEST(LocalSocketServer, RestsWhileDescriptorsHaveRunOut)
     watch.start();
     QtApplication::runUntil([&] { return watch.hasExpired(350); });
     EXPECT_LT(turns, 30);
-    EXPECT_EQ(accepted, 1);
+    EXPECT_EQ(accepted.size(), 1u);
     famine.reset();
-    QtApplication::runUntil([&] { return accepted == 2; });
+    QtApplication::runUntil([&] { return accepted.size() == 2; });
 }
 
 } // namespace vespra
