@@ -1,6 +1,12 @@
 #include "App/Agents/AgentIntegration.h"
 
 #include "Core/Files/SafeWriting.h"
+#include "HelperProtocol/FileDescriptor.h"
+
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace vespra {
 
@@ -18,10 +24,36 @@ namespace {
         return text + "\"";
     }
 
-    bool isExecutable(const FileContents& file) { return file.attributes.mode & 0100; }
+    /// A regular file that its owner may run.
+    bool isProgram(const FileDescriptor& file)
+    {
+        struct stat status{};
+        return fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && (status.st_mode & S_IXUSR);
+    }
+
+    /// Whether `place` is the program `tool`, byte for byte. Compared in pieces, for that is done at every start.
+    bool isCopy(const std::filesystem::path& place, const std::filesystem::path& tool)
+    {
+        const auto opened
+            = [](const auto& path) { return FileDescriptor{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)}; };
+        const auto copy = opened(place), original = opened(tool);
+        if (!copy || !original || !isProgram(copy))
+            return false;
+        char copied[64 * 1024], wanted[sizeof copied];
+        while (true) {
+            const auto count = read(original.get(), wanted, sizeof wanted);
+            if (count < 0 || read(copy.get(), copied, sizeof copied) != count
+                || std::memcmp(copied, wanted, static_cast<std::size_t>(count)) != 0)
+                return false;
+            if (count == 0)
+                return true;
+        }
+    }
 
     FileSystem::Result<void> copyTool(const std::filesystem::path& tool, const std::filesystem::path& place)
     {
+        if (isCopy(place, tool))
+            return {};
         auto& files = systemFiles();
         const auto wanted = files.read(tool);
         if (!wanted)
@@ -30,10 +62,6 @@ namespace {
             return std::unexpected{std::make_error_code(std::errc::no_such_file_or_directory)};
         if (const auto created = createDirectories(files, place.parent_path()); !created)
             return created;
-        // What cannot be read is replaced as well.
-        const auto present = files.read(place);
-        if (present && *present && (*present)->bytes == (*wanted)->bytes && isExecutable(**present))
-            return {};
         return writeSafely(files, place, (*wanted)->bytes, {.mode = 0700, .owner = {}});
     }
 

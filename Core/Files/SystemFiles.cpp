@@ -48,9 +48,11 @@ namespace {
         int descriptor_;
     };
 
-    std::expected<std::string, std::error_code> allBytes(int descriptor)
+    /// `likelySize` only spares copying.
+    std::expected<std::string, std::error_code> allBytes(int descriptor, std::size_t likelySize)
     {
         std::string bytes;
+        bytes.reserve(likelySize);
         char piece[64 * 1024];
         while (true) {
             const auto count = ::read(descriptor, piece, sizeof piece);
@@ -93,7 +95,7 @@ namespace {
                 return lastError();
             if (!S_ISREG(status.st_mode))
                 return std::unexpected{std::make_error_code(std::errc::invalid_argument)};
-            auto bytes = allBytes(file.get());
+            auto bytes = allBytes(file.get(), static_cast<std::size_t>(status.st_size));
             if (!bytes)
                 return std::unexpected{bytes.error()};
             return FileContents{.bytes = *std::move(bytes),

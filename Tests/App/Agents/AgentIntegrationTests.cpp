@@ -90,6 +90,15 @@ TEST(AgentIntegration, ReplacesTheToolInOneStepAndOnlyWhenItDiffers)
     std::ifstream replaced{home.command};
     EXPECT_EQ(text(replaced), "#!/bin/sh\nexit 1 # longer\n");
 
+    const std::string large(200'000, '#');
+    home.writeTool(large);
+    for (const auto& present : {large + '#', large.substr(1), large.substr(1) + '!', std::string{}}) {
+        std::ofstream{home.command} << present;
+        ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
+        std::ifstream whole{home.command};
+        EXPECT_EQ(text(whole), large);
+    }
+
     fs::permissions(home.command, fs::perms{0600});
     ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
     EXPECT_NE(fs::status(home.command).permissions() & fs::perms::owner_exec, fs::perms::none);
