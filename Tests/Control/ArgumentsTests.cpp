@@ -18,7 +18,7 @@ TEST(Arguments, LengthsAreSumsOfHoursMinutesAndSeconds)
         {"25m", 25min}, {"1h30m", 90min}, {"1h30m15s", 90min + 15s}, {"90s", 90s}, {"60s", 1min}, {"24h", 24h}};
     for (const auto& [text, expected] : taken)
         EXPECT_EQ(arguments::length(text, range), expected) << text;
-    const auto tooLarge = "99999999999999999999h";
+    const char* const tooLarge = "99999999999999999999h";
     for (const char* text : {"59s", "24h1s", "", "25", "m", "-25m", "30m1h", "10m10m", "1.5h", "25m ", tooLarge})
         EXPECT_FALSE(arguments::length(text, range)) << text;
     EXPECT_EQ(

@@ -80,12 +80,12 @@ public:
     {
         if (isDisabled && !isSettingForUsersOnly)
             return std::unexpected{"la veille est désactivée"};
-        deeds.push_back("suspend");
+        deeds.emplace_back("suspend");
         return {};
     }
     HelperResult powerOff() override
     {
-        deeds.push_back("powerOff");
+        deeds.emplace_back("powerOff");
         return {};
     }
     bool shouldSleepForLid() override { return isLidShut; }
@@ -93,7 +93,7 @@ public:
     {
         const auto verdict = denial.empty() ? HelperResult{} : std::unexpected{denial};
         if (asksTheUser)
-            asked.push_back([answer, verdict] { answer(verdict); });
+            asked.emplace_back([answer, verdict] { answer(verdict); });
         else
             answer(verdict);
     }

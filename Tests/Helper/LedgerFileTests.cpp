@@ -45,7 +45,7 @@ namespace {
 
     TEST_F(LedgerFileTest, KeepsAsideWhatItCannotRead)
     {
-        const auto wrongType = R"({"originalSleepDisabled":1,"appliedAt":0})";
+        const char* const wrongType = R"({"originalSleepDisabled":1,"appliedAt":0})";
         for (const std::string text : {"", "{", "null", "[]", wrongType, R"({"originalSleepDisabled":true})"}) {
             SCOPED_TRACE(text);
             putText(path, text);

@@ -35,27 +35,28 @@ namespace {
     public:
         PrivateBus()
         {
-            const auto address = "unix:path=" + (directory / "bus").string();
-            putText(directory / "bus.conf",
-                "<busconfig><type>system</type><listen>" + address + "</listen><servicedir>" + directory.path().string()
+            const auto address = "unix:path=" + (directory_ / "bus").string();
+            putText(directory_ / "bus.conf",
+                "<busconfig><type>system</type><listen>" + address + "</listen><servicedir>"
+                    + directory_.path().string()
                     + "</servicedir><policy context='default'><allow own='*'/><allow send_destination='*'/>"
                       "<allow receive_sender='*'/></policy></busconfig>");
-            putText(directory / "helper.service",
+            putText(directory_ / "helper.service",
                 "[D-BUS Service]\nName=app.vespra.Helper\nUser=root\nExec=" HELPER_UNDER_TEST " "
-                    + (directory / "state").string() + " 2 60\n");
+                    + (directory_ / "state").string() + " 2 60\n");
             qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(address));
-            const auto configuration = QString::fromStdString("--config-file=" + (directory / "bus.conf").string());
-            daemon.start("dbus-daemon", {"--nofork", "--nopidfile", "--print-address", configuration});
+            const auto configuration = QString::fromStdString("--config-file=" + (directory_ / "bus.conf").string());
+            daemon_.start("dbus-daemon", {"--nofork", "--nopidfile", "--print-address", configuration});
             // A connection that failed once would be kept.
-            if (!daemon.waitForReadyRead(5000))
+            if (!daemon_.waitForReadyRead(5000))
                 ADD_FAILURE() << "no bus";
-            mock.start("/usr/bin/python3", {"-B", MOCK_SYSTEM});
+            mock_.start("/usr/bin/python3", {"-B", MOCK_SYSTEM});
             if (!becomes([] { return dbus::isOwned(dbus::systemBus(), "app.vespra.Mock"); }))
                 ADD_FAILURE() << "no mock";
         }
         ~PrivateBus()
         {
-            for (auto* process : {&mock, &daemon}) {
+            for (auto* process : {&mock_, &daemon_}) {
                 process->kill();
                 process->waitForFinished();
             }
@@ -71,9 +72,9 @@ namespace {
         static bool isHeld() { return ask("Get").contains("handle-lid-switch"); }
 
     private:
-        TemporaryDirectory directory;
-        QProcess daemon;
-        QProcess mock;
+        TemporaryDirectory directory_;
+        QProcess daemon_;
+        QProcess mock_;
     };
 
     class LinuxAdaptersTest : public testing::Test {

@@ -116,6 +116,7 @@ public:
             return poll(&end, 1, 0) > 0; // the other end has been closed
         });
         std::vector<std::string> all;
+        all.reserve(state.locks.size() + state.cookies.size());
         for (const auto& lock : state.locks)
             all.push_back(lock.name.toStdString());
         for (const auto& [cookie, name] : state.cookies)

@@ -268,7 +268,9 @@ TEST_F(LinuxServices, ABusThatHangsIsNone)
     const auto address = unixSocket::address(path).value();
     ASSERT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     ASSERT_EQ(listen(socket.get(), 1), 0);
-    const std::string before = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    const char* const own = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    ASSERT_TRUE(own);
+    const std::string before = own;
     setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
     EXPECT_FALSE(openBus(sd_bus_open_system, 20ms));
     setenv("DBUS_SYSTEM_BUS_ADDRESS", before.c_str(), 1);

@@ -16,25 +16,25 @@ namespace {
 
     /// Notes each step.
     struct FakeSystem final : PowerAssertionBackend, DisplayControl, LidMonitoring {
-        void beginActivity(const std::string& reason) override { steps.push_back("begin " + reason); }
-        void endActivity() override { steps.push_back("end"); }
+        void beginActivity(const std::string& reason) override { steps.emplace_back("begin " + reason); }
+        void endActivity() override { steps.emplace_back("end"); }
         std::expected<std::uint32_t, int> create(PowerAssertionType type, const std::string&) override
         {
-            steps.push_back("create " + std::string{rawValue(type)});
+            steps.emplace_back("create " + std::string{rawValue(type)});
             if (failure != 0)
                 return std::unexpected{failure};
             return ++lastAssertion;
         }
-        void release(std::uint32_t id) override { steps.push_back("release " + std::to_string(id)); }
+        void release(std::uint32_t id) override { steps.emplace_back("release " + std::to_string(id)); }
 
         std::expected<void, std::string> turnOff() override
         {
-            steps.push_back("off");
+            steps.emplace_back("off");
             return obeys ? std::expected<void, std::string>{} : std::unexpected{"not found"};
         }
         std::expected<void, int> wake(const std::string&) override
         {
-            steps.push_back("wake");
+            steps.emplace_back("wake");
             return obeys ? std::expected<void, int>{} : std::unexpected{-536870212};
         }
         void setWatchesWaking(bool) override { }

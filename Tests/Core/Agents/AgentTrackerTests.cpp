@@ -14,7 +14,7 @@ struct Tracker : testing::Test {
     AgentTracker tracker;
 
     void report(AgentSignal signal, const std::string& id = "a", AgentKind agent = AgentKind::claudeCode,
-        std::optional<std::string> cwd = {})
+        const std::optional<std::string>& cwd = {})
     {
         tracker.record({.agent = agent, .sessionID = id, .cwd = cwd, .signal = signal, .date = time.now()});
     }

@@ -23,7 +23,7 @@ TEST(HookInstaller, TurnsEachFileBeforeIntoTheFileAfter)
 {
     int checked = 0;
     for (const auto& entry : fs::directory_iterator{VESPRA_HOOK_FILES}) {
-        const auto before = entry.path();
+        const auto& before = entry.path();
         if (before.extension() != ".before")
             continue;
         SCOPED_TRACE(before.filename());

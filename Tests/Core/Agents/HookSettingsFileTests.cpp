@@ -61,10 +61,8 @@ struct Home {
     bool hasBackup(const std::string& text) const { return backups().contains(text); }
     bool hasTemporaryFiles() const
     {
-        for (const auto& entry : fs::recursive_directory_iterator{directory.path()})
-            if (entry.path().filename().string().contains(".vespra-"))
-                return true;
-        return false;
+        return std::ranges::any_of(fs::recursive_directory_iterator{directory.path()},
+            [](const auto& entry) { return entry.path().filename().string().contains(".vespra-"); });
     }
 };
 
