@@ -52,14 +52,19 @@ DesktopNotifications::DesktopNotifications(QString application, QString desktopE
     : application_{std::move(application)}
     , desktopEntry_{std::move(desktopEntry)}
     , log_{std::move(log)}
-    , owner_{dbus::sessionBus(), service().service, [this](bool owned) { ownerChanged(owned); }}
-    , actionInvoked_{dbus::sessionBus(),
+{
+}
+
+DesktopNotifications::Watches::Watches(DesktopNotifications& notifications)
+    : owner{dbus::sessionBus(), service().service, [&notifications](bool owned) { notifications.ownerChanged(owned); }}
+    , actionInvoked{dbus::sessionBus(),
           service(),
           QStringLiteral("ActionInvoked"),
-          [this](const QDBusMessage& signal) { actionInvoked(signal); }}
-    , closed_{dbus::sessionBus(), service(), QStringLiteral("NotificationClosed"), [this](const QDBusMessage& signal) {
-                  closed(signal);
-              }}
+          [&notifications](const QDBusMessage& signal) { notifications.actionInvoked(signal); }}
+    , closed{dbus::sessionBus(),
+          service(),
+          QStringLiteral("NotificationClosed"),
+          [&notifications](const QDBusMessage& signal) { notifications.closed(signal); }}
 {
 }
 
@@ -83,6 +88,8 @@ void DesktopNotifications::setCategories(std::vector<NotificationCategory> categ
 void DesktopNotifications::post(const UserNotification& notification)
 {
     mainThread::check();
+    if (!watches_)
+        watches_.emplace(*this);
     std::erase_if(waiting_, isFor(notification.identifier));
     waiting_.push_back({.notification = notification});
     deliver();

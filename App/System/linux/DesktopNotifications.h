@@ -46,6 +46,14 @@ private:
         int number;
     };
 
+    /// What the service tells.
+    struct Watches {
+        explicit Watches(DesktopNotifications& notifications);
+        dbus::NameWatch owner;
+        dbus::SignalWatch actionInvoked;
+        dbus::SignalWatch closed;
+    };
+
     void deliver();
     void ask();
     void received(const QDBusMessage& reply);
@@ -77,9 +85,8 @@ private:
     /// By number. Nobody wants these any more: what the server makes of them is closed.
     std::map<int, dbus::Call> unwanted_;
     int lastNumber_ = 0;
-    dbus::NameWatch owner_;
-    dbus::SignalWatch actionInvoked_;
-    dbus::SignalWatch closed_;
+    /// None before the first notification: there is nothing to hear of, and watching waits for the bus.
+    std::optional<Watches> watches_;
 };
 
 } // namespace vespra
