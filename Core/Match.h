@@ -9,6 +9,8 @@ namespace vespra {
 template <class... Functions> struct Overload : Functions... {
     using Functions::operator()...;
 };
+// Apple's clang deduces no aggregate's arguments by itself.
+template <class... Functions> Overload(Functions...) -> Overload<Functions...>;
 
 /// Calls the function for the case that `variant` holds. A case without a function does not compile.
 template <class Variant, class... Functions> constexpr decltype(auto) match(Variant&& variant, Functions&&... functions)

@@ -1,6 +1,11 @@
 # How every target of the project is built.
 
+include(CheckCXXCompilerFlag)
 include(GNUInstallDirs)
+
+if(CMAKE_CXX_COMPILER_ID STREQUAL "AppleClang" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 16)
+    message(FATAL_ERROR "Xcode 16 or later is needed, this is the compiler of an older one (${CMAKE_CXX_COMPILER_VERSION})")
+endif()
 
 set(CMAKE_CXX_STANDARD 23)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -23,7 +28,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Members with a default may be left out of a designated initialiser: that is what the defaults are for.
     add_compile_options(-Wno-missing-field-initializers)
 elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    add_compile_options(-Wno-missing-field-initializers -Wno-missing-designated-field-initializers)
+    add_compile_options(-Wno-missing-field-initializers)
+    # The designated ones have a warning of their own in newer versions only.
+    check_cxx_compiler_flag(-Wmissing-designated-field-initializers VESPRA_WARNS_OF_DESIGNATED_FIELDS)
+    if(VESPRA_WARNS_OF_DESIGNATED_FIELDS)
+        add_compile_options(-Wno-missing-designated-field-initializers)
+    endif()
 endif()
 if(VESPRA_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)

@@ -12,7 +12,12 @@ struct ContinuousInstant {
     /// Since some moment at or before the start of the computer.
     Seconds uptime{};
 
-    friend constexpr auto operator<=>(ContinuousInstant, ContinuousInstant) = default;
+    friend constexpr bool operator==(ContinuousInstant, ContinuousInstant) = default;
+    // Older C++ libraries of clang cannot order durations in three ways.
+    friend constexpr auto operator<=>(ContinuousInstant left, ContinuousInstant right)
+    {
+        return left.uptime.count() <=> right.uptime.count();
+    }
     friend constexpr ContinuousInstant operator+(ContinuousInstant instant, Seconds length)
     {
         return {instant.uptime + length};
