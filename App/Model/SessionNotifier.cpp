@@ -56,9 +56,15 @@ void SessionNotifier::requestAuthorizationIfNeeded()
         center_.requestAuthorization();
 }
 
+void SessionNotifier::post(const UserNotification& notification)
+{
+    requestAuthorizationIfNeeded();
+    center_.post(notification);
+}
+
 void SessionNotifier::postEndingSoon(Instant endsAt)
 {
-    center_.post({.identifier = notification::endingSoon,
+    post({.identifier = notification::endingSoon,
         .title = localized("5 minutes left"),
         .body = localized("The session ends at %1.", {timeText(endsAt)}),
         .category = category::endingSoon,
@@ -67,7 +73,7 @@ void SessionNotifier::postEndingSoon(Instant endsAt)
 
 void SessionNotifier::postHeatWarning()
 {
-    center_.post({.identifier = notification::heatWarning,
+    post({.identifier = notification::heatWarning,
         .title = localized("Your Mac is running hot"),
         .body = localized("The session continues. Make sure it has room to breathe."),
         .category = {},
@@ -77,7 +83,7 @@ void SessionNotifier::postHeatWarning()
 void SessionNotifier::postEnded(const SessionEnd& end)
 {
     center_.removeDelivered(ofTheSession());
-    center_.post({.identifier = notification::ended,
+    post({.identifier = notification::ended,
         .title = notificationTitle(end.reason),
         .body = notificationBody(end.reason),
         .category = {},
@@ -87,7 +93,7 @@ void SessionNotifier::postEnded(const SessionEnd& end)
 void SessionNotifier::postAgentsFinished(const std::string& title, const std::string& body, bool isCancellable)
 {
     center_.removeDelivered(ofTheSession());
-    center_.post({.identifier = notification::agentsFinished,
+    post({.identifier = notification::agentsFinished,
         .title = title,
         .body = body,
         .category = isCancellable ? category::forcedAction : "",
@@ -96,7 +102,7 @@ void SessionNotifier::postAgentsFinished(const std::string& title, const std::st
 
 void SessionNotifier::postUpdateAvailable(const std::string& version)
 {
-    center_.post({.identifier = notification::updateAvailable,
+    post({.identifier = notification::updateAvailable,
         .title = localized("%1 %2 is available", {Brand::appName(), version}),
         .body = localized("Click to see what's new and install it."),
         .category = {},

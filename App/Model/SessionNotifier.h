@@ -12,7 +12,7 @@ public:
     /// Gives `center` its categories and takes its responses; `center` outlives this.
     explicit SessionNotifier(UserNotificationCenter& center);
 
-    /// The user is asked at the first call only.
+    /// The user is asked once: at the first call, or before the first notification.
     void requestAuthorizationIfNeeded();
 
     void postEndingSoon(Instant endsAt);
@@ -34,6 +34,7 @@ public:
     std::function<void()> onOpenUpdate;
 
 private:
+    void post(const UserNotification& notification);
     void receive(const NotificationResponse& response) const;
 
     UserNotificationCenter& center_;

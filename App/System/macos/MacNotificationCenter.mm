@@ -7,6 +7,9 @@
 #import <Foundation/Foundation.h>
 #import <UserNotifications/UserNotifications.h>
 
+#include <algorithm>
+#include <utility>
+
 /// Hands responses over on whatever thread they arrive; they are for the main thread.
 @interface VespraNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
 - (instancetype)initWithHandler:(void (^)(NSString* notification, NSString* action))handler;
@@ -77,7 +80,8 @@ namespace {
     class MacNotificationCenter final : public UserNotificationCenter {
     public:
         explicit MacNotificationCenter(MainLoop& mainLoop)
-            : center_{[UNUserNotificationCenter currentNotificationCenter]}
+            : mainLoop_{mainLoop}
+            , center_{[UNUserNotificationCenter currentNotificationCenter]}
         {
             auto* loop = &mainLoop;
             // Copied on whatever thread a response arrives; guarded, and so called, on the main thread only.
@@ -98,15 +102,44 @@ namespace {
         }
         void requestAuthorization() override
         {
+            isUndecided_ = true;
+            auto* loop = &mainLoop_;
+            const std::function<void()> decided = lifetime_.guard([this] { postWaiting(); });
             [center_ requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound
                                    completionHandler:^(BOOL, NSError* error) {
                                        if (error)
                                            log(error);
+                                       loop->post(decided);
                                    }];
         }
         void post(const UserNotification& notification) override
         {
             mainThread::check();
+            if (isUndecided_)
+                waiting_.push_back(notification);
+            else
+                add(notification);
+        }
+        void removeDelivered(const std::vector<std::string>& identifiers) override
+        {
+            std::erase_if(waiting_, [&](const UserNotification& each) {
+                return std::ranges::find(identifiers, each.identifier) != identifiers.end();
+            });
+            NSMutableArray<NSString*>* all = [NSMutableArray array];
+            for (const auto& identifier : identifiers)
+                [all addObject:string(identifier)];
+            [center_ removeDeliveredNotificationsWithIdentifiers:all];
+        }
+
+    private:
+        void postWaiting()
+        {
+            isUndecided_ = false;
+            for (const auto& notification : std::exchange(waiting_, {}))
+                add(notification);
+        }
+        void add(const UserNotification& notification)
+        {
             UNMutableNotificationContent* content = [[UNMutableNotificationContent alloc] init];
             content.title = string(notification.title);
             content.body = string(notification.body);
@@ -120,21 +153,17 @@ namespace {
                               log(error);
                       }];
         }
-        void removeDelivered(const std::vector<std::string>& identifiers) override
-        {
-            NSMutableArray<NSString*>* all = [NSMutableArray array];
-            for (const auto& identifier : identifiers)
-                [all addObject:string(identifier)];
-            [center_ removeDeliveredNotificationsWithIdentifiers:all];
-        }
 
-    private:
+        MainLoop& mainLoop_;
         UNUserNotificationCenter* center_;
+        /// The system refuses whatever comes before the user has answered.
+        bool isUndecided_ = false;
+        std::vector<UserNotification> waiting_;
         VespraNotificationDelegate* delegate_;
         Lifetime lifetime_;
     };
 
-    /// Of a program outside a bundle: the system's centre would end it.
+    /// Of a program outside an application's bundle: the system's centre would end it.
     class NoNotificationCenter final : public UserNotificationCenter {
     public:
         void setCategories(std::vector<NotificationCategory>) override { }
@@ -154,7 +183,8 @@ namespace {
 
 std::unique_ptr<UserNotificationCenter> makeMacNotificationCenter(MainLoop& mainLoop)
 {
-    if ([[NSBundle mainBundle] bundleIdentifier])
+    // A program alone has an identifier too, from the property list inside it.
+    if ([[[NSBundle mainBundle] bundlePath] hasSuffix:@".app"])
         return std::make_unique<MacNotificationCenter>(mainLoop);
     return std::make_unique<NoNotificationCenter>();
 }

@@ -27,6 +27,7 @@ namespace {
         void requestAuthorization() override { ++questions; }
         void post(const UserNotification& notification) override
         {
+            EXPECT_EQ(questions, 1) << "Not asked once before " << notification.identifier;
             removeDelivered({notification.identifier});
             shown.push_back(notification);
         }
@@ -119,14 +120,6 @@ TEST_F(Notifier, AnEndTakesThePlaceOfAllThatWasSaidOfTheSession)
     EXPECT_THAT(identifiers(), ElementsAre("session.heatWarning", "session.ended", "agents.finished"));
     notifier.postHeatWarning();
     EXPECT_THAT(identifiers(), ElementsAre("session.ended", "agents.finished", "session.heatWarning"));
-}
-
-TEST_F(Notifier, AsksTheUserOncePerRun)
-{
-    EXPECT_EQ(center.questions, 0);
-    notifier.requestAuthorizationIfNeeded();
-    notifier.requestAuthorizationIfNeeded();
-    EXPECT_EQ(center.questions, 1);
 }
 
 TEST(NotifierResponses, ReachExactlyTheOneTheyAreFor)
