@@ -4,6 +4,7 @@
 #include "Core/Agents/AgentEvent.h"
 #include "Core/Agents/HookInput.h"
 #include "Core/Scheduling/WallClock.h"
+#include "HelperProtocol/AutoreleasePool.h"
 
 #include <csignal>
 #include <exception>
@@ -37,12 +38,14 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);
     std::set_terminate([] { _exit(0); });
     HookInputReader reader{STDIN_FILENO};
-    try {
-        report(reader, argc == 2 ? argv[1] : "");
-    } catch (...) {
-        // Out of memory: the input was too much.
-        reader.drain();
-    }
-    // Past the clean-up at exit, which costs time and has nothing to do.
-    _exit(0);
+    return inAutoreleasePool([&]() -> int {
+        try {
+            report(reader, argc == 2 ? argv[1] : "");
+        } catch (...) {
+            // Out of memory: the input was too much.
+            reader.drain();
+        }
+        // Past the clean-up at exit, which costs time and has nothing to do.
+        _exit(0);
+    });
 }

@@ -6,6 +6,7 @@
 #include "App/Wording/Localized.h"
 #include "App/Wording/Translations.h"
 #include "Control/Protocol/ControlRequest.h"
+#include "HelperProtocol/AutoreleasePool.h"
 #include "HelperProtocol/Brand.h"
 
 #include <QCoreApplication>
@@ -61,9 +62,7 @@ int handOver(const HeadlessOptions& options)
     return ExitStatus::failed;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     const auto parsed = parsedCommandLine(argc, argv);
     if (const auto* exitStatus = std::get_if<int>(&parsed))
@@ -80,4 +79,11 @@ int main(int argc, char** argv)
     if (instance.claim() == SingleInstance::Claim::taken)
         return handOver(options);
     return runHeadless(application, options);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return inAutoreleasePool([&] { return run(argc, argv); });
 }

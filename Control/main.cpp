@@ -1,4 +1,5 @@
 #include "Control/Command.h"
+#include "HelperProtocol/AutoreleasePool.h"
 
 namespace {
 
@@ -11,9 +12,7 @@ std::string complaint(const CLI::App* vespractl, const CLI::Error& error)
     return "There is no \"" + unknown.front() + "\" here.\nRun with --help for more information.\n";
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     using namespace vespra::control;
     CLI::App vespractl{"Controls Vespra from a terminal or a script."};
@@ -35,4 +34,11 @@ int main(int argc, char** argv)
         return vespractl.exit(error) == 0 ? done : badInput;
     }
     return exitStatus;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return vespra::inAutoreleasePool([&] { return run(argc, argv); });
 }

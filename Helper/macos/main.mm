@@ -13,14 +13,25 @@ namespace {
 using namespace vespra;
 
 constexpr auto stateDirectory = "/Library/Application Support/VespraHelper";
+bool hasEnded = false;
+
 /// How long to stay without anything to do; launchd starts the daemon again when somebody calls.
 constexpr Seconds idleTimeout = 60s;
 
-void endRunLoop() { CFRunLoopStop(CFRunLoopGetMain()); }
+/// What runs on the main queue ends the loop behind it.
+void endRunLoop() { hasEnded = true; }
 
-} // namespace
+/// A run loop of its own frees nothing that was released for later, and the daemon may stay for days.
+void runLoop()
+{
+    while (!hasEnded) {
+        @autoreleasepool {
+            CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1e9, true);
+        }
+    }
+}
 
-int main()
+int run()
 {
     signal(SIGTERM, SIG_IGN);
     dispatch_source_t termination
@@ -47,8 +58,17 @@ int main()
     {
         const XPCService service{daemon, update};
         update();
-        CFRunLoopRun();
+        runLoop();
     }
     daemon.onChange = nullptr;
     return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main()
+{
+    @autoreleasepool {
+        return run();
+    }
 }

@@ -36,7 +36,9 @@ namespace {
                 mainThread::check();
                 // A copy: the action may end the handle, and this block with it.
                 const auto copy = action;
-                copy();
+                @autoreleasepool {
+                    copy();
+                }
             });
             dispatch_resume(timer);
             return std::make_unique<DispatchScheduledDeadline>(timer);

@@ -49,8 +49,10 @@ namespace {
                 = dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, dispatch_get_main_queue());
             const std::weak_ptr<ContinuousTimer> weak = weak_from_this();
             dispatch_source_set_event_handler(source, ^{
-                if (const auto timer = weak.lock())
-                    timer->fire();
+                @autoreleasepool {
+                    if (const auto timer = weak.lock())
+                        timer->fire();
+                }
             });
             return source;
         }
