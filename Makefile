@@ -1,7 +1,7 @@
 # Nobody needs to remember flags. `make help` lists the commands; ARGS="..." goes to the program that runs.
 
 .DEFAULT_GOAL := help
-SHELL := /bin/bash
+SHELL := /bin/sh
 CMAKE_BUILD_PARALLEL_LEVEL ?= $(shell getconf _NPROCESSORS_ONLN)
 export CMAKE_BUILD_PARALLEL_LEVEL
 
