@@ -1,5 +1,5 @@
 # What macOS knows of the programs: a property list in each, and the application's bundle around those that ship.
-# On other systems nothing of it happens.
+# On other systems nothing of it happens. CMake's own bundles are named exactly as their program, which ours is not.
 
 # The names of Brand, and what a signature is checked by, inside the program: in the bundle or out of it.
 function(vespra_property_list target)
