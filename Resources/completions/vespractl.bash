@@ -1,4 +1,6 @@
 # Bash completion for vespractl.
+# The bash that macOS ships is too old for it.
+((BASH_VERSINFO[0] >= 4)) || return 0
 
 _vespractl()
 {
