@@ -10,6 +10,11 @@ namespace {
     constexpr int sleepTries = 5;
     constexpr Seconds sleepRetryInterval = 1s;
 
+    using Right = Authorization::Right;
+    using Interaction = Authorization::Interaction;
+    using Reason = Authorization::Denial::Reason;
+    using Verdict = Authorization::Verdict;
+
     HelperRefusal refusal(const HelperResult& result)
     {
         return result ? HelperRefusal{} : HelperRefusal{result.error()};
@@ -34,17 +39,32 @@ public:
 
     void enableClosedLid(HelperReply<HelperRefusal> reply) override
     {
-        withRight(Authorization::Right::closedLid, reply, [this, reply, wish = ++wish_] {
+        const auto enableUnlessOutdated = [this, reply, wish = ++wish_](bool hasAuthenticated) {
             if (wish != wish_)
                 return reply(HelperRefusal{"la demande a été annulée"});
-            const auto enabled = daemon_.leases_.enable(name_);
-            // Only now: a lease that had run out unnoticed has just ended, too.
-            if (enabled)
-                daemon_.shutLid_.cancel();
-            reply(refusal(enabled));
+            hasAuthenticated_ = hasAuthenticated_ || hasAuthenticated;
+            reply(refusal(enable()));
+        };
+        check(Right::closedLid, Interaction::none, [this, reply, enableUnlessOutdated](const Verdict& verdict) {
+            if (verdict)
+                return enableUnlessOutdated(false);
+            if (verdict.error().reason != Reason::needsAuthentication)
+                return refuse(verdict, reply);
+            check(Right::closedLid, Interaction::allowed, [this, reply, enableUnlessOutdated](const Verdict& second) {
+                second ? enableUnlessOutdated(true) : refuse(second, reply);
+            });
         });
     }
-    void heartbeat(HelperReply<bool> reply) override { reply(daemon_.leases_.heartbeat(name_)); }
+    /// Who is no longer there, or no longer logged in, keeps nobody's computer awake.
+    void heartbeat(HelperReply<bool> reply) override
+    {
+        if (!daemon_.leases_.isAlive(name_))
+            return reply(false);
+        check(Right::closedLid,
+            Interaction::none,
+            [this, reply, at = daemon_.machine_.tasks.continuousNow()](
+                const Verdict& verdict) { reply(renew(verdict, at)); });
+    }
     /// Needs no right: it undoes no more than what this client did.
     void restoreSleep(HelperReply<HelperRefusal> reply) override
     {
@@ -53,7 +73,10 @@ public:
     }
     void sleepNow(HelperReply<HelperRefusal> reply) override
     {
-        withRight(Authorization::Right::sleep, reply, [this, reply] {
+        // Who is there to answer is there when closed-lid mode is switched on, not when the work is done.
+        check(Right::sleep, Interaction::none, [this, reply](const Verdict& verdict) {
+            if (!verdict)
+                return refuse(verdict, reply);
             if (daemon_.sleepRetry_)
                 return reply(HelperRefusal{"une mise en veille est déjà en cours"});
             daemon_.sleepNow(reply, sleepTries);
@@ -61,34 +84,62 @@ public:
     }
     void shutDown(HelperReply<HelperRefusal> reply) override
     {
-        withRight(Authorization::Right::shutDown, reply, [this, reply] {
-            // The override must not outlive the session, whatever the shutdown is stopped by.
-            if (const auto ended = daemon_.leases_.endAll(); !ended)
-                return reply(refusal(ended));
-            reply(refusal(daemon_.machine_.power.powerOff()));
+        check(Right::shutDown, Interaction::none, [this, reply](const Verdict& verdict) {
+            verdict ? reply(refusal(daemon_.shutDown())) : refuse(verdict, reply);
         });
     }
 
 private:
-    /// Runs `work` if the client may; it is dropped, unanswered, with a client that goes meanwhile.
-    template <class Work>
-    void withRight(Authorization::Right right, const HelperReply<HelperRefusal>& reply, const Work& work)
+    /// The answer is dropped with a client that goes meanwhile.
+    void check(Right right, Interaction interaction, std::function<void(const Verdict&)> answer)
     {
-        const auto answered = lifetime_.guard([this, reply, work](const HelperResult& allowed) {
-            if (allowed)
-                return work();
-            daemon_.log_.error("Demande refusée à " + name_ + " : " + allowed.error());
-            reply(HelperRefusal{allowed.error()});
-        });
+        const auto answered = lifetime_.guard(std::move(answer));
         daemon_.machine_.authorization.check(name_,
             right,
-            [answered, waiting = daemon_.waitForRight()](const HelperResult& allowed) { answered(allowed); });
+            interaction,
+            [answered, waiting = daemon_.waitForRight()](const Verdict& verdict) { answered(verdict); });
+    }
+
+    void refuse(const Verdict& verdict, const HelperReply<HelperRefusal>& reply)
+    {
+        logDenial(verdict);
+        reply(HelperRefusal{verdict.error().description});
+    }
+
+    void logDenial(const Verdict& verdict)
+    {
+        daemon_.log_.error("Demande refusée à " + name_ + " : " + verdict.error().description);
+    }
+
+    HelperResult enable()
+    {
+        const auto enabled = daemon_.leases_.enable(name_);
+        // Only now: a lease that had run out unnoticed has just ended, too.
+        if (enabled)
+            daemon_.shutLid_.cancel();
+        return enabled;
+    }
+
+    /// Whether the lease goes on. Without an answer it does, up to its end: an authority that is just being restarted
+    /// takes nothing away.
+    bool renew(const Verdict& verdict, ContinuousInstant at)
+    {
+        if (verdict || (hasAuthenticated_ && verdict.error().reason == Reason::needsAuthentication))
+            return daemon_.leases_.renew(name_, at);
+        logDenial(verdict);
+        if (verdict.error().reason == Reason::unanswered)
+            return daemon_.leases_.isAlive(name_);
+        if (const auto ended = daemon_.leases_.end(name_); !ended)
+            daemon_.log_.error("Restauration impossible pour l'instant : " + ended.error());
+        return false;
     }
 
     HelperDaemon& daemon_;
     ClientName name_;
     /// Counts the changes of what the client wants: an authorization that comes after the next one counts no more.
     int wish_ = 0;
+    /// A person proved for this client that they may: without them the right would be missing.
+    bool hasAuthenticated_ = false;
     Lifetime lifetime_;
 };
 
@@ -135,13 +186,33 @@ std::shared_ptr<void> HelperDaemon::waitForRight()
 void HelperDaemon::sleepNow(HelperReply<HelperRefusal> reply, int triesLeft)
 {
     sleepRetry_.reset();
+    // First: what cannot be done anyway is no reason to let go.
+    if (const auto possible = machine_.power.canSuspend(); !possible)
+        return reply(refusal(possible));
     if (const auto ended = leases_.endAll(); !ended)
         return reply(refusal(ended));
     const auto slept = machine_.power.suspend();
     if (slept || triesLeft <= 1)
         return reply(refusal(slept));
-    sleepRetry_ = machine_.tasks.schedule(
-        sleepRetryInterval, lifetime_.guard([this, reply, triesLeft] { sleepNow(reply, triesLeft - 1); }));
+    const auto due = machine_.tasks.continuousNow() + sleepRetryInterval;
+    sleepRetry_ = machine_.tasks.schedule(sleepRetryInterval, lifetime_.guard([this, reply, triesLeft, due] {
+        if (!wasSleptOver(due, machine_.tasks.continuousNow()))
+            return sleepNow(reply, triesLeft - 1);
+        sleepRetry_.reset();
+        reply(HelperRefusal{});
+    }));
+}
+
+/// The override goes last: without it, a lid that is shut would have the computer sleep instead. It goes although the
+/// shutdown may yet be stopped, by which time nobody is left to end it.
+HelperResult HelperDaemon::shutDown()
+{
+    if (const auto asked = machine_.power.powerOff(); !asked)
+        return asked;
+    if (const auto ended = leases_.endAll(); !ended)
+        log_.error("Restauration impossible pour l'instant : " + ended.error());
+    shutLid_.cancel();
+    return {};
 }
 
 } // namespace vespra

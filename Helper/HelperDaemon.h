@@ -11,8 +11,20 @@ class Authorization {
 public:
     virtual ~Authorization() = default;
     enum class Right { closedLid, sleep, shutDown };
-    /// Answers now or later. A failure is a sentence for the log.
-    virtual void check(const ClientName& client, Right right, std::function<void(HelperResult)> answer) = 0;
+    /// Whether a person may be asked to prove who they are, which takes as long as they take.
+    enum class Interaction { none, allowed };
+    struct Denial {
+        /// `needsAuthentication`: only a person could give the right, and was not asked. `unanswered`: nobody could say.
+        enum class Reason { denied, needsAuthentication, unanswered };
+        Reason reason;
+        /// A sentence for the log.
+        std::string description;
+    };
+    using Verdict = std::expected<void, Denial>;
+    /// Answers now or later.
+    virtual void check(
+        const ClientName& client, Right right, Interaction interaction, std::function<void(const Verdict&)> answer)
+        = 0;
 };
 
 /// The machine that the daemon serves. Everything here outlives it.
@@ -52,6 +64,7 @@ private:
     /// Keeps the daemon from being idle until the last copy is gone.
     std::shared_ptr<void> waitForRight();
     void sleepNow(HelperReply<HelperRefusal> reply, int triesLeft);
+    HelperResult shutDown();
 
     HelperMachine machine_;
     SystemLog log_;

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,25 +18,10 @@ namespace {
     /// Many times what a record needs.
     constexpr std::size_t longestLedger = 4096;
 
-    class Descriptor {
-    public:
-        Descriptor(const std::string& path, int flags)
-            : descriptor_{open(path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0600)}
-        {
-        }
-        ~Descriptor()
-        {
-            if (descriptor_ >= 0)
-                close(descriptor_);
-        }
-        Descriptor(const Descriptor&) = delete;
-        Descriptor& operator=(const Descriptor&) = delete;
-        int get() const { return descriptor_; }
-        explicit operator bool() const { return descriptor_ >= 0; }
-
-    private:
-        int descriptor_;
-    };
+    FileDescriptor openFile(const std::string& path, int flags)
+    {
+        return FileDescriptor{open(path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0600)};
+    }
 
     std::unexpected<std::string> failure(const std::string& what, const std::string& path)
     {
@@ -79,9 +65,17 @@ LedgerFile::LedgerFile(std::string directory)
 {
 }
 
+bool LedgerFile::claim()
+{
+    // Where there can be no directory, there is nothing to claim either.
+    static_cast<void>(makeDirectory());
+    claim_ = openFile(directory_, O_RDONLY | O_DIRECTORY);
+    return !claim_ || flock(claim_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
 std::expected<std::optional<SleepOverrideRecord>, std::string> LedgerFile::read()
 {
-    const Descriptor file{path_, O_RDONLY};
+    const auto file = openFile(path_, O_RDONLY);
     if (!file && (errno == ENOENT || errno == ENOTDIR))
         return std::nullopt;
     if (!file)
@@ -121,7 +115,7 @@ HelperResult LedgerFile::makeDirectory() const
 
 HelperResult LedgerFile::writeAndSync(const std::string& path, const std::string& text) const
 {
-    const Descriptor file{path, O_WRONLY | O_CREAT | O_TRUNC};
+    const auto file = openFile(path, O_WRONLY | O_CREAT | O_TRUNC);
     if (!file || !writeAll(file.get(), text) || !syncToDisk(file.get()))
         return failure("écriture impossible de", path);
     return {};
@@ -146,7 +140,7 @@ HelperResult LedgerFile::setAside()
 
 HelperResult LedgerFile::syncDirectory(const std::string& path)
 {
-    const Descriptor directory{path, O_RDONLY | O_DIRECTORY};
+    const auto directory = openFile(path, O_RDONLY | O_DIRECTORY);
     if (!directory || !syncToDisk(directory.get()))
         return failure("synchronisation impossible de", path);
     return {};

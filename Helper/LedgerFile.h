@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Helper/LedgerStorage.h"
+#include "HelperProtocol/FileDescriptor.h"
 
 namespace vespra {
 
@@ -9,6 +10,10 @@ namespace vespra {
 class LedgerFile final : public LedgerStorage {
 public:
     explicit LedgerFile(std::string directory);
+
+    /// Makes the ledger this process's own until the object ends; to be called first where nothing else sees to it that
+    /// there is one process only. False: another has it, and must not be disturbed.
+    bool claim();
 
     std::expected<std::optional<SleepOverrideRecord>, std::string> read() override;
     HelperResult write(const SleepOverrideRecord& record) override;
@@ -22,6 +27,7 @@ private:
 
     std::string directory_;
     std::string path_;
+    FileDescriptor claim_;
 };
 
 /// Returns once the file's content is on the disk. False with errno on an error. One per system.

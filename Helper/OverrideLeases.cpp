@@ -17,22 +17,31 @@ OverrideLeases::OverrideLeases(SleepOverride& sleepOverride, TaskScheduling& tas
 HelperResult OverrideLeases::enable(const ClientName& client)
 {
     endExpired();
-    const auto applied = override_.apply();
-    if (applied)
-        leases_.insert_or_assign(client, Lease{tasks_.continuousNow(), timeout_});
-    else if (!override_.isInForce())
-        leases_.clear(); // an override that had to be taken back is nobody's
-    scheduleNext();
-    return applied;
+    // A slow disk takes its time: the request is the sign of life, not the end of its work.
+    const auto asked = tasks_.continuousNow();
+    if (const auto applied = override_.apply(); !applied) {
+        if (!override_.isInForce())
+            leases_.clear(); // an override that had to be taken back is nobody's
+        scheduleNext();
+        return applied;
+    }
+    leases_.insert_or_assign(client, Lease{asked, timeout_});
+    if (!isAlive(client))
+        return std::unexpected{"l'activation a duré plus longtemps que le bail"};
+    return {};
 }
 
-bool OverrideLeases::heartbeat(const ClientName& client)
+bool OverrideLeases::isAlive(const ClientName& client)
 {
     endExpired();
-    const auto lease = leases_.find(client);
-    if (lease == leases_.end())
+    return leases_.contains(client);
+}
+
+bool OverrideLeases::renew(const ClientName& client, ContinuousInstant at)
+{
+    if (!isAlive(client))
         return false;
-    lease->second.renew(tasks_.continuousNow());
+    leases_.at(client).renew(at);
     scheduleNext();
     return true;
 }
@@ -49,12 +58,13 @@ HelperResult OverrideLeases::endAll()
     return restoreIfLast();
 }
 
+/// Also sets the task for what has not expired: a timer that fires too early costs nothing but another.
 void OverrideLeases::endExpired()
 {
     const auto now = tasks_.continuousNow();
     const auto isExpired = [&](const auto& entry) { return entry.second.isExpired(now); };
     if (std::erase_if(leases_, isExpired) == 0 && !override_.isOwing())
-        return;
+        return scheduleNext();
     if (const auto restored = restoreIfLast(); !restored)
         log_.error("Restauration impossible pour l'instant : " + restored.error());
 }
@@ -82,7 +92,7 @@ void OverrideLeases::scheduleNext()
         wait = std::min(wait.value_or(lease.expiresAt() - now), lease.expiresAt() - now);
     next_.reset();
     if (wait)
-        next_ = tasks_.schedule(*wait, lifetime_.guard([this] { endExpired(); }));
+        next_ = tasks_.schedule(std::max(*wait, shortestWait), lifetime_.guard([this] { endExpired(); }));
     notify(onChange);
 }
 

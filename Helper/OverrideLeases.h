@@ -17,6 +17,8 @@ class OverrideLeases {
 public:
     /// How long to wait before trying again what could not be put back.
     static constexpr Seconds retryInterval = 5s;
+    /// A timer that fires a trace too early is not to become a loop.
+    static constexpr Seconds shortestWait = 1ms;
 
     /// Puts back first what an earlier run left behind.
     OverrideLeases(SleepOverride& sleepOverride, TaskScheduling& tasks, SystemLog log, Seconds timeout);
@@ -28,10 +30,13 @@ public:
     /// Told when `isIdle` may have changed.
     std::function<void()> onChange;
 
-    /// Starts the client's lease, or renews it.
+    /// Starts the client's lease, or renews it, from the moment of the call on. Fails, too, when the lease has run out
+    /// before the override was in force.
     HelperResult enable(const ClientName& client);
     /// False: the client has no lease, or no longer.
-    bool heartbeat(const ClientName& client);
+    bool isAlive(const ClientName& client);
+    /// Renews the client's lease if it is alive; `at` is when the client asked for it. False as for `isAlive`.
+    bool renew(const ClientName& client, ContinuousInstant at);
     /// Ends the client's lease if it has one. A failure to put the setting back is told, and tried again.
     HelperResult end(const ClientName& client);
     HelperResult endAll();

@@ -2,13 +2,6 @@
 
 namespace vespra {
 
-namespace {
-
-    /// A task that runs this much too late was slept over.
-    constexpr Seconds lateness = 3s;
-
-} // namespace
-
 ShutLidSleep::ShutLidSleep(PowerControl& power, TaskScheduling& tasks, SystemLog log)
     : power_{power}
     , tasks_{tasks}
@@ -37,8 +30,7 @@ void ShutLidSleep::scheduleLook(Seconds after)
 
 void ShutLidSleep::look()
 {
-    const bool hasSlept = tasks_.continuousNow() - due_ > lateness;
-    if (hasSlept || looksLeft_-- == 0 || !power_.shouldSleepForLid())
+    if (wasSleptOver(due_, tasks_.continuousNow()) || looksLeft_-- == 0 || !power_.shouldSleepForLid())
         return cancel();
     if (const auto asked = power_.suspend(); !asked)
         log_.error("Mise en veille, capot fermé, impossible : " + asked.error());

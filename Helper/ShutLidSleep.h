@@ -7,6 +7,9 @@
 
 namespace vespra {
 
+/// A task that runs this much later than it was due was slept over.
+inline bool wasSleptOver(ContinuousInstant due, ContinuousInstant now) { return now - due > 3s; }
+
 /// Once the override is gone, nothing looks at a lid that was shut before: this asks the system to sleep, a few times,
 /// until it has slept or the lid is open.
 class ShutLidSleep {

@@ -24,17 +24,25 @@ namespace {
 
 } // namespace
 
+struct BusService::WaitingCall {
+    BusMessage message;
+    sd_bus_message_handler_t serve;
+};
+
 struct BusService::Methods {
     template <auto operation> static int serve(sd_bus_message* call, void* userdata, sd_bus_error*)
     {
-        return start(*call, *static_cast<BusService*>(userdata), operation);
+        auto& service = *static_cast<BusService*>(userdata);
+        if (!service.waiting_)
+            return start(*call, service, operation);
+        service.waiting_->push_back({BusMessage{sd_bus_message_ref(call)}, &serve<operation>});
+        return 1;
     }
 
     template <class Value>
     static int start(
         sd_bus_message& call, BusService& service, void (HelperXPCProtocol::*operation)(HelperReply<Value>))
     {
-        ++service.requests_;
         notify(service.onRequest);
         auto* const session = service.client(sd_bus_message_get_sender(&call));
         if (!session)
@@ -77,12 +85,12 @@ HelperResult BusService::publish()
     object_.reset(slot);
     if (result < 0)
         return std::unexpected{systemError(result)};
-    return takeName();
+    return {};
 }
 
-HelperResult BusService::takeName()
+HelperResult BusService::takeName(sd_bus& bus)
 {
-    const int result = sd_bus_request_name(&bus_, installation::busName, 0);
+    const int result = sd_bus_request_name(&bus, installation::busName, 0);
     if (result < 0)
         return std::unexpected{std::string{installation::busName} + " : " + systemError(result)};
     return {};
@@ -90,15 +98,18 @@ HelperResult BusService::takeName()
 
 bool BusService::withdraw()
 {
-    const int before = requests_;
+    waiting_.emplace();
     sd_bus_release_name(&bus_, installation::busName);
     while (sd_bus_process(&bus_, nullptr) > 0) {
     }
-    if (requests_ == before)
-        return true;
-    // If another daemon has been started by now, this one serves those that it knows, and goes then.
-    (void)takeName();
-    return false;
+    const auto calls = *std::exchange(waiting_, std::nullopt);
+    const bool stays = !calls.empty() && takeName(bus_);
+    for (const auto& call : calls)
+        if (stays)
+            call.serve(call.message.get(), this, nullptr);
+        else
+            sd_bus_reply_method_errorf(call.message.get(), SD_BUS_ERROR_DISCONNECTED, "%s", "the helper has ended");
+    return !stays;
 }
 
 HelperXPCProtocol* BusService::client(const char* name)

@@ -9,10 +9,19 @@ namespace {
 
     constexpr std::uint64_t accuracy = 50'000; // microseconds
 
-    std::uint64_t microseconds(Seconds length)
+    std::chrono::nanoseconds now()
     {
-        return static_cast<std::uint64_t>(
-            std::max<std::int64_t>(0, std::chrono::duration_cast<std::chrono::microseconds>(length).count()));
+        timespec time{};
+        clock_gettime(CLOCK_BOOTTIME, &time);
+        return std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec};
+    }
+
+    /// Rounded up: the moment that was asked for has come when the task runs. The loop's own "now" is that of the
+    /// turn's start, which may be long ago.
+    std::uint64_t microsecondsAfterNow(Seconds length)
+    {
+        const Seconds due = now() + std::max(length, Seconds{});
+        return static_cast<std::uint64_t>(std::chrono::ceil<std::chrono::microseconds>(due).count());
     }
 
     class EventTask final : public ScheduledTask {
@@ -21,8 +30,8 @@ namespace {
             : action_{std::move(action)}
         {
             // It fails without memory only: then the process had better end, which lets go of everything.
-            if (sd_event_add_time_relative(
-                    &event, &source_, CLOCK_BOOTTIME, microseconds(after), accuracy, &EventTask::fire, this)
+            if (sd_event_add_time(
+                    &event, &source_, CLOCK_BOOTTIME, microsecondsAfterNow(after), accuracy, &EventTask::fire, this)
                 < 0)
                 std::abort();
         }
@@ -44,12 +53,7 @@ namespace {
 
 } // namespace
 
-ContinuousInstant EventTaskScheduler::continuousNow() const
-{
-    timespec now{};
-    clock_gettime(CLOCK_BOOTTIME, &now);
-    return {std::chrono::seconds{now.tv_sec} + std::chrono::nanoseconds{now.tv_nsec}};
-}
+ContinuousInstant EventTaskScheduler::continuousNow() const { return {now()}; }
 
 std::unique_ptr<ScheduledTask> EventTaskScheduler::schedule(Seconds after, std::function<void()> action)
 {

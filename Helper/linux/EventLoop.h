@@ -13,6 +13,7 @@ template <auto unref> struct Unref {
 };
 
 using Event = std::unique_ptr<sd_event, Unref<sd_event_unref>>;
+using EventSource = std::unique_ptr<sd_event_source, Unref<sd_event_source_disable_unref>>;
 
 /// Tasks on the clock that counts through sleep, in libsystemd's loop.
 class EventTaskScheduler final : public TaskScheduling {

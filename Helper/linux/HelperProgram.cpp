@@ -73,10 +73,20 @@ namespace {
 
     int serve(sd_event& event, sd_bus& bus, const HelperProgramOptions& options, const SystemLog& log)
     {
+        const auto failed = [&](const std::string& reason) {
+            log.error("Démarrage impossible : " + reason);
+            return EXIT_FAILURE;
+        };
+        if (const auto isOnlyOne = BusService::takeName(bus); !isOnlyOne)
+            return failed(isOnlyOne.error());
         EventTaskScheduler tasks{event};
         SystemClock clock;
         LedgerFile ledger{options.stateDirectory};
-        LogindSleepSetting setting{bus};
+        // Without the lock, a process that has ended is what every client notices at once.
+        LogindSleepSetting setting{bus, [&](const std::string& reason) {
+                                       log.error("Verrou perdu : " + reason);
+                                       sd_event_exit(&event, EXIT_FAILURE);
+                                   }};
         LogindPower power{bus};
         PolkitAuthorization authorization{bus};
         HelperDaemon daemon{{setting, ledger, power, authorization, tasks, clock}, options.leaseTimeout};
@@ -86,8 +96,7 @@ namespace {
         const auto sleepSlot = power.onPrepareForSleep([&] { daemon.systemWillSleep(); });
         if (const auto published = service.publish(); !published) {
             daemon.onChange = nullptr;
-            log.error("Démarrage impossible : " + published.error());
-            return EXIT_FAILURE;
+            return failed(published.error());
         }
         idle.update(daemon.isIdle());
         sd_event_set_watchdog(&event, 1);

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/epoll.h>
 #include <unistd.h>
 #include <utility>
 
@@ -14,6 +15,7 @@ namespace {
     constexpr auto service = "org.freedesktop.login1";
     constexpr auto path = "/org/freedesktop/login1";
     constexpr auto interface = "org.freedesktop.login1.Manager";
+    constexpr auto sessionInterface = "org.freedesktop.login1.Session";
 
     /// "sleep" in "shutdown:sleep", and not in "handle-suspend-key".
     bool contains(std::string_view list, std::string_view word)
@@ -71,17 +73,44 @@ std::optional<bool> LogindManager::flag(const char* property) const
 
 std::optional<std::string> LogindManager::text(const char* property) const
 {
+    return text(path, interface, property);
+}
+
+std::optional<std::string> LogindManager::text(const char* object, const char* of, const char* property) const
+{
     char* value = nullptr;
-    if (sd_bus_get_property_string(&bus_, service, path, interface, property, nullptr, &value) < 0)
+    if (sd_bus_get_property_string(&bus_, service, object, of, property, nullptr, &value) < 0)
         return {};
     const std::unique_ptr<char, Unref<std::free>> owned{value};
     return value;
 }
 
+/// "user", "user-early" and the like; not "greeter" or "background".
+bool LogindManager::isLogin(const char* session) const
+{
+    return text(session, sessionInterface, "Class").value_or("user").starts_with("user");
+}
+
+bool LogindManager::hasSessionsOfOthers(uid_t user) const
+{
+    const auto reply = call("ListSessions", "");
+    if (!reply)
+        return true;
+    auto* message = reply->get();
+    int result = sd_bus_message_enter_container(message, 'a', "(susso)");
+    const char *id = nullptr, *name = nullptr, *seat = nullptr, *session = nullptr;
+    std::uint32_t owner = 0;
+    while (result >= 0
+        && (result = sd_bus_message_read(message, "(susso)", &id, &owner, &name, &seat, &session)) > 0)
+        if (owner != user && isLogin(session))
+            return true;
+    return result < 0;
+}
+
 HelperResult LogindSleepSetting::setSleepDisabled(bool disabled)
 {
     if (disabled)
-        return lock_ >= 0 ? HelperResult{} : takeLock();
+        return lock_ ? HelperResult{} : takeLock();
     letGo();
     return {};
 }
@@ -100,19 +129,45 @@ HelperResult LogindSleepSetting::takeLock()
     if (const int read = sd_bus_message_read(reply->get(), "h", &borrowed); read < 0)
         return std::unexpected{"Inhibit : " + systemError(read)};
     // The message's own descriptor ends with it.
-    lock_ = fcntl(borrowed, F_DUPFD_CLOEXEC, 3);
-    if (lock_ < 0)
+    lock_ = FileDescriptor{fcntl(borrowed, F_DUPFD_CLOEXEC, 3)};
+    if (!lock_)
         return std::unexpected{"Inhibit : " + systemError(-errno)};
-    return {};
+    return watch();
+}
+
+/// The lock is a pipe's end for writing: it shows an error, which is always listened to, when nobody reads any more.
+HelperResult LogindSleepSetting::watch()
+{
+    sd_event_source* source = nullptr;
+    const auto lost = [](sd_event_source*, int, std::uint32_t, void* self) {
+        static_cast<LogindSleepSetting*>(self)->replaceLock();
+        return 0;
+    };
+    const int watched = sd_event_add_io(sd_bus_get_event(&manager_.bus()), &source, lock_.get(), 0, lost, this);
+    watch_.reset(source);
+    if (watched >= 0)
+        return {};
+    letGo();
+    return std::unexpected{"Inhibit : " + systemError(watched)};
+}
+
+void LogindSleepSetting::replaceLock()
+{
+    watch_.reset();
+    // Open until there is another: a logind that has only been restarted finds the old one again.
+    const auto dropped = std::exchange(lock_, {});
+    if (const auto taken = takeLock(); !taken)
+        onLoss_(taken.error());
 }
 
 void LogindSleepSetting::letGo()
 {
-    if (lock_ >= 0)
-        close(std::exchange(lock_, -1));
+    watch_.reset();
+    lock_.reset();
 }
 
-std::expected<std::optional<std::string>, std::string> LogindPower::blocker(std::string_view what)
+std::expected<std::optional<std::string>, std::string> LogindPower::blocker(
+    const std::function<bool(std::string_view held)>& counts)
 {
     const auto reply = manager_.call("ListInhibitors", "");
     if (!reply)
@@ -125,24 +180,53 @@ std::expected<std::optional<std::string>, std::string> LogindPower::blocker(std:
     while (result >= 0
         && (result = sd_bus_message_read(message, "(ssssuu)", &held, &who, &why, &mode, &user, &process)) > 0)
         // Our own may not have gone yet.
-        if (process != static_cast<std::uint32_t>(getpid()) && std::string_view{mode} == "block"
-            && contains(held, what))
+        if (process != static_cast<std::uint32_t>(getpid()) && std::string_view{mode}.starts_with("block")
+            && counts(held))
             found = who;
     if (result < 0)
         return std::unexpected{"ListInhibitors : " + systemError(result)};
     return found;
 }
 
-HelperResult LogindPower::unlessBlocked(const char* what, const char* method)
+HelperResult LogindPower::unblocked(const char* what)
 {
-    const auto other = blocker(what);
+    const auto other = blocker([what](std::string_view held) { return contains(held, what); });
     if (!other)
         return std::unexpected{other.error()};
     if (const auto& name = *other)
         return std::unexpected{"« " + *name + " » s'y oppose"};
+    return {};
+}
+
+HelperResult LogindPower::canSuspend()
+{
+    const auto reply = manager_.call("CanSuspend", "");
+    if (!reply)
+        return std::unexpected{reply.error()};
+    const char* verdict = nullptr;
+    if (const int read = sd_bus_message_read(reply->get(), "s", &verdict); read < 0)
+        return std::unexpected{"CanSuspend : " + systemError(read)};
+    if (std::string_view{verdict} == "na")
+        return std::unexpected{"cet ordinateur ne sait pas se mettre en veille"};
+    return unblocked("sleep");
+}
+
+HelperResult LogindPower::unlessBlocked(const char* what, const char* method)
+{
+    if (const auto free = unblocked(what); !free)
+        return free;
     if (const auto done = manager_.call(method, "b", 0); !done)
         return std::unexpected{done.error()};
     return {};
+}
+
+/// A desktop that takes the lid together with the keys means to see to both itself, but acts on a lid that moves only:
+/// it does not look again at one that has been shut all the while.
+bool LogindPower::isLidHeldByOthers()
+{
+    const auto other = blocker(
+        [](std::string_view held) { return contains(held, "handle-lid-switch") && !contains(held, "handle-power-key"); });
+    return !other || *other;
 }
 
 bool LogindPower::shouldSleepForLid()
@@ -153,7 +237,7 @@ bool LogindPower::shouldSleepForLid()
     const auto onCharger = isOnCharger ? manager_.text("HandleLidSwitchExternalPower") : std::nullopt;
     // The one for the charger is empty where it follows the other.
     const auto action = onCharger && !onCharger->empty() ? onCharger : manager_.text("HandleLidSwitch");
-    return action != "ignore";
+    return action != "ignore" && !isLidHeldByOthers();
 }
 
 BusSlot LogindPower::onPrepareForSleep(std::function<void()> prepare)

@@ -2,6 +2,7 @@
 
 #include "Helper/linux/SystemBus.h"
 #include "Helper/PowerControl.h"
+#include "HelperProtocol/FileDescriptor.h"
 
 #include <functional>
 
@@ -22,10 +23,15 @@ public:
     /// Absent if there is no answer, or it is no such property.
     std::optional<bool> flag(const char* property) const;
     std::optional<std::string> text(const char* property) const;
+    /// Whether anybody but `user` is logged in; greeters and background sessions do not count. True, too, if there is no
+    /// answer: it takes away no more than a right.
+    bool hasSessionsOfOthers(uid_t user) const;
 
 private:
     std::expected<BusMessage, std::string> send(sd_bus_message& message) const;
     std::expected<BusMessage, std::string> newCall(const char* method) const;
+    std::optional<std::string> text(const char* object, const char* of, const char* property) const;
+    bool isLogin(const char* session) const;
 
     sd_bus& bus_;
 };
@@ -34,23 +40,30 @@ private:
 /// the suspend that a desktop asks for. It ends with this process, whatever ends that.
 class LogindSleepSetting final : public SleepSetting {
 public:
-    explicit LogindSleepSetting(sd_bus& bus)
+    /// A lock that logind drops on its own is taken again at once; `onLoss` is told why if that fails.
+    LogindSleepSetting(sd_bus& bus, std::function<void(const std::string&)> onLoss)
         : manager_{bus}
+        , onLoss_{std::move(onLoss)}
     {
     }
     ~LogindSleepSetting() override { letGo(); }
     LogindSleepSetting(const LogindSleepSetting&) = delete;
     LogindSleepSetting& operator=(const LogindSleepSetting&) = delete;
 
-    std::expected<bool, std::string> isSleepDisabled() override { return lock_ >= 0; }
+    std::expected<bool, std::string> isSleepDisabled() override { return static_cast<bool>(lock_); }
     HelperResult setSleepDisabled(bool disabled) override;
 
 private:
     HelperResult takeLock();
+    HelperResult watch();
     void letGo();
+    void replaceLock();
 
     LogindManager manager_;
-    int lock_ = -1;
+    std::function<void(const std::string&)> onLoss_;
+    FileDescriptor lock_;
+    /// Ends before the descriptor that it watches.
+    EventSource watch_;
 };
 
 class LogindPower final : public PowerControl {
@@ -60,6 +73,7 @@ public:
     {
     }
 
+    HelperResult canSuspend() override;
     HelperResult suspend() override { return unlessBlocked("sleep", "Suspend"); }
     HelperResult powerOff() override { return unlessBlocked("shutdown", "PowerOff"); }
     bool shouldSleepForLid() override;
@@ -68,9 +82,12 @@ public:
     BusSlot onPrepareForSleep(std::function<void()> prepare);
 
 private:
+    HelperResult unblocked(const char* what);
     HelperResult unlessBlocked(const char* what, const char* method);
-    /// Who else holds a block lock on `what`; root may go past such locks, but not on a user's behalf.
-    std::expected<std::optional<std::string>, std::string> blocker(std::string_view what);
+    bool isLidHeldByOthers();
+    /// Who else holds a block lock on what `counts`; root may go past such locks, but not on a user's behalf.
+    std::expected<std::optional<std::string>, std::string> blocker(
+        const std::function<bool(std::string_view held)>& counts);
 
     LogindManager manager_;
     std::function<void()> prepare_;

@@ -8,26 +8,32 @@ namespace {
 
     constexpr std::uint32_t allowUserInteraction = 1;
     /// A person may be typing a password.
-    constexpr std::uint64_t timeout = 110'000'000; // microseconds
+    constexpr std::uint64_t personLimit = 110'000'000; // microseconds
+    constexpr std::uint64_t busLimit = 0; // as for every call on this bus
 
-    const char* action(Authorization::Right right)
+    /// Absent if the client has gone.
+    std::optional<uid_t> user(sd_bus& bus, const ClientName& client)
     {
-        switch (right) {
-        case Authorization::Right::closedLid:
-            return installation::polkitAction;
-        case Authorization::Right::sleep:
-            return "org.freedesktop.login1.suspend";
-        case Authorization::Right::shutDown:
-            break;
-        }
-        return "org.freedesktop.login1.power-off";
+        sd_bus_creds* asked = nullptr;
+        if (sd_bus_get_name_creds(&bus, client.c_str(), SD_BUS_CREDS_EUID, &asked) < 0)
+            return {};
+        const std::unique_ptr<sd_bus_creds, Unref<sd_bus_creds_unref>> credentials{asked};
+        uid_t found = 0;
+        if (sd_bus_creds_get_euid(credentials.get(), &found) < 0)
+            return {};
+        return found;
+    }
+
+    Authorization::Verdict denied(Authorization::Denial::Reason reason, const std::string& description)
+    {
+        return std::unexpected{Authorization::Denial{reason, description}};
     }
 
 } // namespace
 
 struct PolkitAuthorization::Question {
     PolkitAuthorization& owner;
-    std::function<void(HelperResult)> answer;
+    std::function<void(const Verdict&)> answer;
     BusSlot slot;
 };
 
@@ -38,8 +44,32 @@ PolkitAuthorization::PolkitAuthorization(sd_bus& bus)
 
 PolkitAuthorization::~PolkitAuthorization() = default;
 
-void PolkitAuthorization::check(const ClientName& client, Right right, std::function<void(HelperResult)> answer)
+/// Whether somebody else is logged in, as far as one can tell.
+bool PolkitAuthorization::hasCompany(const ClientName& client) const
 {
+    const auto own = user(bus_, client);
+    return !own || LogindManager{bus_}.hasSessionsOfOthers(*own);
+}
+
+const char* PolkitAuthorization::action(const ClientName& client, Right right) const
+{
+    switch (right) {
+    case Right::closedLid:
+        return installation::polkitAction;
+    case Right::sleep:
+        return hasCompany(client) ? "org.freedesktop.login1.suspend-multiple-sessions"
+                                  : "org.freedesktop.login1.suspend";
+    case Right::shutDown:
+        break;
+    }
+    return hasCompany(client) ? "org.freedesktop.login1.power-off-multiple-sessions"
+                              : "org.freedesktop.login1.power-off";
+}
+
+void PolkitAuthorization::check(
+    const ClientName& client, Right right, Interaction interaction, std::function<void(const Verdict&)> answer)
+{
+    const bool mayAsk = interaction == Interaction::allowed;
     auto question = std::make_unique<Question>(*this, std::move(answer));
     auto* const key = question.get();
     sd_bus_message* made = nullptr;
@@ -59,33 +89,34 @@ void PolkitAuthorization::check(const ClientName& client, Right right, std::func
             "name",
             "s",
             client.c_str(),
-            action(right),
+            action(client, right),
             0,
-            // Who is there to answer is there when closed-lid mode is switched on, not when the work is done.
-            right == Right::closedLid ? allowUserInteraction : 0,
+            mayAsk ? allowUserInteraction : 0,
             "");
     if (result >= 0)
-        result = sd_bus_call_async(&bus_, &slot, made, &PolkitAuthorization::answered, key, timeout);
+        result = sd_bus_call_async(
+            &bus_, &slot, made, &PolkitAuthorization::answered, key, mayAsk ? personLimit : busLimit);
     if (result < 0)
-        return question->answer(std::unexpected{"polkit : " + systemError(result)});
+        return question->answer(denied(Denial::Reason::unanswered, "polkit : " + systemError(result)));
     question->slot.reset(slot);
     questions_.emplace(key, std::move(question));
 }
 
 int PolkitAuthorization::answered(sd_bus_message* reply, void* userdata, sd_bus_error*)
 {
+    using Reason = Denial::Reason;
     auto& owner = static_cast<Question*>(userdata)->owner;
     const auto question = owner.questions_.extract(static_cast<const Question*>(userdata));
+    const auto& answer = question.mapped()->answer;
     int isAuthorized = 0, isChallenge = 0;
     if (const auto* error = sd_bus_message_get_error(reply))
-        question.mapped()->answer(
-            std::unexpected{"polkit : " + std::string{error->message ? error->message : error->name}});
+        answer(denied(Reason::unanswered, "polkit : " + std::string{error->message ? error->message : error->name}));
     else if (const int read = sd_bus_message_read(reply, "(bba{ss})", &isAuthorized, &isChallenge, 0); read < 0)
-        question.mapped()->answer(std::unexpected{"polkit : " + systemError(read)});
+        answer(denied(Reason::unanswered, "polkit : " + systemError(read)));
     else if (!isAuthorized)
-        question.mapped()->answer(std::unexpected{"polkit ne l'autorise pas"});
+        answer(denied(isChallenge ? Reason::needsAuthentication : Reason::denied, "polkit ne l'autorise pas"));
     else
-        question.mapped()->answer({});
+        answer({});
     return 1;
 }
 

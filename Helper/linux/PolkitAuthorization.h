@@ -1,22 +1,28 @@
 #pragma once
 
 #include "Helper/HelperDaemon.h"
-#include "Helper/linux/SystemBus.h"
+#include "Helper/linux/Logind.h"
 
 #include <map>
 
 namespace vespra {
 
 /// Asks polkit about the caller's connection: never about its process, whose number may be another's by then. Sleep and
-/// shutdown go by logind's own rules, so that nobody may do here what they may not do there.
+/// shutdown go by logind's own rules, so that nobody may do here what they may not do there: who is not alone on the
+/// computer needs a right of its own.
 class PolkitAuthorization final : public Authorization {
 public:
     explicit PolkitAuthorization(sd_bus& bus);
     ~PolkitAuthorization() override;
-    void check(const ClientName& client, Right right, std::function<void(HelperResult)> answer) override;
+    void check(const ClientName& client,
+        Right right,
+        Interaction interaction,
+        std::function<void(const Verdict&)> answer) override;
 
 private:
     struct Question;
+    bool hasCompany(const ClientName& client) const;
+    const char* action(const ClientName& client, Right right) const;
     static int answered(sd_bus_message* reply, void* userdata, sd_bus_error*);
 
     sd_bus& bus_;

@@ -15,6 +15,8 @@ public:
 
 class MacPower final : public PowerControl {
 public:
+    /// Nothing tells beforehand.
+    HelperResult canSuspend() override { return {}; }
     HelperResult suspend() override;
     HelperResult powerOff() override;
     bool shouldSleepForLid() override;
@@ -23,7 +25,10 @@ public:
 /// Whoever got through to the daemon carries the application's signature: the listener lets nobody else in.
 class SignedCallers final : public Authorization {
 public:
-    void check(const ClientName&, Right, std::function<void(HelperResult)> answer) override { answer({}); }
+    void check(const ClientName&, Right, Interaction, std::function<void(const Verdict&)> answer) override
+    {
+        answer({});
+    }
 };
 
 } // namespace vespra

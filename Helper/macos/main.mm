@@ -3,6 +3,7 @@
 #include "Helper/macos/MacMachine.h"
 #include "Helper/macos/MainQueueWatchdog.h"
 #include "Helper/macos/XPCService.h"
+#include "HelperProtocol/Brand.h"
 
 #import <Foundation/Foundation.h>
 
@@ -33,6 +34,12 @@ void runLoop()
 
 int run()
 {
+    const SystemLog log{Brand::appBundleID(), "helper"};
+    LedgerFile ledger{stateDirectory};
+    if (!ledger.claim()) {
+        log.error("Démarrage impossible : un autre helper est déjà à l'œuvre");
+        return EXIT_FAILURE;
+    }
     signal(SIGTERM, SIG_IGN);
     dispatch_source_t termination
         = dispatch_source_create(DISPATCH_SOURCE_TYPE_SIGNAL, SIGTERM, 0, dispatch_get_main_queue());
@@ -43,7 +50,6 @@ int run()
 
     const auto tasks = makeDispatchTaskScheduler();
     SystemClock clock;
-    LedgerFile ledger{stateDirectory};
     MacSleepSetting setting;
     MacPower power;
     SignedCallers authorization;

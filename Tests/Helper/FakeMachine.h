@@ -8,6 +8,22 @@ namespace vespra {
 /// Thrown where the daemon is killed.
 struct Killed { };
 
+/// Tasks that may come too early.
+struct EarlyTasks final : TaskScheduling {
+    EarlyTasks(VirtualTime& onTime, double ofTheWait)
+        : time{onTime}
+        , share{ofTheWait}
+    {
+    }
+    ContinuousInstant continuousNow() const override { return time.continuousNow(); }
+    std::unique_ptr<ScheduledTask> schedule(Seconds after, std::function<void()> action) override
+    {
+        return time.schedule(after * share, std::move(action));
+    }
+    VirtualTime& time;
+    double share;
+};
+
 /// A computer whose setting and disk outlive the daemon. Killing the daemon before its n-th change loses nothing that
 /// it had changed by then, and it changes nothing any more.
 class FakeMachine final : public SleepSetting, public LedgerStorage, public PowerControl, public Authorization {
@@ -21,7 +37,11 @@ public:
     bool isSettingForUsersOnly = false;
     bool isLidShut = false;
     std::vector<std::string> deeds;
-    std::string denial;
+    /// How long each change takes; tasks come too early then.
+    Seconds delay{};
+    /// Who wants the computer to stay on.
+    std::string blocker;
+    std::optional<Denial::Reason> denial;
     /// Authorizations are answered when the test says so.
     bool asksTheUser = false;
     std::vector<std::function<void()>> asked;
@@ -36,7 +56,11 @@ public:
         asked.clear();
     }
 
-    HelperMachine parts(VirtualTime& time) { return {*this, *this, *this, *this, time, time}; }
+    HelperMachine parts(VirtualTime& time)
+    {
+        tasks_.emplace(time, delay > 0s ? 0.9 : 1);
+        return {*this, *this, *this, *this, *tasks_, time};
+    }
 
     std::expected<bool, std::string> isSleepDisabled() override { return isDisabled; }
     HelperResult setSleepDisabled(bool disabled) override
@@ -83,15 +107,22 @@ public:
         deeds.emplace_back("suspend");
         return {};
     }
+    HelperResult canSuspend() override { return blocker.empty() ? HelperResult{} : std::unexpected{blocker}; }
     HelperResult powerOff() override
     {
-        deeds.emplace_back("powerOff");
+        if (!blocker.empty())
+            return std::unexpected{blocker};
+        deeds.emplace_back(isDisabled ? "powerOff while kept awake" : "powerOff");
         return {};
     }
     bool shouldSleepForLid() override { return isLidShut; }
-    void check(const ClientName&, Right, std::function<void(HelperResult)> answer) override
+    void check(
+        const ClientName&, Right, Interaction interaction, std::function<void(const Verdict&)> answer) override
     {
-        const auto verdict = denial.empty() ? HelperResult{} : std::unexpected{denial};
+        const bool provesIt
+            = denial == Denial::Reason::needsAuthentication && interaction == Interaction::allowed;
+        const auto verdict
+            = denial && !provesIt ? Verdict{std::unexpected{Denial{*denial, "pas autorisé"}}} : Verdict{};
         if (asksTheUser)
             asked.emplace_back([answer, verdict] { answer(verdict); });
         else
@@ -103,6 +134,7 @@ private:
     {
         if (isDead_)
             return false;
+        tasks_->time.pass(delay);
         if (changesLeft_ && (*changesLeft_)-- == 0) {
             isDead_ = true;
             throw Killed{};
@@ -110,6 +142,7 @@ private:
         return true;
     }
 
+    std::optional<EarlyTasks> tasks_;
     std::optional<int> changesLeft_;
     bool isDead_ = false;
 };

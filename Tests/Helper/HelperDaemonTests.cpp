@@ -11,6 +11,7 @@ namespace {
 
     using testing::ElementsAre;
     using testing::IsEmpty;
+    using Reason = Authorization::Denial::Reason;
 
     class HelperDaemonTest : public testing::Test {
     protected:
@@ -171,7 +172,7 @@ namespace {
         for (const auto& [refusal, cause] : std::vector<std::pair<std::string, std::function<void()>>>{
                  {"disque plein", [&] { machine.isDiskWritable = false; }},
                  {"le réglage ne répond pas", [&] { machine.isSettingStuck = true; }},
-                 {"pas autorisé", [&] { machine.denial = "pas autorisé"; }},
+                 {"pas autorisé", [&] { machine.denial = Reason::denied; }},
              }) {
             SCOPED_TRACE(refusal);
             start();
@@ -183,7 +184,7 @@ namespace {
             time.advance(OverrideLeases::retryInterval);
             EXPECT_FALSE(machine.isDisabled || machine.disk);
             EXPECT_TRUE(daemon->isIdle());
-            if (machine.denial.empty())
+            if (!machine.denial)
                 continue;
             for (const auto request : {&Client::sleepNow, &Client::shutDown})
                 EXPECT_EQ(ask(*session, request), refusal);
@@ -210,17 +211,66 @@ namespace {
         }
     }
 
-    TEST_F(HelperDaemonTest, LetsGoBeforeSleepAndShutdown)
+    TEST_F(HelperDaemonTest, LetsGoBeforeSleepAndAfterShutdownUnlessItIsRefused)
     {
+        machine.isLidShut = true;
         for (const auto request : {&Client::sleepNow, &Client::shutDown}) {
             startEnabled();
             enable(*other);
+            machine.blocker = "dpkg";
+            EXPECT_EQ(ask(*session, request), HelperRefusal{"dpkg"});
+            EXPECT_TRUE(machine.isDisabled && heartbeat(*session) && heartbeat(*other));
+            machine.blocker.clear();
             EXPECT_EQ(ask(*session, request), std::nullopt);
             EXPECT_FALSE(machine.isDisabled || machine.disk);
             EXPECT_FALSE(heartbeat(*other));
+            daemon->systemWillSleep();
+            time.advance(1min);
             end();
         }
-        EXPECT_THAT(machine.deeds, ElementsAre("suspend", "powerOff"));
+        EXPECT_THAT(machine.deeds, ElementsAre("suspend", "powerOff while kept awake"));
+    }
+
+    TEST_F(HelperDaemonTest, LooksAtTheRightAgainAtEachHeartbeat)
+    {
+        struct Row {
+            const char* what;
+            std::optional<Reason> atFirst, later;
+            bool expected, isRenewed;
+        };
+        for (const auto& row : std::vector<Row>{
+                 {"no longer there", {}, Reason::denied, false, false},
+                 {"a person would be needed now", {}, Reason::needsAuthentication, false, false},
+                 {"a person was needed", Reason::needsAuthentication, Reason::needsAuthentication, true, true},
+                 {"a person's right is taken away", Reason::needsAuthentication, Reason::denied, false, false},
+                 {"nobody can say", {}, Reason::unanswered, true, false},
+             }) {
+            SCOPED_TRACE(row.what);
+            machine.denial = row.atFirst;
+            startEnabled();
+            machine.denial = {};
+            enable(*other);
+            time.advance(20s);
+            EXPECT_TRUE(heartbeat(*other));
+            machine.denial = row.later;
+            EXPECT_EQ(heartbeat(*session), row.expected);
+            machine.denial = {};
+            EXPECT_TRUE(heartbeat(*other)) << "it has a right of its own";
+            time.advance(10s);
+            EXPECT_EQ(heartbeat(*session), row.isRenewed);
+            end();
+        }
+    }
+
+    TEST_F(HelperDaemonTest, ARenewalCountsFromItsRequest)
+    {
+        startEnabled();
+        machine.asksTheUser = true;
+        session->heartbeat([](auto) { });
+        time.advance(20s);
+        machine.asked.front()();
+        time.advance(5s);
+        EXPECT_FALSE(machine.isDisabled);
     }
 
     TEST_F(HelperDaemonTest, ASleepThatIsRefusedAtFirstIsTriedAgain)
@@ -238,6 +288,13 @@ namespace {
         time.advance(10s);
         EXPECT_THAT(refusals, ElementsAre(testing::_, HelperRefusal{}));
         EXPECT_THAT(machine.deeds, ElementsAre("suspend"));
+
+        machine.isDisabled = true;
+        session->sleepNow(note);
+        machine.isDisabled = false;
+        time.sleep(1h); // at the shut lid's instance
+        EXPECT_EQ(refusals.size(), 3u);
+        EXPECT_EQ(machine.deeds.size(), 1u) << "whoever opens the lid is not sent to sleep again";
     }
 
     TEST_F(HelperDaemonTest, AsksForSleepWhileTheLidStaysShut)
@@ -279,8 +336,8 @@ namespace {
         EXPECT_EQ(time.pendingTasks(), 0u);
     }
 
-    /// What two clients, kills and time do in any order: the override never outlives the last sign of life by more than
-    /// the lease, and the original is never lost.
+    /// What two clients, kills and time do in any order, on any disk: the override never outlives the last sign of life
+    /// by more than the lease, and the original is never lost.
     TEST_F(HelperDaemonTest, KeepsItsPromiseInAnyOrderOfEvents)
     {
         for (unsigned seed = 0; seed < 1000; ++seed) {
@@ -289,19 +346,21 @@ namespace {
             const auto pick = [&](int count) { return std::uniform_int_distribution{0, count - 1}(random); };
             const bool original = pick(2);
             machine.isDisabled = original;
+            machine.delay = std::array<Seconds, 4>{0s, 20ms, 100ms, 1s}[seed % 4];
             start();
             auto lastSign = time.continuousNow();
             const auto step = [&] {
                 auto& client = *(pick(2) ? session : other);
+                const auto asked = time.continuousNow();
                 switch (pick(8)) {
                 case 0:
                 case 1:
                     if (!enable(client))
-                        lastSign = time.continuousNow();
+                        lastSign = asked;
                     break;
                 case 2:
                     if (heartbeat(client))
-                        lastSign = time.continuousNow();
+                        lastSign = asked;
                     break;
                 case 3:
                     restore(client);
@@ -334,7 +393,7 @@ namespace {
                 ASSERT_EQ(isToldIdle, daemon->isIdle());
                 if (machine.isDisabled == original)
                     continue;
-                ASSERT_LT(time.continuousNow() - lastSign, 25s);
+                ASSERT_LT(time.continuousNow() - lastSign, 25s + 1s);
                 ASSERT_EQ(machine.disk->originalSleepDisabled, original);
             }
             machine.revive();

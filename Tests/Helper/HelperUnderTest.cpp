@@ -1,5 +1,6 @@
 // The daemon with a lease and a state directory of the test's choice, which ends like a killed process right before the
 // n-th thing that it does to the outside: HelperUnderTest STATE-DIRECTORY LEASE IDLE [N]
+// $DELAY: how long each sync of a file and each call of a service takes, in microseconds
 
 #include "Helper/linux/HelperProgram.h"
 
@@ -19,6 +20,13 @@ void step()
 {
     if (stepsLeft-- == 0)
         raise(SIGKILL);
+}
+
+void slowStep()
+{
+    step();
+    if (const char* delay = std::getenv("DELAY"))
+        usleep(static_cast<useconds_t>(std::atoi(delay)));
 }
 
 } // namespace
@@ -49,14 +57,14 @@ ssize_t __wrap_write(int descriptor, const void* bytes, size_t count)
 {
     return step(), __real_write(descriptor, bytes, count);
 }
-int __wrap_fsync(int descriptor) { return step(), __real_fsync(descriptor); }
+int __wrap_fsync(int descriptor) { return slowStep(), __real_fsync(descriptor); }
 int __wrap_rename(const char* from, const char* to) { return step(), __real_rename(from, to); }
 int __wrap_unlink(const char* path) { return step(), __real_unlink(path); }
 int __wrap_close(int descriptor) { return step(), __real_close(descriptor); }
 int __wrap_sd_bus_call(
     sd_bus* bus, sd_bus_message* message, uint64_t limit, sd_bus_error* error, sd_bus_message** reply)
 {
-    return step(), __real_sd_bus_call(bus, message, limit, error, reply);
+    return slowStep(), __real_sd_bus_call(bus, message, limit, error, reply);
 }
 }
 

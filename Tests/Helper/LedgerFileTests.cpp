@@ -3,10 +3,21 @@
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TextFiles.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace vespra {
+
+namespace {
+
+    int syncsUntilFailure = -1;
+
+} // namespace
+
+/// In the system's place: everything reaches the disk, but for the n-th.
+bool syncToDisk(int) { return syncsUntilFailure-- != 0; }
 
 namespace {
 
@@ -58,16 +69,64 @@ namespace {
         EXPECT_FALSE(ledger.read());
     }
 
-    TEST_F(LedgerFileTest, FollowsNoLinkAndReportsAPlaceItCannotUse)
+    TEST_F(LedgerFileTest, FollowsNoLink)
     {
         putText(directory / "elsewhere", R"({"originalSleepDisabled":true,"appliedAt":0})");
         std::filesystem::create_directories(state);
         std::filesystem::create_symlink(directory / "elsewhere", path);
         EXPECT_FALSE(ledger.read());
-        std::filesystem::create_directories(state / "sleep-override.json.new");
-        const auto written = ledger.write(sample);
-        ASSERT_FALSE(written);
-        EXPECT_NE(written.error().find(path.string() + ".new"), std::string::npos) << written.error();
+    }
+
+    TEST_F(LedgerFileTest, NothingThatFailsCountsAsDone)
+    {
+        const auto write = [&] { return ledger.write(sample); };
+        const auto erase = [&] { return ledger.erase(); };
+        const auto setAside = [&] { return ledger.setAside(); };
+        const auto inTheWay = [&](const char* name) { std::filesystem::create_directories(state / name / "x"); };
+        const auto present = [&] { putText(path, "{"); };
+        const auto syncFails = [](int after) { return [after] { syncsUntilFailure = after; }; };
+        const auto nothingFits = [&] {
+            std::filesystem::create_directories(state);
+            std::signal(SIGXFSZ, SIG_IGN);
+            const rlimit none{0, RLIM_INFINITY};
+            setrlimit(RLIMIT_FSIZE, &none);
+        };
+        struct Row {
+            const char* what;
+            std::function<void()> before;
+            std::function<HelperResult()> change;
+        };
+        for (const auto& [what, before, change] : std::vector<Row>{
+                 {"the directory", [&] { putText(state, ""); }, write},
+                 {"the directory's sync", syncFails(0), write},
+                 {"the temporary file", [&] { inTheWay("sleep-override.json.new"); }, write},
+                 {"the record", nothingFits, write},
+                 {"the record's sync", syncFails(1), write},
+                 {"the renaming", [&] { inTheWay("sleep-override.json"); }, write},
+                 {"the renaming's sync", syncFails(2), write},
+                 {"the deletion", [&] { inTheWay("sleep-override.json"); }, erase},
+                 {"the deletion's sync", [&] { present(), syncsUntilFailure = 0; }, erase},
+                 {"setting aside", [&] { present(), inTheWay("sleep-override.json.bad"); }, setAside},
+                 {"its sync", [&] { present(), syncsUntilFailure = 0; }, setAside},
+             }) {
+            SCOPED_TRACE(what);
+            before();
+            EXPECT_FALSE(change());
+            const rlimit any{RLIM_INFINITY, RLIM_INFINITY};
+            setrlimit(RLIMIT_FSIZE, &any);
+            syncsUntilFailure = -1;
+            std::filesystem::remove_all(state);
+        }
+    }
+
+    TEST_F(LedgerFileTest, IsForOneAtATime)
+    {
+        for (int turn = 0; turn < 2; ++turn) {
+            LedgerFile first{state};
+            EXPECT_TRUE(first.claim());
+            EXPECT_FALSE(ledger.claim());
+        }
+        EXPECT_TRUE(ledger.claim());
     }
 
 } // namespace

@@ -14,9 +14,19 @@ MANAGER = "org.freedesktop.login1.Manager"
 POLKIT = "org.freedesktop.PolicyKit1.Authority"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 
-state = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": [], "hasLid": True}
+state = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": [], "hasLid": True,
+         "others": [], "canSuspend": "yes"}
 deeds = []  # what was asked for, with the locks held then
 locks = {}  # read end of the pipe -> [what, who, why, mode, uid, pid]
+
+
+watches = {}  # the same -> what waits for its end
+
+
+def forget(read):
+    GLib.source_remove(watches.pop(read))
+    os.close(read)
+    del locks[read]
 
 
 def note(kind, **more):
@@ -36,19 +46,28 @@ class Logind(dbus.service.Object):
         pid = dbus.Interface(bus.get_object("org.freedesktop.DBus", "/"), "org.freedesktop.DBus") \
             .GetConnectionUnixProcessID(sender)
         locks[read] = [str(what), str(who), str(why), str(mode), 0, int(pid)]
-        GLib.io_add_watch(read, GLib.PRIORITY_HIGH, GLib.IO_HUP, self.dropped)
+        watches[read] = GLib.io_add_watch(read, GLib.PRIORITY_HIGH, GLib.IO_HUP, self.dropped)
         handed = dbus.types.UnixFd(write)
         os.close(write)
         return handed
 
     def dropped(self, read, _condition):
-        os.close(read)
-        del locks[read]
+        forget(read)
         return False
 
     @dbus.service.method(MANAGER, "", "a(ssssuu)")
     def ListInhibitors(self):
         return dbus.Array([tuple(lock) for lock in [*locks.values(), *state["foreign"]]], signature="(ssssuu)")
+
+    @dbus.service.method(MANAGER, "", "a(susso)")
+    def ListSessions(self):
+        return dbus.Array([(kind, uid, "somebody", "seat0", "/sessions/" + kind) for kind, uid in
+                           [("user", os.getuid()), *((kind, os.getuid() + 1) for kind in state["others"])]],
+                          signature="(susso)")
+
+    @dbus.service.method(MANAGER, "", "s")
+    def CanSuspend(self):
+        return state["canSuspend"]
 
     @dbus.service.method(MANAGER, "b", "")
     def Suspend(self, _interactive):
@@ -64,6 +83,13 @@ class Logind(dbus.service.Object):
         if not state.get("isSilent"):
             answer({"LidClosed": state["lid"], "Docked": state["docked"], "OnExternalPower": False,
                     "HandleLidSwitch": state["lidAction"], "HandleLidSwitchExternalPower": ""}[name])
+
+
+class Session(dbus.service.Object):
+    """Called like its class."""
+    @dbus.service.method(PROPERTIES, "ss", "v", path_keyword="path")
+    def Get(self, _interface, _name, path):
+        return path.rpartition("/")[2]
 
 
 class Polkit(dbus.service.Object):
@@ -91,6 +117,11 @@ class Mock(dbus.service.Object):
         state.update(json.loads(changes))
         deeds.clear()
 
+    @dbus.service.method("app.vespra.Mock", "", "")
+    def ForgetLocks(self):
+        for read in [*locks]:
+            forget(read)
+
     @dbus.service.method("app.vespra.Mock", "", "s")
     def Get(self):
         return json.dumps({"locks": list(locks.values()), "deeds": deeds})
@@ -101,6 +132,7 @@ connection = dbus.SystemBus()
 objects = [Logind(connection, "/org/freedesktop/login1"),
            Polkit(connection, "/org/freedesktop/PolicyKit1/Authority"),
            UPower(connection, "/org/freedesktop/UPower"),
+           *(Session(connection, "/sessions/" + kind) for kind in ("user", "greeter")),
            Mock(connection, "/mock")]
 names = [dbus.service.BusName(name, connection)
          for name in ("org.freedesktop.login1", "org.freedesktop.PolicyKit1", "org.freedesktop.UPower",
