@@ -1,5 +1,7 @@
 #include "Helper/linux/EventLoop.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -29,10 +31,11 @@ namespace {
         EventTask(sd_event& event, Seconds after, std::function<void()> action)
             : action_{std::move(action)}
         {
-            // It fails without memory only: then the process had better end, which lets go of everything.
-            if (sd_event_add_time(
-                    &event, &source_, CLOCK_BOOTTIME, microsecondsAfterNow(after), accuracy, &EventTask::fire, this)
-                < 0)
+            const int added = sd_event_add_time(
+                &event, &source_, CLOCK_BOOTTIME, microsecondsAfterNow(after), accuracy, &EventTask::fire, this);
+            // Once the loop has ended, no task runs any more. Otherwise it fails without memory only: then the process
+            // had better end, which lets go of everything.
+            if (added < 0 && added != -ESTALE)
                 std::abort();
         }
         ~EventTask() override { cancel(); }

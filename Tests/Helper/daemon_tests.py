@@ -111,13 +111,16 @@ class DaemonTest(unittest.TestCase):
         arguments = [UNDER_TEST, self.state, str(lease), str(idle)] + ([str(kill_at)] if kill_at is not None else [])
         self.daemon = subprocess.Popen(arguments, stderr=subprocess.DEVNULL, env=os.environ | environment)
         wait("the helper", lambda: self.daemon.poll() is not None or self.bus.name_has_owner(NAME))
+        Client().refused("ProtocolVersion")  # it answers once it has recovered
 
     def end(self, how):
+        status = None
         if getattr(self, "daemon", None):
             self.daemon.send_signal(how)
-            self.daemon.wait(10)
+            status = self.daemon.wait(10)
             self.daemon = None
         wait("the end of the helper", lambda: not self.bus.name_has_owner(NAME))
+        return status
 
     def enabled(self, **options):
         """A client of a new helper, for which closed-lid mode is on."""
@@ -192,8 +195,9 @@ class DaemonTest(unittest.TestCase):
                 bad = pathlib.Path(f"{self.ledger}.bad")
                 self.assertFalse(self.ledger.exists())
                 self.assertEqual(bad.exists() and bad.read_text() == content, is_kept)
-                Client().EnableClosedLid()
-                self.end(signal.SIGTERM)
+                client = Client()
+                client.EnableClosedLid()
+                self.assertEqual(self.end(signal.SIGTERM), 0)
                 self.assert_untouched()
 
     def test_refuses_without_changing_anything(self):
@@ -281,8 +285,8 @@ class DaemonTest(unittest.TestCase):
             manager.bind(str(self.directory / "notify"))
             manager.settimeout(5)
             self.start(NOTIFY_SOCKET=str(self.directory / "notify"), WATCHDOG_USEC="200000")
-            self.assertEqual([manager.recv(100) for _ in range(3)], [b"READY=1", b"WATCHDOG=1", b"WATCHDOG=1"])
-            self.end(signal.SIGTERM)
+            self.assertEqual([manager.recv(100) for _ in range(4)],
+                             [b"WATCHDOG=1", b"READY=1", b"WATCHDOG=1", b"WATCHDOG=1"])
 
     def test_ends_with_the_bus(self):
         ordinary = os.environ["DBUS_SYSTEM_BUS_ADDRESS"]
