@@ -333,7 +333,7 @@ class DaemonTest(unittest.TestCase):
         lease, slack, slow = 0.4, 1.0, {"DELAY": "40000"}
         self.start(lease=lease, **slow)
         clients, last_sign = [Client(), Client()], 0.0
-        for _ in range(300):
+        for _ in range(120):
             which = choose.randrange(2)
             event = choose.choice(["enable", "enable", "heartbeat", "restore", "vanish", "kill", "wait"])
             try:
