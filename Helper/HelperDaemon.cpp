@@ -94,10 +94,10 @@ private:
     void check(Right right, Interaction interaction, std::function<void(const Verdict&)> answer)
     {
         const auto answered = lifetime_.guard(std::move(answer));
-        daemon_.machine_.authorization.check(name_,
-            right,
-            interaction,
-            [answered, waiting = daemon_.waitForRight()](const Verdict& verdict) { answered(verdict); });
+        daemon_.machine_.authorization.check(
+            name_, right, interaction, [answered, waiting = daemon_.waitForRight()](const Verdict& verdict) {
+                answered(verdict);
+            });
     }
 
     void refuse(const Verdict& verdict, const HelperReply<HelperRefusal>& reply)

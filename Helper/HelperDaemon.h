@@ -14,7 +14,8 @@ public:
     /// Whether a person may be asked to prove who they are, which takes as long as they take.
     enum class Interaction { none, allowed };
     struct Denial {
-        /// `needsAuthentication`: only a person could give the right, and was not asked. `unanswered`: nobody could say.
+        /// `needsAuthentication`: only a person could give the right, and was not asked. `unanswered`: nobody could
+        /// say.
         enum class Reason { denied, needsAuthentication, unanswered };
         Reason reason;
         /// A sentence for the log.

@@ -16,8 +16,8 @@ public:
     BusService(const BusService&) = delete;
     BusService& operator=(const BusService&) = delete;
 
-    /// Takes the daemon's name, which one process alone can have: to be called before anything else is touched. Calls wait
-    /// for `publish` and the loop.
+    /// Takes the daemon's name, which one process alone can have: to be called before anything else is touched. Calls
+    /// wait for `publish` and the loop.
     static HelperResult takeName(sd_bus& bus);
     /// Takes the calls.
     HelperResult publish();

@@ -71,10 +71,7 @@ std::optional<bool> LogindManager::flag(const char* property) const
     return value != 0;
 }
 
-std::optional<std::string> LogindManager::text(const char* property) const
-{
-    return text(path, interface, property);
-}
+std::optional<std::string> LogindManager::text(const char* property) const { return text(path, interface, property); }
 
 std::optional<std::string> LogindManager::text(const char* object, const char* of, const char* property) const
 {
@@ -100,8 +97,7 @@ bool LogindManager::hasSessionsOfOthers(uid_t user) const
     int result = sd_bus_message_enter_container(message, 'a', "(susso)");
     const char *id = nullptr, *name = nullptr, *seat = nullptr, *session = nullptr;
     std::uint32_t owner = 0;
-    while (result >= 0
-        && (result = sd_bus_message_read(message, "(susso)", &id, &owner, &name, &seat, &session)) > 0)
+    while (result >= 0 && (result = sd_bus_message_read(message, "(susso)", &id, &owner, &name, &seat, &session)) > 0)
         if (owner != user && isLogin(session))
             return true;
     return result < 0;
@@ -224,8 +220,9 @@ HelperResult LogindPower::unlessBlocked(const char* what, const char* method)
 /// it does not look again at one that has been shut all the while.
 bool LogindPower::isLidHeldByOthers()
 {
-    const auto other = blocker(
-        [](std::string_view held) { return contains(held, "handle-lid-switch") && !contains(held, "handle-power-key"); });
+    const auto other = blocker([](std::string_view held) {
+        return contains(held, "handle-lid-switch") && !contains(held, "handle-power-key");
+    });
     return !other || *other;
 }
 

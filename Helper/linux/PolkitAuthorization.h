@@ -14,9 +14,7 @@ class PolkitAuthorization final : public Authorization {
 public:
     explicit PolkitAuthorization(sd_bus& bus);
     ~PolkitAuthorization() override;
-    void check(const ClientName& client,
-        Right right,
-        Interaction interaction,
+    void check(const ClientName& client, Right right, Interaction interaction,
         std::function<void(const Verdict&)> answer) override;
 
 private:

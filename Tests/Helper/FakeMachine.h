@@ -116,11 +116,9 @@ public:
         return {};
     }
     bool shouldSleepForLid() override { return isLidShut; }
-    void check(
-        const ClientName&, Right, Interaction interaction, std::function<void(const Verdict&)> answer) override
+    void check(const ClientName&, Right, Interaction interaction, std::function<void(const Verdict&)> answer) override
     {
-        const bool provesIt
-            = denial == Denial::Reason::needsAuthentication && interaction == Interaction::allowed;
+        const bool provesIt = denial == Denial::Reason::needsAuthentication && interaction == Interaction::allowed;
         const auto verdict
             = denial && !provesIt ? Verdict{std::unexpected{Denial{*denial, "pas autorisé"}}} : Verdict{};
         if (asksTheUser)

@@ -1,6 +1,7 @@
 // The daemon with a lease and a state directory of the test's choice, which ends like a killed process right before the
 // n-th thing that it does to the outside: HelperUnderTest STATE-DIRECTORY LEASE IDLE [N]
 // $DELAY: how long each sync of a file and each call of a service takes, in microseconds
+// $STOPS: it stops, for whoever continues it, right before it gives up its name
 
 #include "Helper/linux/HelperProgram.h"
 
@@ -41,6 +42,7 @@ int __real_fsync(int descriptor);
 int __real_rename(const char* from, const char* to);
 int __real_unlink(const char* path);
 int __real_close(int descriptor);
+int __real_sd_bus_release_name(sd_bus*, const char* name);
 int __real_sd_bus_call(sd_bus*, sd_bus_message*, uint64_t, sd_bus_error*, sd_bus_message**);
 
 int __wrap_open(const char* path, int flags, ...)
@@ -61,6 +63,12 @@ int __wrap_fsync(int descriptor) { return slowStep(), __real_fsync(descriptor); 
 int __wrap_rename(const char* from, const char* to) { return step(), __real_rename(from, to); }
 int __wrap_unlink(const char* path) { return step(), __real_unlink(path); }
 int __wrap_close(int descriptor) { return step(), __real_close(descriptor); }
+int __wrap_sd_bus_release_name(sd_bus* bus, const char* name)
+{
+    if (std::getenv("STOPS"))
+        raise(SIGSTOP);
+    return __real_sd_bus_release_name(bus, name);
+}
 int __wrap_sd_bus_call(
     sd_bus* bus, sd_bus_message* message, uint64_t limit, sd_bus_error* error, sd_bus_message** reply)
 {

@@ -9,11 +9,13 @@ import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 
 import dbus
 import dbus.bus
+import dbus.lowlevel
 
 HELPER, UNDER_TEST = sys.argv.pop(1), sys.argv.pop(1)
 NAME = "app.vespra.Helper"
@@ -280,6 +282,27 @@ class DaemonTest(unittest.TestCase):
         self.assertEqual(subprocess.run([UNDER_TEST, self.state, "25", "60"], stderr=subprocess.DEVNULL).returncode, 1)
         self.assertEqual((self.ledger.read_text(), self.is_held(), client.Heartbeat()), (record, True, True))
 
+    def test_a_call_at_the_last_moment_is_served_unless_there_is_another_by_now(self):
+        for another in (False, True):
+            with self.subTest(another=another):
+                self.start(idle=0.1, STOPS="")
+                if another:
+                    self.bus.request_name(NAME)  # as soon as it is free
+                os.waitid(os.P_PID, self.daemon.pid, os.WSTOPPED)
+                threading.Timer(0.2, self.daemon.send_signal, (signal.SIGCONT,)).start()
+                bus = dbus.bus.BusConnection(os.environ["DBUS_SYSTEM_BUS_ADDRESS"])
+                call = dbus.lowlevel.MethodCallMessage(self.bus.get_name_owner(NAME), "/app/vespra/Helper", NAME,
+                                                       "EnableClosedLid")
+                try:
+                    answer = bus.send_message_with_reply_and_block(call, 5).get_type()
+                except dbus.DBusException as error:
+                    answer = error.get_dbus_name().rpartition(".")[2]
+                self.assertEqual(answer, "Disconnected" if another else dbus.lowlevel.MESSAGE_TYPE_METHOD_RETURN)
+                self.assertEqual(self.is_held(), not another)
+                if another:
+                    self.assertEqual(self.daemon.wait(5), 0)
+                    self.bus.release_name(NAME)
+
     def test_tells_the_watchdog_that_it_is_alive(self):
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
             manager.bind(str(self.directory / "notify"))
@@ -287,6 +310,8 @@ class DaemonTest(unittest.TestCase):
             self.start(NOTIFY_SOCKET=str(self.directory / "notify"), WATCHDOG_USEC="200000")
             self.assertEqual([manager.recv(100) for _ in range(4)],
                              [b"WATCHDOG=1", b"READY=1", b"WATCHDOG=1", b"WATCHDOG=1"])
+        unit = (HERE.parents[1] / "Resources/linux/vespra-helper.service.in").read_text()
+        self.assertRegex(unit, "(?m)^WatchdogSec=30$")
 
     def test_ends_with_the_bus(self):
         ordinary = os.environ["DBUS_SYSTEM_BUS_ADDRESS"]
