@@ -71,19 +71,23 @@ namespace {
         bool isToldIdle = false; // what whoever follows `onChange` takes `isIdle` for
     };
 
-    TEST_F(HelperDaemonTest, RecoversAlsoWhenKilledInTheRecovery)
+    TEST_F(HelperDaemonTest, RecoversFromRecordsAndGarbageAlsoWhenKilledMeanwhile)
     {
-        for (int changes = 0; changes <= 1; ++changes) {
-            machine.isDisabled = true;
-            machine.disk = SleepOverrideRecord{.originalSleepDisabled = false};
-            machine.killAfter(changes);
-            EXPECT_THROW(start(), Killed);
-            end();
-            start();
-            EXPECT_FALSE(machine.isDisabled);
-            EXPECT_EQ(machine.disk, std::nullopt);
-            end();
-        }
+        for (const bool isGarbage : {false, true})
+            for (int changes = 0; changes <= 1; ++changes) {
+                machine.isDisabled = true;
+                machine.isDiskGarbage = isGarbage;
+                machine.disk = SleepOverrideRecord{.originalSleepDisabled = false};
+                machine.killAfter(changes);
+                EXPECT_THROW(start(), Killed);
+                EXPECT_EQ(machine.isDisabled, changes == 0) << "the file goes last";
+                end();
+                start();
+                EXPECT_FALSE(machine.isDisabled || machine.isDiskGarbage);
+                EXPECT_EQ(enable(*session), std::nullopt);
+                end();
+                EXPECT_EQ(machine.disk, std::nullopt);
+            }
     }
 
     TEST_F(HelperDaemonTest, ALeaseLivesFor25SecondsAfterItsLastRenewal)
@@ -123,33 +127,6 @@ namespace {
         time.advance(20s);
         EXPECT_TRUE(machine.isDisabled);
         EXPECT_THAT(machine.deeds, IsEmpty());
-    }
-
-    TEST_F(HelperDaemonTest, TheLastClientOutRestores)
-    {
-        startEnabled();
-        enable(*other);
-        EXPECT_EQ(restore(*session), std::nullopt);
-        EXPECT_TRUE(machine.isDisabled);
-        EXPECT_FALSE(heartbeat(*session));
-        EXPECT_TRUE(heartbeat(*other));
-        other.reset();
-        EXPECT_FALSE(machine.isDisabled);
-        time.advance(ShutLidSleep::firstLook);
-        EXPECT_TRUE(daemon->isIdle());
-    }
-
-    TEST_F(HelperDaemonTest, GarbageInTheLedgerAllowsSleepAndIsSetAside)
-    {
-        machine.isDisabled = machine.isDiskGarbage = true;
-        machine.killAfter(1); // between the setting and the file
-        EXPECT_THROW(start(), Killed);
-        EXPECT_FALSE(machine.isDisabled);
-        EXPECT_TRUE(machine.isDiskGarbage);
-        end();
-        start();
-        EXPECT_FALSE(machine.isDiskGarbage);
-        EXPECT_EQ(enable(*session), std::nullopt);
     }
 
     TEST_F(HelperDaemonTest, TriesAgainUntilTheSettingIsBack)
@@ -396,6 +373,7 @@ namespace {
                 if (machine.isDisabled == original)
                     continue;
                 ASSERT_LT(time.continuousNow() - lastSign, 25s + 1s);
+                ASSERT_FALSE(daemon->isIdle());
                 ASSERT_EQ(machine.disk->originalSleepDisabled, original);
             }
             machine.revive();

@@ -82,32 +82,36 @@ namespace {
         const auto write = [&] { return ledger.write(sample); };
         const auto erase = [&] { return ledger.erase(); };
         const auto setAside = [&] { return ledger.setAside(); };
-        const auto inTheWay = [&](const char* name) { std::filesystem::create_directories(state / name / "x"); };
-        const auto present = [&] { putText(path, "{"); };
-        const auto syncFails = [](int after) { return [after] { syncsUntilFailure = after; }; };
+        const auto inTheWayOf = [&](const char* name) {
+            return [this, name] { std::filesystem::create_directories(state / name / "x"); };
+        };
+        const auto syncFails = [&](int after, const char* name = nullptr) {
+            return [&, after, name] {
+                syncsUntilFailure = after;
+                if (name)
+                    putText(state / name, "{");
+            };
+        };
         const auto nothingFits = [&] {
             std::filesystem::create_directories(state);
             std::signal(SIGXFSZ, SIG_IGN);
             const rlimit none{0, RLIM_INFINITY};
             setrlimit(RLIMIT_FSIZE, &none);
         };
-        struct Row {
-            const char* what;
-            std::function<void()> before;
-            std::function<HelperResult()> change;
-        };
+        const char* const file = "sleep-override.json";
+        using Row = std::tuple<const char*, std::function<void()>, std::function<HelperResult()>>;
         for (const auto& [what, before, change] : std::vector<Row>{
                  {"the directory", [&] { putText(state, ""); }, write},
                  {"the directory's sync", syncFails(0), write},
-                 {"the temporary file", [&] { inTheWay("sleep-override.json.new"); }, write},
+                 {"the temporary file", inTheWayOf("sleep-override.json.new"), write},
                  {"the record", nothingFits, write},
                  {"the record's sync", syncFails(1), write},
-                 {"the renaming", [&] { inTheWay("sleep-override.json"); }, write},
+                 {"the renaming", inTheWayOf(file), write},
                  {"the renaming's sync", syncFails(2), write},
-                 {"the deletion", [&] { inTheWay("sleep-override.json"); }, erase},
-                 {"the deletion's sync", [&] { present(), syncsUntilFailure = 0; }, erase},
-                 {"setting aside", [&] { present(), inTheWay("sleep-override.json.bad"); }, setAside},
-                 {"its sync", [&] { present(), syncsUntilFailure = 0; }, setAside},
+                 {"the deletion", inTheWayOf(file), erase},
+                 {"the deletion's sync", syncFails(0, file), erase},
+                 {"setting aside", [&] { putText(path, "{"), inTheWayOf("sleep-override.json.bad")(); }, setAside},
+                 {"its sync", syncFails(0, file), setAside},
              }) {
             SCOPED_TRACE(what);
             before();

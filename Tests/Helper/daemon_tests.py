@@ -2,7 +2,6 @@
 import json
 import os
 import pathlib
-import random
 import shutil
 import signal
 import socket
@@ -23,15 +22,6 @@ HERE = pathlib.Path(__file__).parent
 LOCK = "sleep:handle-lid-switch"
 BUS_CONFIGURATION = """<busconfig><type>system</type><listen>unix:path={0}/bus</listen>
 <policy context="default"><allow own="*"/><allow send_destination="*"/><allow receive_sender="*"/></policy></busconfig>"""
-CLIENT = """
-import dbus, sys, time
-helper = dbus.Interface(dbus.SystemBus().get_object("app.vespra.Helper", "/app/vespra/Helper"), "app.vespra.Helper")
-helper.EnableClosedLid()
-print("applied", flush=True)
-while True:
-    time.sleep(0.2)
-    helper.Heartbeat()
-"""
 
 
 def wait(what, condition, limit=5.0):
@@ -147,23 +137,14 @@ class DaemonTest(unittest.TestCase):
         client.RestoreSleep()
         self.assert_untouched()
         self.assertFalse(client.Heartbeat())
+        client.EnableClosedLid()
+        self.assertEqual(self.end(signal.SIGTERM), 0)
+        self.assert_untouched()
 
-    def test_a_killed_client_is_let_go_at_once_and_a_stopped_one_with_its_lease(self):
-        for how, lease in ((signal.SIGKILL, 25), (signal.SIGSTOP, 1)):
-            with self.subTest(how=how):
-                self.start(lease=lease)
-                with subprocess.Popen([sys.executable, "-c", CLIENT], stdout=subprocess.PIPE) as client:
-                    try:
-                        client.stdout.readline()
-                        time.sleep(1.5)
-                        self.assertTrue(self.is_held())
-                        client.send_signal(how)
-                        if how == signal.SIGSTOP:
-                            time.sleep(0.5)
-                            self.assertTrue(self.is_held())
-                        wait("the end of the lock", lambda: not self.is_held(), 1.0)
-                    finally:
-                        client.kill()
+    def test_a_slow_disk_makes_no_lease_longer(self):
+        self.enabled(lease=1, DELAY="60000")
+        self.assertTrue(self.is_held())
+        wait("the end of the lock", lambda: not self.is_held(), 2.0)
 
     def test_killed_at_any_step_it_leaves_the_setting_as_it_was(self):
         steps = 0
@@ -188,61 +169,22 @@ class DaemonTest(unittest.TestCase):
             steps += 1
         self.assertGreater(steps, 12)
 
-    def test_recovers_from_what_is_left_on_the_disk(self):
-        for content, is_kept in (('{"originalSleepDisabled":true,"appliedAt":1}', False), ("{", True), ("", True)):
-            with self.subTest(content=content):
-                self.state.mkdir(exist_ok=True)
-                self.ledger.write_text(content)
-                self.start()
-                bad = pathlib.Path(f"{self.ledger}.bad")
-                self.assertFalse(self.ledger.exists())
-                self.assertEqual(bad.exists() and bad.read_text() == content, is_kept)
-                client = Client()
-                client.EnableClosedLid()
-                self.assertEqual(self.end(signal.SIGTERM), 0)
-                self.assert_untouched()
-
-    def test_refuses_without_changing_anything(self):
-        for what, changes, state_is_a_file in (("no right", {"polkit": "deny"}, False),
-                                               ("no policy", {"polkit": "broken"}, False),
-                                               ("no ledger", {}, True),
-                                               ("no lock", {"inhibitFails": True}, False)):
-            with self.subTest(what=what):
-                self.set(polkit="allow", inhibitFails=False)
-                self.set(**changes)
-                if state_is_a_file:
-                    self.state.write_text("")
-                self.start()
-                client = Client()
-                self.assertTrue(client.refused("EnableClosedLid"))
-                self.assertFalse(client.Heartbeat())
-                self.assert_untouched()
-                if "polkit" in changes:
-                    self.assertTrue(client.refused("SleepNow") and client.refused("ShutDown"))
-                    self.assertEqual(self.deeds(), [])
-                self.end(signal.SIGKILL)
-                if state_is_a_file:
-                    self.state.unlink()
-
     def test_asks_polkit_about_the_connection(self):
-        own, sleep, off = ["app.vespra.helper.closed-lid"] * 2, "org.freedesktop.login1.suspend", \
-            "org.freedesktop.login1.power-off"
-        for changes, methods, asked in (
-                ({}, ["EnableClosedLid", "Heartbeat", "SleepNow", "ShutDown"], [*own, sleep, off]),
-                ({"others": ["greeter"]}, ["SleepNow"], [sleep]),
-                ({"others": ["user"]}, ["SleepNow", "ShutDown"],
-                 [sleep + "-multiple-sessions", off + "-multiple-sessions"]),
-                ({"polkit": "ask"}, ["EnableClosedLid"], own)):
-            with self.subTest(changes=changes):
-                self.start()
-                client = Client()
-                self.set(**changes)
-                for method in methods:
-                    client.refused(method)
-                self.assertEqual([(deed["action"], deed["subject"], deed["flags"])
-                                  for deed in self.get("deeds") if deed["kind"] == "polkit"],
-                                 [(action, ["system-bus-name", client.bus.get_unique_name()],
-                                   int("polkit" in changes and number == 1)) for number, action in enumerate(asked)])
+        self.start()
+        client = Client()
+        subject = ["system-bus-name", client.bus.get_unique_name()]
+        own, login = "app.vespra.helper.closed-lid", "org.freedesktop.login1."
+        for changes, method, asked in (
+                ({}, "EnableClosedLid", [(own, 0)]), ({}, "Heartbeat", [(own, 0)]), ({}, "SleepNow", [(login + "suspend", 0)]),
+                ({"others": ["greeter"]}, "ShutDown", [(login + "power-off", 0)]),
+                ({"others": ["user"]}, "SleepNow", [(login + "suspend-multiple-sessions", 0)]),
+                ({"others": ["user"]}, "ShutDown", [(login + "power-off-multiple-sessions", 0)]),
+                ({"polkit": "ask"}, "EnableClosedLid", [(own, 0), (own, 1)])):
+            self.set(**changes)
+            client.refused(method)
+            self.assertEqual([(deed["action"], deed["flags"], deed["subject"])
+                              for deed in self.get("deeds") if deed["kind"] == "polkit"],
+                             [(*question, subject) for question in asked])
 
     def test_a_right_that_is_taken_away_ends_the_lock(self):
         client = self.enabled()
@@ -344,50 +286,6 @@ class DaemonTest(unittest.TestCase):
         wait("a look at the lid", lambda: self.get("deeds"))
         client.EnableClosedLid()  # waits 10 s at most
         self.assertTrue(self.is_held())
-
-    def test_leaves_when_it_has_nothing_to_do(self):
-        client = self.enabled(idle=0.5)
-        time.sleep(1)
-        self.assertIsNone(self.daemon.poll())
-        client.RestoreSleep()
-        self.assertEqual(self.daemon.wait(5), 0)
-
-    def test_any_order_of_clients_and_kills_keeps_the_promise(self):
-        seed = random.randrange(10**6)
-        choose = random.Random(seed)
-        lease, slack, slow = 0.4, 1.0, {"DELAY": "40000"}
-        self.start(lease=lease, **slow)
-        clients, last_sign = [Client(), Client()], 0.0
-        for _ in range(120):
-            which = choose.randrange(2)
-            event = choose.choice(["enable", "enable", "heartbeat", "restore", "vanish", "kill", "wait"])
-            try:
-                if event == "enable":
-                    clients[which].EnableClosedLid()
-                    last_sign = time.monotonic()
-                elif event == "heartbeat" and clients[which].Heartbeat():
-                    last_sign = time.monotonic()
-                elif event == "restore":
-                    clients[which].RestoreSleep()
-                elif event == "vanish":
-                    clients[which].bus.close()
-                    clients[which] = Client()
-                elif event == "kill":
-                    self.end(signal.SIGKILL)
-                    wait("no lock without a helper", lambda: not self.is_held())
-                    self.start(lease=lease, **slow)
-                    self.assertFalse(self.ledger.exists())
-                else:
-                    time.sleep(2 * choose.random() ** 8)  # seldom longer than both
-            except dbus.DBusException as error:
-                self.fail(f"seed {seed}: {event}: {error}")
-            # In this order: a lease that runs out in between takes the lock before the record.
-            is_recorded = self.ledger.exists()
-            if self.is_held():
-                self.assertLess(time.monotonic() - last_sign, lease + slack, f"seed {seed}")
-                self.assertTrue(is_recorded, f"seed {seed}")
-        time.sleep(lease + slack)
-        self.assert_untouched()
 
     def test_the_installed_helper_takes_no_options_but_these(self):
         for arguments, status in ((["--help"], 0), (["--lease", "1000"], 2), (["--install", "/tmp"], 2)):
