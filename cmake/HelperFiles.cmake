@@ -4,11 +4,25 @@ string(REPLACE "." "/" VESPRA_HELPER_OBJECT_PATH "/${VESPRA_BRAND_HELPER_BUNDLE_
 # polkit knows lower-case names only.
 string(TOLOWER "${VESPRA_BRAND_HELPER_BUNDLE_ID}.closed-lid" VESPRA_HELPER_POLKIT_ACTION)
 set(VESPRA_HELPER_PACKAGED_PROGRAM "${CMAKE_INSTALL_FULL_LIBEXECDIR}/vespra-helper")
-set(VESPRA_HELPER_LOCAL_PROGRAM "/usr/local/libexec/vespra-helper")
+# Where the application finds the helper that came with it, wherever both have been put.
+file(RELATIVE_PATH VESPRA_HELPER_FROM_PROGRAMS "${CMAKE_INSTALL_FULL_BINDIR}" "${VESPRA_HELPER_PACKAGED_PROGRAM}")
+set(VESPRA_HELPER_PACKAGED_ACTIVATION
+    "/usr/share/dbus-1/system-services/${VESPRA_BRAND_HELPER_BUNDLE_ID}.service")
+
+# A helper that installs itself has names of its own for everything, so that a package may come and go beside it.
+# The bus looks into /lib last: there a package's activation goes before.
+set(VESPRA_HELPER_LOCAL_FOLDER "/usr/local/libexec/${VESPRA_BRAND_HELPER_BUNDLE_ID}")
+set(VESPRA_HELPER_LOCAL_PROGRAM "${VESPRA_HELPER_LOCAL_FOLDER}/vespra-helper")
+set(VESPRA_HELPER_LOCAL_UNIT "vespra-helper-local.service")
+set(VESPRA_HELPER_LOCAL_ACTIVATION "/lib/dbus-1/system-services/${VESPRA_BRAND_HELPER_BUNDLE_ID}.service")
+set(VESPRA_HELPER_LOCAL_BUS_POLICY "/etc/dbus-1/system.d/${VESPRA_BRAND_HELPER_BUNDLE_ID}-local.conf")
+set(VESPRA_HELPER_LOCAL_POLKIT_POLICY
+    "/usr/share/polkit-1/actions/${VESPRA_BRAND_HELPER_BUNDLE_ID}-local.policy")
 set(VESPRA_HELPER_FILES vespra-helper.service helper-activation.service helper-bus-policy.conf helper.policy)
 
-function(vespra_configure_helper_files program folder)
+function(vespra_configure_helper_files program unit folder)
     set(VESPRA_HELPER_PROGRAM "${program}")
+    set(VESPRA_HELPER_UNIT_NAME "${unit}")
     foreach(file IN LISTS VESPRA_HELPER_FILES)
         configure_file("${CMAKE_SOURCE_DIR}/Resources/linux/${file}.in" "${folder}/${file}" @ONLY)
     endforeach()

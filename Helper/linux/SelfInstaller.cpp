@@ -1,16 +1,16 @@
 #include "Helper/linux/SelfInstaller.h"
 
+#include "Helper/linux/FileReplacement.h"
 #include "Helper/linux/InstalledFiles.h"
-#include "Helper/linux/SystemBus.h"
 #include "HelperProtocol/linux/InstallationNames.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <fstream>
 #include <ranges>
+#include <sstream>
+#include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace vespra {
 
@@ -18,142 +18,236 @@ namespace fs = std::filesystem;
 
 namespace {
 
-    std::unexpected<std::string> failure(const std::string& what, const fs::path& path, int error)
+    constexpr auto isBusy = "Another installation is under way.";
+
+    Trust sourceTrust(const InstallationUsers& users)
     {
-        return std::unexpected{what + " " + path.string() + ": " + std::strerror(error)};
+        Trust trust{.owners = {0, users.owner}, .privateGroup = users.callersGroup, .acceptsStickyDirectories = true};
+        if (users.caller)
+            trust.owners.push_back(*users.caller);
+        return trust;
     }
 
-    /// Makes `bytes` the file at `path`, whole or not at all.
-    HelperResult writeFile(const fs::path& path, std::istream& bytes, mode_t mode)
+    bool isSameFile(int one, int other)
     {
-        auto temporary = path;
-        temporary += ".new";
-        ::unlink(temporary.c_str());
-        {
-            std::ofstream file{temporary, std::ios::binary};
-            file << bytes.rdbuf();
-            file.flush();
-            if (!file)
-                return failure("Cannot write", temporary, errno);
-        }
-        const int descriptor = ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-        const bool isOnDisk = descriptor >= 0 && ::fchmod(descriptor, mode) == 0 && ::fsync(descriptor) == 0;
-        const int error = errno;
-        if (descriptor >= 0)
-            ::close(descriptor);
-        if (isOnDisk && ::rename(temporary.c_str(), path.c_str()) == 0)
-            return {};
-        ::unlink(temporary.c_str());
-        return failure("Cannot write", path, isOnDisk ? errno : error);
+        struct stat first{}, second{};
+        return fstat(one, &first) == 0 && fstat(other, &second) == 0 && first.st_dev == second.st_dev
+            && first.st_ino == second.st_ino;
+    }
+
+    std::vector<std::string> lines(const std::string& text)
+    {
+        std::vector<std::string> result;
+        std::istringstream stream{text};
+        for (std::string line; std::getline(stream, line);)
+            result.push_back(line);
+        return result;
     }
 
 } // namespace
 
-SelfInstaller::SelfInstaller(fs::path root)
-    : root_{std::move(root)}
-    , program_{below(installation::localProgram)}
+SelfInstaller::SelfInstaller(fs::path root, InstallationUsers users)
+    : system_{std::move(root), {.owners = {users.owner}}}
+    , source_{"/", sourceTrust(users)}
 {
-    const std::string name = installation::busName;
-    // The activation comes last: what it starts is all there by then.
-    files_ = {
-        {below("/usr/share/polkit-1/actions/" + name + ".policy"), installation::polkitPolicy},
-        {below("/etc/dbus-1/system.d/" + name + ".conf"), installation::busPolicy},
-        {below("/etc/systemd/system/vespra-helper.service"), installation::unit},
-        {below("/usr/local/share/dbus-1/system-services/" + name + ".service"), installation::activation},
+}
+
+fs::path SelfInstaller::below(const fs::path& path) const { return system_.root() / path.relative_path(); }
+
+bool SelfInstaller::hasPackage() const
+{
+    std::error_code unreadable;
+    return fs::exists(below(installation::packagedActivation), unreadable) || unreadable;
+}
+
+/// None where another installation is under way.
+FileDescriptor SelfInstaller::lock() const
+{
+    FileDescriptor root{open(system_.root().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+    return root && flock(root.get(), LOCK_EX | LOCK_NB) == 0 ? std::move(root) : FileDescriptor{};
+}
+
+/// In the order in which they are put in place: what the activation starts is all there by then.
+std::vector<SelfInstaller::File> SelfInstaller::files(std::string program) const
+{
+    return {
+        {installation::localProgram, std::move(program), 0755},
+        {installation::polkitPolicyPath, installation::polkitPolicy, 0644},
+        {installation::busPolicyPath, installation::busPolicy, 0644},
+        {installation::unitPath, installation::unit, 0644},
+        {installation::activationPath, installation::activation, 0644},
     };
 }
 
-/// Makes `directory` where it is missing. Who may write to it, or to what it is in, could put another program in the
-/// place of the one that root runs.
-HelperResult SelfInstaller::checkDirectory(const fs::path& directory) const
+/// The way to the program as it is now has to lead to the one that is open.
+HelperResult SelfInstaller::checkProgram(int program) const
 {
-    auto path = root_;
-    for (const auto& part : directory.lexically_relative(root_)) {
-        path /= part;
-        if (::mkdir(path.c_str(), 0755) != 0 && errno != EEXIST)
-            return failure("Cannot make", path, errno);
-        struct stat status{};
-        if (::stat(path.c_str(), &status) != 0)
-            return failure("Cannot read", path, errno);
-        if (!S_ISDIR(status.st_mode))
-            return failure("Cannot use", path, ENOTDIR);
-        if (status.st_uid != ::geteuid() || (status.st_mode & S_IWOTH)
-            || ((status.st_mode & S_IWGRP) && status.st_gid != ::getegid()))
-            return std::unexpected{path.string() + " can be changed by others than root; nothing was installed."};
-    }
-    return {};
+    std::error_code error;
+    const auto path = fs::read_symlink("/proc/self/fd/" + std::to_string(program), error);
+    if (error)
+        return fileFailure("Cannot find", "the program", error.value());
+    const auto directory = source_.directory(path.parent_path());
+    if (!directory)
+        return std::unexpected{directory.error()};
+    const FileDescriptor named{
+        *directory ? openat(directory->get(), path.filename().c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC) : -1};
+    if (!named || !isSameFile(program, named.get()))
+        return std::unexpected{path.string() + " has been replaced meanwhile."};
+    return source_.check(program, path);
+}
+
+std::expected<std::string, std::string> SelfInstaller::readProgram(const fs::path& program) const
+{
+    const FileDescriptor file{open(program.c_str(), O_RDONLY | O_CLOEXEC)};
+    if (!file)
+        return fileFailure("Cannot read", program, errno);
+    if (const auto checked = checkProgram(file.get()); !checked)
+        return std::unexpected{checked.error()};
+    auto content = contentOf(file.get());
+    if (!content)
+        return fileFailure("Cannot read", program, content.error());
+    if (contentOf(file.get()) != content)
+        return std::unexpected{program.string() + " is being changed."};
+    return std::move(*content);
 }
 
 HelperResult SelfInstaller::install(const fs::path& program) const
 {
-    std::error_code ignored;
-    const auto packaged = below("/usr/share/dbus-1/system-services/" + std::string{installation::busName} + ".service");
-    if (fs::exists(packaged, ignored))
-        return std::unexpected{"A package has installed the helper already (" + packaged.string() + ")."};
-    if (const auto checked = checkDirectory(program_.parent_path()); !checked)
-        return checked;
-    for (const auto& file : files_)
-        if (const auto checked = checkDirectory(file.path.parent_path()); !checked)
-            return checked;
-    const auto written = writeAll(program);
-    if (!written)
-        (void)uninstall();
-    return written;
+    if (hasPackage())
+        return std::unexpected{
+            "A package has installed the helper (" + below(installation::packagedActivation).string() + ")."};
+    const auto held = lock();
+    if (!held)
+        return std::unexpected{isBusy};
+    auto content = readProgram(program);
+    if (!content)
+        return std::unexpected{content.error()};
+    return replace(files(std::move(*content)));
 }
 
-HelperResult SelfInstaller::writeAll(const fs::path& program) const
+HelperResult SelfInstaller::replace(const std::vector<File>& files) const
 {
-    std::ifstream executable{program, std::ios::binary};
-    if (!executable)
-        return failure("Cannot read", program, errno);
-    if (const auto written = writeFile(program_, executable, 0755); !written)
-        return written;
-    for (const auto& file : files_) {
-        std::istringstream content{file.content};
-        if (const auto written = writeFile(file.path, content, 0644); !written)
-            return written;
-    }
+    FileReplacement replacement{system_};
+    const auto run = [&]() -> HelperResult {
+        for (const auto& file : files)
+            if (const auto prepared = replacement.prepare(file.path, file.content, file.mode); !prepared)
+                return prepared;
+        auto directories = listedDirectories();
+        if (!directories)
+            return std::unexpected{directories.error()};
+        for (const auto& directory : replacement.madeDirectories())
+            *directories += directory.string() + '\n';
+        if (const auto listed = replacement.prepare(installation::directoryListPath, *directories, 0644); !listed)
+            return listed;
+        if (const auto replaced = replacement.replace(); !replaced)
+            return replaced;
+        return verify(files);
+    };
+    auto done = run();
+    if (done)
+        return replacement.settle();
+    if (const auto takenBack = replacement.takeBack(); !takenBack)
+        done.error() += " " + takenBack.error();
+    return done;
+}
+
+HelperResult SelfInstaller::verify(const fs::path& program) const
+{
+    if (hasPackage())
+        return {};
+    const FileDescriptor file{open(program.c_str(), O_RDONLY | O_CLOEXEC)};
+    auto content = file ? contentOf(file.get()) : std::unexpected{errno};
+    if (!content)
+        return fileFailure("Cannot read", program, content.error());
+    return verify(files(std::move(*content)));
+}
+
+HelperResult SelfInstaller::verify(const std::vector<File>& files) const
+{
+    for (const auto& file : files)
+        if (const auto verified = verify(file); !verified)
+            return verified;
     return {};
 }
 
-HelperResult SelfInstaller::uninstall() const
+HelperResult SelfInstaller::verify(const File& file) const
 {
-    HelperResult result;
-    const auto remove = [&](const fs::path& path) {
-        if (::unlink(path.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR && result)
-            result = failure("Cannot remove", path, errno);
-    };
-    for (const auto& file : files_ | std::views::reverse)
-        remove(file.path);
-    remove(program_);
-    return result;
+    const auto path = below(file.path);
+    const auto directory = system_.directory(file.path.parent_path());
+    if (!directory)
+        return std::unexpected{directory.error()};
+    const FileDescriptor opened{
+        *directory ? openat(directory->get(), path.filename().c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC) : -1};
+    struct stat status{};
+    if (!opened || fstat(opened.get(), &status) != 0)
+        return std::unexpected{path.string() + " is not there."};
+    if (const auto checked = system_.check(opened.get(), path); !checked)
+        return checked;
+    if ((status.st_mode & 07777) != file.mode || contentOf(opened.get()) != file.content)
+        return std::unexpected{path.string() + " is not this program's."};
+    return {};
 }
 
-HelperResult reloadSystem()
+/// One a line, outermost first; empty where there is no list.
+std::expected<std::string, std::string> SelfInstaller::listedDirectories() const
 {
-    sd_bus* connected = nullptr;
-    const int opened = sd_bus_open_system(&connected);
-    const Bus bus{connected};
-    if (opened < 0)
-        return std::unexpected{"The system bus does not answer: " + systemError(opened)};
-    const auto call
-        = [&](const char* service, const char* path, const char* interface, const char* method, const char* argument) {
-              BusError error;
-              const int result = argument
-                  ? sd_bus_call_method(
-                        connected, service, path, interface, method, &error.error, nullptr, "ss", argument, "replace")
-                  : sd_bus_call_method(connected, service, path, interface, method, &error.error, nullptr, "");
-              return result < 0 ? HelperResult{std::unexpected{std::string{method} + ": " + error.description(result)}}
-                                : HelperResult{};
-          };
-    constexpr auto systemd = "org.freedesktop.systemd1", manager = "org.freedesktop.systemd1.Manager";
-    if (::access("/run/systemd/system", F_OK) == 0) {
-        // One that is not running cannot be stopped, and needs not be.
-        (void)call(systemd, "/org/freedesktop/systemd1", manager, "StopUnit", "vespra-helper.service");
-        if (const auto reloaded = call(systemd, "/org/freedesktop/systemd1", manager, "Reload", nullptr); !reloaded)
-            return reloaded;
-    }
-    return call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig", nullptr);
+    const fs::path path{installation::directoryListPath};
+    const auto directory = system_.directory(path.parent_path());
+    if (!directory)
+        return std::unexpected{directory.error()};
+    const FileDescriptor list{
+        *directory ? openat(directory->get(), path.filename().c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC) : -1};
+    if (!list)
+        return {};
+    auto content = contentOf(list.get());
+    if (!content)
+        return fileFailure("Cannot read", below(path), content.error());
+    return std::move(*content);
+}
+
+void SelfInstaller::remove(const fs::path& path, Removal& removal) const
+{
+    const auto directory = system_.directory(path.parent_path());
+    if (!directory)
+        return removal.failures.push_back(directory.error());
+    if (!*directory)
+        return;
+    const auto removed = removeFile(directory->get(), below(path));
+    if (!removed)
+        removal.failures.push_back(removed.error());
+    else if (*removed)
+        removal.removed.push_back(below(path));
+}
+
+SelfInstaller::Removal SelfInstaller::uninstall() const
+{
+    const auto held = lock();
+    if (!held)
+        return {.removed = {}, .failures = {isBusy}};
+    Removal removal;
+    const auto directories = listedDirectories();
+    for (const auto& file : files({}) | std::views::reverse)
+        remove(file.path, removal);
+    if (!removal.failures.empty())
+        return removal;
+    remove(installation::directoryListPath, removal);
+    for (const auto& directory : lines(directories.value_or("")) | std::views::reverse)
+        if (rmdir(directory.c_str()) == 0)
+            removal.removed.emplace_back(directory);
+        else if (errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST)
+            removal.failures.push_back(fileFailure("Cannot remove", directory, errno).error());
+    return removal;
+}
+
+SelfInstaller::Removal SelfInstaller::removeState() const
+{
+    const auto path = below(installation::stateDirectory);
+    std::error_code error;
+    if (hasPackage() || fs::remove_all(path, error) == 0)
+        return {};
+    if (error)
+        return {.removed = {}, .failures = {fileFailure("Cannot remove", path, error.value()).error()}};
+    return {.removed = {path}, .failures = {}};
 }
 
 } // namespace vespra

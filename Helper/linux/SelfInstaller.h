@@ -1,41 +1,62 @@
 #pragma once
 
-#include "Helper/SleepSetting.h"
-
-#include <filesystem>
-#include <vector>
+#include "Helper/linux/TrustedTree.h"
 
 namespace vespra {
 
+/// Whom an installation may rest on.
+struct InstallationUsers {
+    /// Who alone may change what is installed: root, or another user in tests.
+    uid_t owner = 0;
+    /// Who has asked for the installation, and may change the program that is to be installed too.
+    std::optional<uid_t> caller;
+    /// A group that only the caller is in.
+    std::optional<gid_t> callersGroup;
+};
+
 /// Makes a helper that no package has installed a service of the system: copies the program to where only root can
-/// change it, and writes the system's files beside it.
+/// change it, and writes the system's files beside it. All names are other than a package's. Failures are sentences.
 class SelfInstaller {
 public:
     /// `root` is "/", or another tree for tests; all that is written is below it.
-    explicit SelfInstaller(std::filesystem::path root);
+    explicit SelfInstaller(std::filesystem::path root, InstallationUsers users = {});
 
-    /// Copies `program`. On a failure nothing of it stays. Refuses where a package has installed a helper, and where
-    /// somebody other than this user may write.
+    /// Copies `program`, in place of what was installed before. On a failure everything is as it was. Refuses where a
+    /// package has installed a helper, and where somebody else can change the program or a place that is written to.
     HelperResult install(const std::filesystem::path& program) const;
-    /// Removes what `install` wrote, as far as it is there.
-    HelperResult uninstall() const;
+    /// Fails unless `install` would change nothing. A package's helper counts as installed.
+    HelperResult verify(const std::filesystem::path& program) const;
+
+    struct Removal {
+        std::vector<std::filesystem::path> removed;
+        std::vector<std::string> failures;
+    };
+    /// Removes what `install` wrote, as far as it is there, and the directories made for it that are empty.
+    Removal uninstall() const;
+    /// Removes what the service has kept, unless a package's helper works with it. After the helper has ended.
+    Removal removeState() const;
+
+    bool hasPackage() const;
 
 private:
     struct File {
         std::filesystem::path path;
         std::string content;
+        mode_t mode;
     };
-    std::filesystem::path below(const std::filesystem::path& path) const { return root_ / path.relative_path(); }
-    HelperResult checkDirectory(const std::filesystem::path& directory) const;
-    HelperResult writeAll(const std::filesystem::path& program) const;
+    HelperResult checkProgram(int program) const;
+    std::expected<std::string, std::string> readProgram(const std::filesystem::path& program) const;
+    std::vector<File> files(std::string program) const;
+    HelperResult replace(const std::vector<File>& files) const;
+    HelperResult verify(const std::vector<File>& files) const;
+    HelperResult verify(const File& file) const;
+    std::expected<std::string, std::string> listedDirectories() const;
+    void remove(const std::filesystem::path& path, Removal& removal) const;
+    std::filesystem::path below(const std::filesystem::path& path) const;
+    FileDescriptor lock() const;
 
-    std::filesystem::path root_;
-    std::filesystem::path program_;
-    std::vector<File> files_;
+    TrustedTree system_;
+    TrustedTree source_;
 };
-
-/// Has the bus and the service manager read their files again, and ends a helper that runs. Where there is no service
-/// manager the bus alone is asked.
-HelperResult reloadSystem();
 
 } // namespace vespra
