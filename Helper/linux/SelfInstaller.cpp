@@ -125,7 +125,7 @@ HelperResult SelfInstaller::install(const fs::path& program) const
     return replace(files(std::move(*content)));
 }
 
-HelperResult SelfInstaller::replace(const std::vector<File>& files) const
+HelperResult SelfInstaller::replace(std::vector<File> files) const
 {
     FileReplacement replacement{system_};
     const auto run = [&]() -> HelperResult {
@@ -137,7 +137,8 @@ HelperResult SelfInstaller::replace(const std::vector<File>& files) const
             return std::unexpected{directories.error()};
         for (const auto& directory : replacement.madeDirectories())
             *directories += directory.string() + '\n';
-        if (const auto listed = replacement.prepare(installation::directoryListPath, *directories, 0644); !listed)
+        const auto& list = files.emplace_back(installation::directoryListPath, std::move(*directories), 0644);
+        if (const auto listed = replacement.prepare(list.path, list.content, list.mode); !listed)
             return listed;
         if (const auto replaced = replacement.replace(); !replaced)
             return replaced;

@@ -47,7 +47,7 @@ private:
     HelperResult checkProgram(int program) const;
     std::expected<std::string, std::string> readProgram(const std::filesystem::path& program) const;
     std::vector<File> files(std::string program) const;
-    HelperResult replace(const std::vector<File>& files) const;
+    HelperResult replace(std::vector<File> files) const;
     HelperResult verify(const std::vector<File>& files) const;
     HelperResult verify(const File& file) const;
     std::expected<std::string, std::string> listedDirectories() const;

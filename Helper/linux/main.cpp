@@ -79,14 +79,18 @@ void becomeIndependent()
     umask(022);
 }
 
-constexpr auto notInForce = " It takes effect with the next start of the computer.";
+int failToRestart(const char* done, const std::string& error)
+{
+    return fail(std::string{"the files are "} + done + ", but what runs stays as it is until the computer starts again: "
+        + error);
+}
 
 int install()
 {
     if (const auto installed = SelfInstaller{"/", users()}.install(ownProgram); !installed)
         return fail("not installed. " + installed.error());
     if (const auto restarted = restartServices(); !restarted)
-        return fail("installed, but not in force. " + restarted.error() + notInForce);
+        return failToRestart("installed", restarted.error());
     std::printf("Installed %s.\n", installation::localProgram);
     return EXIT_SUCCESS;
 }
@@ -107,13 +111,13 @@ int uninstall()
     int status = report(files);
     if (!files.removed.empty())
         if (const auto restarted = restartServices(); !restarted)
-            status = fail("removed, but still in force. " + restarted.error() + notInForce);
+            status = failToRestart("removed", restarted.error());
     const auto state = files.failures.empty() ? installer.removeState() : SelfInstaller::Removal{};
     status = std::max(status, report(state));
+    if (installer.hasPackage())
+        return files.removed.empty() ? fail("a package has installed the helper, and removes it.") : status;
     if (status == EXIT_SUCCESS && files.removed.empty() && state.removed.empty())
         std::puts("Nothing of it was installed.");
-    if (installer.hasPackage())
-        std::puts("The package's helper stays.");
     return status;
 }
 

@@ -3,6 +3,7 @@
 #include "App/System/ClosedLidController.h"
 #include "App/System/linux/DBusHelperConnection.h"
 #include "App/System/linux/LinuxHelper.h"
+#include "App/System/linux/PolkitHelperService.h"
 #include "App/System/linux/TimerfdScheduler.h"
 #include "App/System/QtMainLoop.h"
 #include "Tests/Support/FakeMonitors.h"
@@ -234,6 +235,47 @@ namespace {
         ASSERT_TRUE(becomes([&] { return done == 2; }));
         const auto deeds = PrivateBus::ask("Get");
         EXPECT_TRUE(deeds.contains("suspend") && deeds.contains("powerOff")) << deeds.constData();
+    }
+
+    TEST_F(LinuxAdaptersTest, AHelperOtherThanTheApplicationsIsReplacedByTheApplicationsOwn)
+    {
+        const TemporaryDirectory folder;
+        const auto own = folder / "own", installed = folder / "installed", package = folder / "package";
+        putText(own, "#!/bin/sh\n[ \"$1\" = --verify ] && exec cmp -s \"$0\" " + installed.string());
+        putText(folder / "pkexec", "#!/bin/sh\n[ \"$2\" = --install ] && exec cp \"$1\" " + installed.string());
+        for (const auto& program : {own, folder / "pkexec"})
+            std::filesystem::permissions(program, std::filesystem::perms{0755});
+        qputenv("PATH", QByteArray::fromStdString(folder.path()) + ':' + qgetenv("PATH"));
+        PolkitHelperService service{{QString::fromStdString(own),
+            QString::fromStdString(installed),
+            QString::fromStdString(package)}};
+        const auto status = [&] {
+            std::optional<HelperServiceStatus> said;
+            service.status([&](HelperServiceStatus answer) { said = answer; });
+            EXPECT_TRUE(becomes([&] { return said.has_value(); }));
+            return said.value_or(HelperServiceStatus::unknown);
+        };
+        const auto isSetUp = [&] {
+            std::optional<bool> succeeded;
+            service.registerService([&](const auto& result) { succeeded = result.has_value(); });
+            return becomes([&] { return succeeded.has_value(); }) && *succeeded;
+        };
+        EXPECT_EQ(status(), HelperServiceStatus::enabled) << "installed by other means";
+        for (auto stale : {std::string{"older"}, std::string(textOf(own)->size(), 'x')}) {
+            putText(installed, stale);
+            putText(package, "");
+            EXPECT_EQ(status(), HelperServiceStatus::enabled);
+            std::filesystem::remove(package);
+            EXPECT_EQ(status(), HelperServiceStatus::notRegistered);
+            EXPECT_TRUE(isSetUp());
+            EXPECT_EQ(textOf(installed), textOf(own));
+            EXPECT_EQ(status(), HelperServiceStatus::enabled);
+        }
+        std::filesystem::remove(folder / "pkexec");
+        EXPECT_TRUE(isSetUp()) << "asks nobody for what is in place";
+        putText(own, "#!/bin/sh\nexit 1\n");
+        std::filesystem::copy_file(own, installed, std::filesystem::copy_options::overwrite_existing);
+        EXPECT_FALSE(isSetUp()) << "repairs what is not";
     }
 
 } // namespace

@@ -4,17 +4,28 @@
 #include "Tests/Support/TextFiles.h"
 
 #include <array>
+#include <fcntl.h>
 #include <functional>
 #include <gmock/gmock.h>
 #include <map>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
+
+/// Nothing here outlives the test: the disk need not have it.
+extern "C" int __wrap_fsync(int descriptor); // NOLINT(bugprone-reserved-identifier)
 
 namespace vespra {
 
 namespace {
 
     namespace fs = std::filesystem;
+
+    /// What befalls which of the files that are kept on the disk.
+    struct SyncFault {
+        int after = -1;
+        int (*happens)(int descriptor) = nullptr;
+    } syncFault;
 
     constexpr auto libexec = "usr/local/libexec/app.vespra.Helper";
     const std::map<std::string, const char*> installed{
@@ -58,7 +69,7 @@ namespace {
                 found[entry.path()] = entry.is_regular_file() ? textOf(entry.path()).value() : "";
             return found;
         }
-        std::string failure(const SelfInstaller& asked) const
+        static std::string failure(const SelfInstaller& asked, const fs::path& program)
         {
             const auto result = asked.install(program);
             return result ? "" : result.error();
@@ -66,7 +77,7 @@ namespace {
         std::string refusal(const SelfInstaller& asked) const
         {
             const auto before = tree();
-            const auto error = failure(asked);
+            const auto error = failure(asked, program);
             EXPECT_EQ(tree(), before);
             return error;
         }
@@ -81,7 +92,7 @@ namespace {
         EXPECT_FALSE(installer.verify(program));
         for (const auto* version : {"the program", "another version of the program"}) {
             putText(program, version);
-            ASSERT_EQ(failure(installer), "");
+            ASSERT_EQ(failure(installer, program), "");
             EXPECT_TRUE(installer.verify(program));
             for (const auto& [path, line] : installed) {
                 EXPECT_THAT(textOf(root / path).value_or(""), testing::HasSubstr(line)) << path;
@@ -133,7 +144,7 @@ namespace {
             fs::permissions(root / place, fs::perms{0755});
             removexattr((root / place).c_str(), "system.posix_acl_access");
         }
-        EXPECT_EQ(failure(installer), "");
+        EXPECT_EQ(failure(installer, program), "");
         EXPECT_THAT(refusal(SelfInstaller{root.path(), {.owner = geteuid() + 1}}), testing::HasSubstr("it belongs to user"));
     }
 
@@ -145,9 +156,13 @@ namespace {
         mode(home.path(), 0775);
         mode(program, 0775);
         EXPECT_THAT(refusal(installer), testing::StartsWith(home.path().string() + " can be changed"));
-        EXPECT_EQ(failure(ofGroup), "");
+        EXPECT_EQ(failure(ofGroup, program), "");
         openByAccessList(program, "system.posix_acl_access");
         EXPECT_THAT(refusal(ofGroup), testing::StartsWith(program.string() + " can be changed"));
+        const FileDescriptor open{::open(program.c_str(), O_RDONLY | O_CLOEXEC)};
+        fs::copy_file(program, elsewhere);
+        fs::rename(elsewhere, program);
+        EXPECT_THAT(failure(ofGroup, "/proc/self/fd/" + std::to_string(open.get())), testing::HasSubstr("been replaced"));
         if (geteuid() == 0) {
             fs::copy_file(program, elsewhere);
             ASSERT_EQ(chown(elsewhere.c_str(), 1234, 1234), 0);
@@ -155,21 +170,37 @@ namespace {
             program = elsewhere;
             EXPECT_THAT(refusal(ofGroup), testing::HasSubstr("it belongs to user 1234"));
             const SelfInstaller forCaller{root.path(), {.caller = 1234, .callersGroup = 0}};
-            EXPECT_EQ(failure(forCaller), "");
+            EXPECT_EQ(failure(forCaller, program), "");
         }
     }
 
-    TEST_F(SelfInstallerTest, AFailureLeavesWhatWasThere)
+    TEST_F(SelfInstallerTest, AFailureLeavesWhatWasThereAndAKillNothingBroken)
     {
+        constexpr int steps = 12; // six files and their directories
         EXPECT_FALSE(installer.install(home / "not there"));
         for (const bool isUpdate : {false, true})
-            for (const auto& [path, line] : installed) {
+            for (int step = 0; step < steps; ++step) {
+                SCOPED_TRACE(std::to_string(isUpdate) + ", step " + std::to_string(step));
+                putText(program, "former");
                 EXPECT_TRUE(!isUpdate || installer.install(program));
-                fs::remove(root / path);
-                fs::create_directories(root / path / "in the way");
-                putText(program, "a program that cannot be installed");
-                EXPECT_THAT(refusal(installer), testing::HasSubstr(path));
-                fs::remove_all(root / path);
+                putText(program, "latter");
+                syncFault = {step, [](int) { return errno = ENOSPC, -1; }};
+                EXPECT_THAT(refusal(installer), testing::HasSubstr("No space left"));
+                syncFault = {step, [](int descriptor) { return ftruncate(descriptor, 3), 0; }};
+                if (step < steps / 2) {
+                    EXPECT_THAT(refusal(installer), testing::HasSubstr("is not this program's"));
+                }
+                syncFault = {step, [](int) -> int { _exit(0); }};
+                if (fork() == 0)
+                    _exit(installer.install(program).has_value());
+                int killed = -1;
+                EXPECT_TRUE(wait(&killed) > 0 && killed == 0);
+                syncFault = {};
+                const auto runs = textOf(root / libexec / "vespra-helper");
+                EXPECT_TRUE(runs == "latter" || runs == (isUpdate ? std::optional<std::string>{"former"} : std::nullopt));
+                EXPECT_EQ(failure(installer, program), "");
+                for (const auto& [path, content] : tree())
+                    EXPECT_FALSE(path.ends_with(".new") || path.ends_with(".old")) << path;
                 EXPECT_TRUE(installer.uninstall().failures.empty());
             }
     }
@@ -199,3 +230,8 @@ namespace {
 } // namespace
 
 } // namespace vespra
+
+extern "C" int __wrap_fsync(int descriptor) // NOLINT(bugprone-reserved-identifier)
+{
+    return vespra::syncFault.after-- == 0 ? vespra::syncFault.happens(descriptor) : 0;
+}

@@ -2,25 +2,11 @@
 
 #include "HelperProtocol/linux/InstallationNames.h"
 
-#include <QCoreApplication>
 #include <QDBusArgument>
-#include <QFileInfo>
 
 namespace vespra {
 
 namespace {
-
-    /// In the build and beside a bundle it lies with the application, installed below libexec. Empty: nowhere.
-    QString helperProgram()
-    {
-        const auto own = QCoreApplication::applicationDirPath();
-        for (const auto& path : {QString::fromLatin1(installation::packagedHelper),
-                 own + QStringLiteral("/vespra-helper"),
-                 own + QStringLiteral("/../libexec/vespra-helper")})
-            if (QFileInfo{path}.isExecutable())
-                return QFileInfo{path}.canonicalFilePath();
-        return {};
-    }
 
     QDBusMessage checkAuthorization(bool mayAskTheUser)
     {
@@ -63,6 +49,11 @@ namespace {
 
 } // namespace
 
+PolkitHelperService::PolkitHelperService(HelperPrograms programs)
+    : programs_{std::move(programs)}
+{
+}
+
 PolkitHelperService::~PolkitHelperService()
 {
     // Whoever is typing the password goes on: the installation is whole or not at all without us.
@@ -90,7 +81,8 @@ void PolkitHelperService::status(std::function<void(HelperServiceStatus)> answer
         [this, answer = std::move(answer)](const QDBusMessage& reply) {
             if (reply.type() != QDBusMessage::ReplyMessage)
                 return answer(HelperServiceStatus::unknown);
-            if (!reply.arguments().value(0).toStringList().contains(QLatin1String{installation::busName}))
+            if (!reply.arguments().value(0).toStringList().contains(QLatin1String{installation::busName})
+                || programs_.areDifferent())
                 return answer(HelperServiceStatus::notRegistered);
             askPolkit(false, dbus::readingTimeout, answer);
         });
@@ -110,7 +102,7 @@ void PolkitHelperService::openSettings()
 
 void PolkitHelperService::registerService(std::function<void(std::expected<void, std::string>)> done)
 {
-    const auto program = helperProgram();
+    const auto program = programs_.own;
     if (installer_ || program.isEmpty()) {
         const std::string reason = installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable";
         ask(dbus::bus().method(QStringLiteral("GetId")), dbus::readingTimeout, [done, reason](const QDBusMessage&) {
@@ -119,7 +111,7 @@ void PolkitHelperService::registerService(std::function<void(std::expected<void,
         return;
     }
     status(lifetime_.guard([this, done, program](HelperServiceStatus current) {
-        if (current != HelperServiceStatus::notRegistered)
+        if (current != HelperServiceStatus::notRegistered && programs_.areInPlace())
             return done({});
         installer_ = std::make_unique<QProcess>();
         const auto finish = [this, done] { ended(done); };

@@ -2,6 +2,7 @@
 
 #include "App/System/HelperService.h"
 #include "App/System/linux/DBus.h"
+#include "App/System/linux/HelperPrograms.h"
 #include "Core/Lifetime.h"
 
 #include <map>
@@ -9,10 +10,12 @@
 
 namespace vespra {
 
-/// The component is registered when the bus can start it, and approved when polkit lets this user have it. Registering
-/// asks for an administrator's password and has the component install itself; a package makes that unnecessary.
+/// The component is registered when the bus can start it and it is the application's own, and approved when polkit lets
+/// this user have it. Registering asks for an administrator's password and has the application's own program install
+/// itself in the place of any other; a package makes that unnecessary.
 class PolkitHelperService final : public HelperService {
 public:
+    explicit PolkitHelperService(HelperPrograms programs = HelperPrograms::ofThisSystem());
     ~PolkitHelperService() override;
     void registerService(std::function<void(std::expected<void, std::string>)> done) override;
     void status(std::function<void(HelperServiceStatus)> answer) override;
@@ -26,6 +29,7 @@ private:
     void askPolkit(bool mayAskTheUser, int timeout, Answer answer);
     void ended(const std::function<void(std::expected<void, std::string>)>& done);
 
+    HelperPrograms programs_;
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
     std::unique_ptr<QProcess> installer_;
