@@ -88,8 +88,10 @@ HelperResult FileReplacement::prepare(const fs::path& path, std::string_view con
         return removed;
     files_.push_back({std::move(*directory), path});
     // Closed to everybody until it has its content and its mode: who could open it before could write to it after.
-    const FileDescriptor file{openat(
-        files_.back().directory.get(), fresh(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)};
+    const FileDescriptor file{openat(files_.back().directory.get(),
+        fresh(path).c_str(),
+        O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+        0600)};
     if (!file || !writeAll(file.get(), content) || !dropAccessList(file.get()) || fchmod(file.get(), mode) != 0
         || fsync(file.get()) != 0)
         return fileFailure("Cannot write", path, errno);

@@ -35,11 +35,8 @@ namespace {
             = call(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig");
         if (!configured || access("/run/systemd/system", F_OK) != 0)
             return configured;
-        return call(bus,
-            "org.freedesktop.systemd1",
-            "/org/freedesktop/systemd1",
-            "org.freedesktop.systemd1.Manager",
-            "Reload");
+        return call(
+            bus, "org.freedesktop.systemd1", "/org/freedesktop/systemd1", "org.freedesktop.systemd1.Manager", "Reload");
     }
 
     /// The process that has the helper's name, if it runs the installed program: not a package's.

@@ -81,14 +81,14 @@ void becomeIndependent()
 
 int failToRestart(const char* done, const std::string& error)
 {
-    return fail(std::string{"the files are "} + done + ", but what runs stays as it is until the computer starts again: "
-        + error);
+    return fail(std::string{"the files are "} + done
+        + ", but what runs stays as it is until the computer starts again: " + error);
 }
 
 int install()
 {
     if (const auto installed = SelfInstaller{"/", users()}.install(ownProgram); !installed)
-        return fail("not installed. " + installed.error());
+        return fail("installation failed. " + installed.error());
     if (const auto restarted = restartServices(); !restarted)
         return failToRestart("installed", restarted.error());
     std::printf("Installed %s.\n", installation::localProgram);

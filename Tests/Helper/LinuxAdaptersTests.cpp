@@ -246,9 +246,8 @@ namespace {
         for (const auto& program : {own, folder / "pkexec"})
             std::filesystem::permissions(program, std::filesystem::perms{0755});
         qputenv("PATH", QByteArray::fromStdString(folder.path()) + ':' + qgetenv("PATH"));
-        PolkitHelperService service{{QString::fromStdString(own),
-            QString::fromStdString(installed),
-            QString::fromStdString(package)}};
+        PolkitHelperService service{
+            {QString::fromStdString(own), QString::fromStdString(installed), QString::fromStdString(package)}};
         const auto status = [&] {
             std::optional<HelperServiceStatus> said;
             service.status([&](HelperServiceStatus answer) { said = answer; });

@@ -31,8 +31,10 @@ namespace {
     const std::map<std::string, const char*> installed{
         {"usr/local/libexec/app.vespra.Helper/vespra-helper", "the program"},
         {"lib/dbus-1/system-services/app.vespra.Helper.service",
-            "Exec=/usr/local/libexec/app.vespra.Helper/vespra-helper\nUser=root\nSystemdService=vespra-helper-local.service"},
-        {"etc/systemd/system/vespra-helper-local.service", "ExecStart=/usr/local/libexec/app.vespra.Helper/vespra-helper"},
+            "Exec=/usr/local/libexec/app.vespra.Helper/"
+            "vespra-helper\nUser=root\nSystemdService=vespra-helper-local.service"},
+        {"etc/systemd/system/vespra-helper-local.service",
+            "ExecStart=/usr/local/libexec/app.vespra.Helper/vespra-helper"},
         {"etc/dbus-1/system.d/app.vespra.Helper-local.conf", "<allow own=\"app.vespra.Helper\"/>"},
         {"usr/share/polkit-1/actions/app.vespra.Helper-local.policy", "<action id=\"app.vespra.helper."},
         {"usr/local/libexec/app.vespra.Helper/directories", "usr/local/libexec"},
@@ -49,7 +51,8 @@ namespace {
         constexpr std::uint32_t nobody = ~0U;
         struct {
             std::uint32_t version = 2;
-            std::array<Entry, 5> entries{{{1, 7, nobody}, {2, 7, 1234}, {4, 5, nobody}, {16, 7, nobody}, {32, 5, nobody}}};
+            std::array<Entry, 5> entries{
+                {{1, 7, nobody}, {2, 7, 1234}, {4, 5, nobody}, {16, 7, nobody}, {32, 5, nobody}}};
         } const list;
         EXPECT_EQ(setxattr(path.c_str(), kind, &list, sizeof list, 0), 0);
     }
@@ -108,9 +111,14 @@ namespace {
                 putText(root / libexec / remains, "remains");
         }
         for (const auto& [path, unused] : installed) {
+            const bool isProven = !path.ends_with("/directories");
             const auto content = textOf(root / path).value_or("");
+            const auto mode = fs::status(root / path).permissions();
+            fs::permissions(root / path, fs::perms{0700});
+            EXPECT_EQ(installer.verify(program).has_value(), !isProven);
+            fs::permissions(root / path, mode);
             putText(root / path, "changed");
-            EXPECT_EQ(installer.verify(program).has_value(), path.ends_with("/directories"));
+            EXPECT_EQ(installer.verify(program).has_value(), !isProven);
             putText(root / path, content);
         }
         putText(root / "var/lib/vespra-helper/sleep-override.json", "{}");
@@ -127,7 +135,7 @@ namespace {
             fs::permissions(path, static_cast<fs::perms>(mode));
         };
         const std::vector<std::pair<const char*, std::function<void(const fs::path&)>>> places{
-            {"usr/local", [&](const auto& path) { open(path, 0777); }},
+            {"usr/local", [&](const auto& path) { open(path, 0757); }},
             {"usr/local/libexec", [&](const auto& path) { open(path, 01777); }},
             {libexec, [&](const auto& path) { open(path, 0775); }},
             {"etc/dbus-1/system.d",
@@ -145,7 +153,8 @@ namespace {
             removexattr((root / place).c_str(), "system.posix_acl_access");
         }
         EXPECT_EQ(failure(installer, program), "");
-        EXPECT_THAT(refusal(SelfInstaller{root.path(), {.owner = geteuid() + 1}}), testing::HasSubstr("it belongs to user"));
+        EXPECT_THAT(
+            refusal(SelfInstaller{root.path(), {.owner = geteuid() + 1}}), testing::HasSubstr("it belongs to user"));
     }
 
     TEST_F(SelfInstallerTest, InstallsOnlyAProgramThatItsCallerAloneCanChange)
@@ -162,7 +171,8 @@ namespace {
         const FileDescriptor open{::open(program.c_str(), O_RDONLY | O_CLOEXEC)};
         fs::copy_file(program, elsewhere);
         fs::rename(elsewhere, program);
-        EXPECT_THAT(failure(ofGroup, "/proc/self/fd/" + std::to_string(open.get())), testing::HasSubstr("been replaced"));
+        EXPECT_THAT(
+            failure(ofGroup, "/proc/self/fd/" + std::to_string(open.get())), testing::HasSubstr("been replaced"));
         if (geteuid() == 0) {
             fs::copy_file(program, elsewhere);
             ASSERT_EQ(chown(elsewhere.c_str(), 1234, 1234), 0);
@@ -197,7 +207,8 @@ namespace {
                 EXPECT_TRUE(wait(&killed) > 0 && killed == 0);
                 syncFault = {};
                 const auto runs = textOf(root / libexec / "vespra-helper");
-                EXPECT_TRUE(runs == "latter" || runs == (isUpdate ? std::optional<std::string>{"former"} : std::nullopt));
+                EXPECT_TRUE(
+                    runs == "latter" || runs == (isUpdate ? std::optional<std::string>{"former"} : std::nullopt));
                 EXPECT_EQ(failure(installer, program), "");
                 for (const auto& [path, content] : tree())
                     EXPECT_FALSE(path.ends_with(".new") || path.ends_with(".old")) << path;
@@ -209,9 +220,12 @@ namespace {
     {
         ASSERT_TRUE(installer.install(program));
         const auto alone = tree();
-        for (const auto* path : {"usr/share/dbus-1/system.d/app.vespra.Helper.conf", "usr/libexec/vespra-helper",
-                 "usr/share/polkit-1/actions/app.vespra.Helper.policy", "usr/lib/systemd/system/vespra-helper.service",
-                 "usr/local/libexec/vespra-helper", "var/lib/vespra-helper/sleep-override.json",
+        for (const auto* path : {"usr/share/dbus-1/system.d/app.vespra.Helper.conf",
+                 "usr/libexec/vespra-helper",
+                 "usr/share/polkit-1/actions/app.vespra.Helper.policy",
+                 "usr/lib/systemd/system/vespra-helper.service",
+                 "usr/local/libexec/vespra-helper",
+                 "var/lib/vespra-helper/sleep-override.json",
                  packagedActivation}) {
             ASSERT_FALSE(fs::exists(root / path));
             putText(root / path, "the package's");
