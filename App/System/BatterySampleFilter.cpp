@@ -22,7 +22,11 @@ BatterySampleFilter::BatterySampleFilter(
 void BatterySampleFilter::sample(PowerSnapshot reading)
 {
     latest_ = reading;
-    if (!isDoubtful(reading)) {
+    const bool jumps = isJump(reading);
+    const bool isBroken = reading.batteryLevel == 0 && believed_.batteryLevel != 0;
+    if (!isBroken && (!jumps || hasJustWoken())) {
+        if (jumps)
+            wokeAt_.reset();
         secondLook_.reset();
         return believe(reading);
     }
@@ -31,14 +35,15 @@ void BatterySampleFilter::sample(PowerSnapshot reading)
     believe({.isOnACPower = reading.isOnACPower, .batteryLevel = believed_.batteryLevel});
 }
 
-bool BatterySampleFilter::isDoubtful(const PowerSnapshot& reading) const
+bool BatterySampleFilter::isJump(const PowerSnapshot& reading) const
 {
-    if (!reading.batteryLevel || reading.batteryLevel == believed_.batteryLevel)
-        return false;
-    if (*reading.batteryLevel == 0)
-        return true;
-    return !hasSlept_ && believed_.batteryLevel
+    return reading.batteryLevel && believed_.batteryLevel
         && std::abs(*reading.batteryLevel - *believed_.batteryLevel) > largestJump;
+}
+
+bool BatterySampleFilter::hasJustWoken() const
+{
+    return wokeAt_ && tasks_.continuousNow() - *wokeAt_ <= explainedBySleep;
 }
 
 void BatterySampleFilter::doubt(const PowerSnapshot& reading)
@@ -57,8 +62,6 @@ void BatterySampleFilter::lookAgain()
 
 void BatterySampleFilter::believe(PowerSnapshot reading)
 {
-    if (reading.batteryLevel == latest_.batteryLevel)
-        hasSlept_ = false;
     believed_ = reading;
     notify(accept_, reading);
 }

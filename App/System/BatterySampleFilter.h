@@ -19,15 +19,19 @@ public:
     /// The first reading: of a level of 0 only the charger is believed as yet.
     PowerSnapshot believed() const { return believed_; }
     void sample(PowerSnapshot reading);
-    /// The machine has slept: the next level may be any but 0.
-    void didSleep() { hasSlept_ = true; }
+    /// The machine has slept: for some minutes one jump to any level but 0 is believed. Readings from before the sleep
+    /// may come first.
+    void didSleep() { wokeAt_ = tasks_.continuousNow(); }
 
 private:
     static constexpr std::int64_t largestJump = 30;
     static constexpr std::int64_t agreement = 5;
     static constexpr Seconds secondLookDelay = 10s;
+    /// Services look at a battery as seldom as every two minutes.
+    static constexpr Seconds explainedBySleep = 3min;
 
-    bool isDoubtful(const PowerSnapshot& reading) const;
+    bool isJump(const PowerSnapshot& reading) const;
+    bool hasJustWoken() const;
     void doubt(const PowerSnapshot& reading);
     void lookAgain();
     void believe(PowerSnapshot reading);
@@ -38,7 +42,8 @@ private:
     PowerSnapshot latest_;
     /// The level in doubt when the second look was arranged.
     std::int64_t doubtful_ = 0;
-    bool hasSlept_ = false;
+    /// Absent as soon as a jump has been put down to the sleep.
+    std::optional<ContinuousInstant> wokeAt_;
     std::unique_ptr<ScheduledTask> secondLook_;
 };
 

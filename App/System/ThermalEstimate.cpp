@@ -25,18 +25,19 @@ namespace {
 
 ThermalLevel ThermalEstimate::update(const std::vector<ThermalSample>& samples, ContinuousInstant now)
 {
-    std::map<std::string, Sensor> present;
+    for (const auto& sample : samples)
+        if (sample.limit)
+            follow(sensors_[sample.sensor], sample, now);
+    forgetSilentSensors(now);
     auto hottest = ThermalLevel::nominal;
-    for (const auto& sample : samples) {
-        if (!sample.limit)
-            continue;
-        const auto known = sensors_.find(sample.sensor);
-        auto& sensor = present[sample.sensor] = known == sensors_.end() ? Sensor{} : std::move(known->second);
-        follow(sensor, sample, now);
+    for (const auto& [name, sensor] : sensors_)
         hottest = std::max(hottest, sensor.level);
-    }
-    sensors_ = std::move(present);
     return hottest;
+}
+
+void ThermalEstimate::forgetSilentSensors(ContinuousInstant now)
+{
+    std::erase_if(sensors_, [now](const auto& entry) { return now - entry.second.history.back().first > window; });
 }
 
 void ThermalEstimate::follow(Sensor& sensor, const ThermalSample& sample, ContinuousInstant now)

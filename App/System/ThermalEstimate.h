@@ -27,16 +27,18 @@ struct ThermalSample {
 /// the average is 5 degrees below its threshold. The hottest sensor counts.
 class ThermalEstimate {
 public:
-    /// Takes the readings of one moment and returns the level by now. A sensor that is missing is forgotten.
+    /// Takes the readings of one moment and returns the level by now. A sensor that is missing, or does not tell its
+    /// limit, keeps its level for 30 s and is forgotten then: many fail to read now and then.
     ThermalLevel update(const std::vector<ThermalSample>& samples, ContinuousInstant now);
 
 private:
     struct Sensor {
-        std::deque<std::pair<ContinuousInstant, double>> history;
+        std::deque<std::pair<ContinuousInstant, double>> history; // never empty once followed
         ThermalLevel level = ThermalLevel::nominal;
     };
 
     static void follow(Sensor& sensor, const ThermalSample& sample, ContinuousInstant now);
+    void forgetSilentSensors(ContinuousInstant now);
 
     std::map<std::string, Sensor> sensors_;
 };

@@ -54,28 +54,52 @@ namespace {
 
 namespace {
 
+    struct Content {
+        double now;
+        double full; // above 0
+    };
+
+    /// In the unit that `quantity` has: "energy" or "charge". Many batteries tell only one of them.
+    std::optional<Content> content(const fs::path& battery, const std::string& quantity)
+    {
+        const auto now = number(battery / (quantity + "_now")), full = number(battery / (quantity + "_full"));
+        if (!now || !full || *full <= 0)
+            return {};
+        return Content{*now, *full};
+    }
+
+    /// Percent. A battery's own idea of its level is the one that other programs show.
+    std::optional<double> level(const fs::path& battery)
+    {
+        if (const auto capacity = number(battery / "capacity"))
+            return capacity;
+        auto held = content(battery, "energy");
+        if (!held)
+            held = content(battery, "charge");
+        return held ? std::optional{held->now * 100 / held->full} : std::nullopt;
+    }
+
     /// All batteries of the machine taken together: by their energy where each tells it, else by the mean of their
     /// levels.
     std::optional<std::int64_t> joinedLevel(const std::vector<fs::path>& batteries)
     {
         double now = 0, full = 0, percent = 0;
         int levels = 0;
-        bool haveEnergy = true;
+        bool haveEnergy = batteries.size() > 1;
         for (const auto& battery : batteries) {
-            const auto energyNow = number(battery / "energy_now"), energyFull = number(battery / "energy_full");
-            haveEnergy = haveEnergy && energyNow && energyFull && *energyFull > 0;
-            now += energyNow.value_or(0);
-            full += energyFull.value_or(0);
-            if (const auto capacity = number(battery / "capacity")) {
-                percent += *capacity;
+            const auto energy = content(battery, "energy");
+            haveEnergy = haveEnergy && energy;
+            now += energy ? energy->now : 0;
+            full += energy ? energy->full : 0;
+            if (const auto own = level(battery)) {
+                percent += *own;
                 ++levels;
             }
         }
         if (levels == 0)
             return {};
-        // A single battery's own idea of its level is the one that other programs show.
-        const double level = batteries.size() > 1 && haveEnergy ? now * 100 / full : percent / levels;
-        return static_cast<std::int64_t>(std::clamp(std::round(level), 0.0, 100.0));
+        const double joined = haveEnergy ? now * 100 / full : percent / levels;
+        return static_cast<std::int64_t>(std::clamp(std::round(joined), 0.0, 100.0));
     }
 
 } // namespace
@@ -92,8 +116,10 @@ PowerSnapshot readPower(const fs::path& root)
             batteries.push_back(supply);
             isDischarging = isDischarging || text(supply / "status") == "Discharging";
         } else if (type == "Mains" || type == "USB") {
-            hasCharger = true;
-            isCharging = isCharging || number(supply / "online").value_or(0) != 0;
+            // One that does not read says nothing, least of all that it is unplugged.
+            const auto online = number(supply / "online");
+            hasCharger = hasCharger || online;
+            isCharging = isCharging || online.value_or(0) != 0;
         }
     }
     if (batteries.empty())
@@ -165,9 +191,8 @@ std::vector<ThermalSample> readThermometers(const fs::path& root)
         if (zone.filename().string().starts_with("thermal_zone"))
             if (auto sample = readZone(zone))
                 samples.push_back(*std::move(sample));
-    if (std::ranges::none_of(samples, [](const ThermalSample& sample) { return sample.limit.has_value(); }))
-        for (const auto& monitor : entries(root / "class/hwmon"))
-            readProcessorSensors(monitor, samples);
+    for (const auto& monitor : entries(root / "class/hwmon"))
+        readProcessorSensors(monitor, samples);
     return samples;
 }
 

@@ -13,7 +13,7 @@ namespace vespra::sysfs {
 /// Chargers that are connected, and the batteries of the machine itself taken together; not those of mice or pens.
 PowerSnapshot readPower(const std::filesystem::path& root);
 
-/// The thermal zones with a usable temperature; where none of them has a limit, the processor's own sensors.
+/// The thermal zones and the processor's own sensors, as far as they have a usable temperature.
 std::vector<ThermalSample> readThermometers(const std::filesystem::path& root);
 
 /// Whether "card0-HDMI-A-1" names a connector that leads out of the machine.

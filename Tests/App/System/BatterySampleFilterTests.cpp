@@ -92,12 +92,18 @@ TEST(BatterySampleFilter, BelievesAnyLevelBut0AfterSleep)
 {
     Filtered filtered{battery(90)};
     filtered.filter.didSleep();
+    filtered.filter.sample(battery(90)); // from before the sleep
+    filtered.time.advance(3min);
     filtered.filter.sample(battery(0));
     EXPECT_EQ(filtered.believed, battery(90));
     filtered.filter.sample(battery(20));
     EXPECT_EQ(filtered.believed, battery(20));
     filtered.filter.sample(battery(90));
     EXPECT_EQ(filtered.believed, battery(20)) << "the sleep explains one jump, not two";
+    filtered.filter.didSleep();
+    filtered.time.advance(181s);
+    filtered.filter.sample(battery(59));
+    EXPECT_EQ(filtered.believed, battery(90)) << "nor what comes much later";
 }
 
 TEST(BatterySampleFilter, BelievesThatABatteryIsGone)

@@ -72,6 +72,15 @@ TEST(KernelPower, IsReadFromTheSupplies)
              {"or else by the mean of their levels",
                  unplugged + first + "BAT1/type=Battery BAT1/capacity=100",
                  "battery 79"},
+             {"without a level of its own it is reckoned from the energy",
+                 mains + "BAT0/type=Battery BAT0/energy_now=10 BAT0/energy_full=40",
+                 "charger 25"},
+             {"or from the charge",
+                 mains + first + "BAT1/type=Battery BAT1/charge_now=43 BAT1/charge_full=100",
+                 "charger 50"},
+             {"a charger that does not read is not unplugged",
+                 "AC/type=Mains BAT0/type=Battery BAT0/capacity=57 BAT0/status=Full",
+                 "charger 57"},
              {"a level that is no number is unknown",
                  unplugged + "BAT0/type=Battery BAT0/capacity=full",
                  "battery unknown"},
@@ -127,16 +136,19 @@ TEST(KernelThermometers, TakeTheLowestTripThatIsSet)
         ElementsAre(thermometer("thermal_zone0", 61.5, 100, 95), thermometer("thermal_zone1", 40, {}, {})));
 }
 
-TEST(KernelThermometers, AreTheProcessorsOwnWhereNoZoneHasALimit)
+TEST(KernelThermometers, AreTheProcessorsOwnBesideTheZones)
 {
     const TemporaryDirectory root;
-    write(root, "thermal", "thermal_zone0/type=acpitz thermal_zone0/temp=40000");
+    write(root,
+        "thermal",
+        "thermal_zone0/type=acpitz thermal_zone0/temp=52000 "
+        "thermal_zone0/trip_point_0_type=critical thermal_zone0/trip_point_0_temp=128000");
     write(root,
         "hwmon",
         "hwmon0/name=nvme hwmon0/temp1_input=50000 hwmon0/temp1_crit=80000 "
         "hwmon1/name=coretemp hwmon1/temp1_input=70000 hwmon1/temp1_crit=100000 hwmon1/temp2_input=60000");
     EXPECT_THAT(sysfs::readThermometers(root.path()),
-        ElementsAre(thermometer("thermal_zone0", 40, {}, {}),
+        ElementsAre(thermometer("thermal_zone0", 52, 128, {}),
             thermometer("hwmon1/temp1", 70, 100, {}),
             thermometer("hwmon1/temp2", 60, {}, {})));
 }

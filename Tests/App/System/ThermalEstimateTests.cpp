@@ -78,7 +78,8 @@ TEST(ThermalEstimate, CountsTheHottestSensorThatHasALimit)
     EXPECT_EQ(estimate.update({unlimited}, at(0s)), nominal);
     const ThermalSample other{.sensor = "other", .temperature = 62, .limit = 70};
     EXPECT_EQ(estimate.update({unlimited, sample(80), other}, at(5s)), serious);
-    EXPECT_EQ(estimate.update({unlimited, sample(80)}, at(10s)), fair) << "a sensor that is gone is forgotten";
+    EXPECT_EQ(estimate.update({unlimited, sample(80)}, at(35s)), serious) << "a sensor may miss a reading";
+    EXPECT_EQ(estimate.update({unlimited, sample(80)}, at(35.1s)), fair) << "one that is gone is forgotten";
 }
 
 } // namespace vespra
