@@ -50,6 +50,20 @@ template <class Change> void SessionCoordinator::changeConditions(Change change)
     conditions_.set(conditions);
 }
 
+/// Keeps the condition alive meanwhile, for it may end the session and so be let go. What it says to have changed while
+/// it is asked needs no look of its own: whoever asks looks at everything afterwards.
+template <class Question> auto SessionCoordinator::askEndCondition(Question question) const
+{
+    struct Asking {
+        bool& flag;
+        bool before = std::exchange(flag, true);
+        ~Asking() { flag = before; }
+    };
+    const auto condition = endCondition_;
+    const Asking asking{isAskingEndCondition_};
+    return question(*condition);
+}
+
 void SessionCoordinator::setSettings(const SessionSettings& settings)
 {
     changeMachine([&](SessionMachine& machine) { machine.setSettings(settings); });
@@ -66,8 +80,11 @@ std::expected<void, StartRefusal> SessionCoordinator::start(
         return std::unexpected{started.error()};
     if (endCondition) {
         endCondition_ = std::move(endCondition);
-        endCondition_->onChange = lifetime_.guard([this] { reevaluate(); });
-        endCondition_->sessionDidBegin(startedAt);
+        endCondition_->onChange = lifetime_.guard([this] {
+            if (!isAskingEndCondition_)
+                reevaluate();
+        });
+        askEndCondition([&](SessionEndCondition& condition) { condition.sessionDidBegin(startedAt); });
     }
     deliver(*started);
     reevaluate();
@@ -119,11 +136,15 @@ void SessionCoordinator::reevaluate()
 {
     const auto evaluatedAt = now();
     auto events = changeMachine([&](SessionMachine& machine) { return machine.update(conditions(), evaluatedAt); });
-    if (state().isActive() && endCondition_)
-        if (const auto reason = endCondition_->evaluate(evaluatedAt)) {
+    if (const auto asked = endCondition_; asked && state().isActive()) {
+        const auto reason
+            = askEndCondition([&](SessionEndCondition& condition) { return condition.evaluate(evaluatedAt); });
+        // It may have ended the session otherwise, and another one may run by now.
+        if (reason && asked == endCondition_) {
             auto ended = changeMachine([&](SessionMachine& machine) { return machine.stop(*reason, evaluatedAt); });
             std::ranges::move(ended, std::back_inserter(events));
         }
+    }
     deliver(events);
 }
 
@@ -132,7 +153,14 @@ void SessionCoordinator::deliver(const SessionEvents& events)
     if (!state().isActive())
         detachEndCondition();
     reschedule();
+    if (isAskingEndCondition_) {
+        // Whoever asks has earlier events to deliver.
+        std::ranges::copy(events, std::back_inserter(waitingEvents_));
+        return;
+    }
     for (const auto& event : events)
+        notify(onEvent, event);
+    for (const auto& event : std::exchange(waitingEvents_, {}))
         notify(onEvent, event);
 }
 
@@ -148,7 +176,8 @@ std::optional<Instant> SessionCoordinator::pendingDeadline() const
 {
     auto earliest = machine_.get().nextDeadline();
     if (endCondition_)
-        if (const auto deadline = endCondition_->nextDeadline(now()))
+        if (const auto deadline
+            = askEndCondition([this](SessionEndCondition& condition) { return condition.nextDeadline(now()); }))
             earliest = std::min(earliest.value_or(*deadline), *deadline);
     return earliest;
 }

@@ -70,6 +70,7 @@ public:
 private:
     template <class Change> auto changeMachine(Change change);
     template <class Change> void changeConditions(Change change);
+    template <class Question> auto askEndCondition(Question question) const;
     void reevaluate();
     void deliver(const SessionEvents& events);
     void detachEndCondition();
@@ -80,6 +81,9 @@ private:
     SessionEnvironment environment_;
     std::unique_ptr<ScheduledDeadline> scheduledDeadline_;
     std::shared_ptr<SessionEndCondition> endCondition_;
+    mutable bool isAskingEndCondition_ = false;
+    /// What the condition has brought about while it was asked.
+    SessionEvents waitingEvents_;
     Lifetime lifetime_;
 };
 

@@ -13,7 +13,8 @@ class SessionEndCondition {
 public:
     virtual ~SessionEndCondition() = default;
 
-    /// To be called whenever the verdict or the deadline may have changed. Set while a session runs.
+    /// To be called whenever the verdict or the deadline may have changed. Set while a session runs. The call may end
+    /// the session, and with it this object unless somebody else holds it: it comes last in what is done.
     std::function<void()> onChange;
 
     virtual void sessionDidBegin(Instant /*now*/) { }

@@ -1,5 +1,6 @@
 #include "Core/Session/SessionCoordinator.h"
 
+#include "Core/Agents/AgentTracker.h"
 #include "Core/Scheduling/MainThread.h"
 #include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/Sessions.h"
@@ -24,6 +25,25 @@ public:
     void sessionDidEnd() override { calls += onChange ? "end-too-early " : "end "; }
 };
 
+/// Ends the session from inside its own calls.
+struct SelfEnding final : SessionEndCondition {
+    std::function<void()> act;
+    std::string* calls = nullptr;
+
+    ~SelfEnding() override { *calls += "freed"; }
+    void sessionDidBegin(Instant) override
+    {
+        act();
+        *calls += "begun ";
+    }
+    std::optional<EndReason> evaluate(Instant) override
+    {
+        act();
+        *calls += "evaluated ";
+        return end::AgentsFinished{};
+    }
+};
+
 struct Coordinator : testing::Test {
     VirtualTime time{Instant::fromISO8601("2026-01-01T12:00:00Z").value()};
     FakePowerSource power{charger(80)};
@@ -35,13 +55,14 @@ struct Coordinator : testing::Test {
 
     Coordinator()
     {
-        coordinator.emplace(roaming(),
-            Calendar::inZone("UTC").value(),
-            SessionEnvironment{.clock = time, .scheduler = time, .power = power, .thermal = thermal},
-            helper::Ready{});
+        coordinator.emplace(roaming(), Calendar::current(), environment(*this), helper::Ready{});
         coordinator->onEvent = [this](const SessionEvent& event) { events.push_back(event); };
     }
 
+    static SessionEnvironment environment(Coordinator& all)
+    {
+        return {.clock = all.time, .scheduler = all.time, .power = all.power, .thermal = all.thermal};
+    }
     std::string taken() { return summary(std::exchange(events, {})); }
     std::optional<Seconds> deadline() const
     {
@@ -57,26 +78,6 @@ TEST_F(Coordinator, AComputerThatSleptOverTheEndEndsAtTheWakeUp)
     time.sleep(3h);
     EXPECT_EQ(taken(), "started, ended timeElapsed");
     EXPECT_EQ(coordinator->state().lastEnd()->date, start + 3h);
-}
-
-TEST_F(Coordinator, ReadingsAndSettingsMoveTheOneDeadline)
-{
-    auto settings = roaming();
-    settings.energy.batteryTimeLimit = 1h;
-    coordinator->setSettings(settings);
-    ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}));
-    EXPECT_EQ(deadline(), std::nullopt);
-    time.advance(1min);
-    power.report(battery(80));
-    EXPECT_EQ(deadline(), 61min);
-    power.report(charger(80));
-    EXPECT_EQ(deadline(), std::nullopt);
-    power.report(battery(80));
-    settings.energy.batteryTimeLimit.reset();
-    coordinator->setSettings(settings);
-    EXPECT_EQ(deadline(), std::nullopt);
-    coordinator->systemWillSleep();
-    EXPECT_EQ(taken(), "started, ended systemSleep");
 }
 
 TEST_F(Coordinator, EndConditionTakesPartFromStartToEnd)
@@ -100,19 +101,27 @@ TEST_F(Coordinator, EndConditionTakesPartFromStartToEnd)
     EXPECT_EQ(condition->calls, "begin end ");
 }
 
-TEST_F(Coordinator, AGuardrailWinsOverTheEndCondition)
-{
-    ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, condition));
-    condition->verdict = end::AgentsFinished{};
-    power.report(battery(5));
-    EXPECT_EQ(taken(), "started, ended lowBattery 5");
-}
-
 TEST_F(Coordinator, AnEndConditionMayEndTheSessionAtOnce)
 {
+    thermal.report(ThermalLevel::critical);
     condition->verdict = end::AgentsFinished{};
     ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, condition));
-    EXPECT_EQ(taken(), "started, ended agentsFinished");
+    EXPECT_EQ(taken(), "started, overheatingWarning, ended agentsFinished");
+}
+
+TEST_F(Coordinator, AnEndConditionOutlivesTheCallInWhichItEndsTheSession)
+{
+    for (const bool says : {true, false}) {
+        std::string calls;
+        auto ending = std::make_shared<SelfEnding>();
+        ending->calls = &calls;
+        ending->act = [&, self = ending.get()] {
+            says ? notify(self->onChange) : coordinator->stop(end::StoppedByUser{});
+        };
+        ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, std::move(ending)));
+        EXPECT_EQ(calls, says ? "begun evaluated freed" : "begun freed");
+        EXPECT_EQ(taken(), says ? "started, ended agentsFinished" : "started, ended stoppedByUser");
+    }
 }
 
 TEST_F(Coordinator, ARefusedStartDoesNotTouchTheEndCondition)
@@ -161,13 +170,30 @@ TEST_F(Coordinator, CallbacksOutliveItAndDoNothing)
     EXPECT_EQ(time.pendingDeadlines(), 0u);
 }
 
-TEST_F(Coordinator, ReportsACallFromAnotherThread)
+TEST_F(Coordinator, ReportsEveryChangeFromAnotherThread)
 {
-    std::string place;
-    mainThread::onViolation([&](const std::string& where) { place = where; });
-    std::thread{[&] { coordinator->updateLid(true); }}.join();
+    int change = 0;
+    AgentTracker tracker;
+    const std::vector<std::function<void()>> changes{
+        [&] { coordinator->setSettings({}); },
+        [&] { static_cast<void>(coordinator->start(plan::Unlimited{}, {})); },
+        [&] { static_cast<void>(coordinator->setClosedLid(true)); },
+        [&] { coordinator->setKeepsDisplayAwake(true); },
+        [&] { coordinator->extend(); },
+        [&] { coordinator->stop(end::StoppedByUser{}); },
+        [&] { coordinator->updateHelper(helper::Failed{}, true); },
+        [&] { coordinator->updateLid(true); },
+        [&] { tracker.record({}); },
+        [&] { tracker.pruneStale(start); },
+        [&] { coordinator.emplace(roaming(), Calendar::current(), environment(*this), helper::Ready{}); },
+    };
+    for (const auto& each : changes) {
+        std::string places;
+        mainThread::onViolation([&](const std::string& place) { places += place; });
+        std::thread{each}.join();
+        EXPECT_NE(places, "") << "change " << change++;
+    }
     mainThread::onViolation({});
-    EXPECT_NE(place.find("SessionCoordinator.cpp"), std::string::npos) << place;
 }
 
 } // namespace
