@@ -1,7 +1,6 @@
 #include "App/Wording/Format.h"
 
-#include <QDateTime>
-#include <QTimeZone>
+#include <QTime>
 
 #include <cmath>
 
@@ -60,9 +59,8 @@ std::string Format::time(TimeOfDay time, const Calendar& calendar, Instant refer
 
 std::string Format::time(Instant instant, const Calendar& calendar) const
 {
-    const QTimeZone zone{QByteArray::fromStdString(calendar.zoneName())};
-    const auto sinceEpoch = std::chrono::floor<std::chrono::milliseconds>(instant.since1970()).count();
-    const auto time = QDateTime::fromMSecsSinceEpoch(sinceEpoch, zone.isValid() ? zone : QTimeZone::utc()).time();
+    const std::chrono::milliseconds sinceMidnight = calendar.sinceMidnight(instant);
+    const auto time = QTime::fromMSecsSinceStartOfDay(static_cast<int>(sinceMidnight.count()));
     // The locale without a country shows seconds even in its short form.
     const auto text = clock_.language() == QLocale::C ? time.toString(QStringLiteral("HH:mm"))
                                                       : clock_.toString(time, QLocale::ShortFormat);

@@ -2,37 +2,19 @@
 
 #include "Core/Scheduling/ZoneRules.h"
 
-#include <cstdlib>
-
 namespace vespra {
 
 namespace {
 
-    /// The zone that TZ names, as POSIX writes it: "Europe/Paris" or ":Europe/Paris".
-    const ZoneRules* environmentZone()
+    date::local_seconds localTime(const ZoneRules& zone, Instant instant)
     {
-        const char* value = std::getenv("TZ");
-        if (!value)
-            return nullptr;
-        std::string_view name{value};
-        if (name.starts_with(':'))
-            name.remove_prefix(1);
-        return name.empty() ? nullptr : ZoneRules::find(name);
-    }
-
-    const ZoneRules* systemZone()
-    {
-        try {
-            return ZoneRules::find(date::current_zone()->name());
-        } catch (const std::exception&) {
-            return nullptr;
-        }
+        const date::sys_time<std::chrono::nanoseconds> date{instant.since1970()};
+        return zone.toLocal(date::floor<std::chrono::seconds>(date));
     }
 
     date::local_days localDay(const ZoneRules& zone, Instant instant)
     {
-        const date::sys_time<std::chrono::nanoseconds> date{instant.since1970()};
-        return date::floor<date::days>(zone.toLocal(date::floor<std::chrono::seconds>(date)));
+        return date::floor<date::days>(localTime(zone, instant));
     }
 
     Instant onDay(const ZoneRules& zone, date::local_days day, int hour, int minute)
@@ -43,15 +25,7 @@ namespace {
 
 } // namespace
 
-const ZoneRules& Calendar::zone() const
-{
-    if (fixedZone_)
-        return *fixedZone_;
-    if (const auto* zone = environmentZone())
-        return *zone;
-    const auto* zone = systemZone();
-    return zone ? *zone : ZoneRules::utc();
-}
+const ZoneRules& Calendar::zone() const { return fixedZone_ ? *fixedZone_ : ZoneRules::local(); }
 
 std::expected<Calendar, std::string> Calendar::inZone(std::string_view name)
 {
@@ -77,6 +51,10 @@ Instant Calendar::dateOnDay(Instant day, int hour, int minute) const
     return onDay(rules, localDay(rules, day), hour, minute);
 }
 
-std::string Calendar::zoneName() const { return zone().name(); }
+std::chrono::seconds Calendar::sinceMidnight(Instant instant) const
+{
+    const auto time = localTime(zone(), instant);
+    return time - date::floor<date::days>(time);
+}
 
 } // namespace vespra

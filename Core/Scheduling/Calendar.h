@@ -13,8 +13,8 @@ class ZoneRules;
 /// The Gregorian calendar in a time zone: turns times of day into dates. Main thread only.
 class Calendar {
 public:
-    /// Follows the system's time zone, looked up at each use: a laptop that travels stays right. TZ in the
-    /// environment counts first if it names a zone; without any usable zone it is UTC.
+    /// Follows this process's time zone as the C library sees it, looked up at each use: a laptop that travels stays
+    /// right. Every form of TZ counts, and a copied /etc/localtime as well as a linked one.
     static Calendar current() { return Calendar{nullptr}; }
 
     /// The calendar of an IANA zone such as "Europe/Paris". Fails with a sentence for an unknown name.
@@ -28,8 +28,8 @@ public:
     /// The same time on the day that `day` falls on; by the same rules for skipped and repeated times.
     Instant dateOnDay(Instant day, int hour, int minute) const;
 
-    /// The zone in force now: "Europe/Paris".
-    std::string zoneName() const;
+    /// What clocks show at `instant`, as seconds after 00:00:00: 0 to 86399.
+    std::chrono::seconds sinceMidnight(Instant instant) const;
 
     friend bool operator==(const Calendar&, const Calendar&) = default;
 
@@ -41,7 +41,7 @@ private:
 
     const ZoneRules& zone() const;
 
-    /// Nothing: the system's zone.
+    /// Nothing: the process's zone.
     const ZoneRules* fixedZone_;
 };
 

@@ -15,8 +15,6 @@ public:
 
     virtual ~PosixZoneRule() = default;
     virtual date::local_seconds toLocal(date::sys_seconds date) const = 0;
-    /// The first moment at which clocks show `time`; of a time that they skip, the moment of the skip.
-    virtual date::sys_seconds firstAt(date::local_seconds time) const = 0;
 };
 
 } // namespace vespra

@@ -1,11 +1,39 @@
 #include "Core/Scheduling/ZoneRules.h"
 
+#include "Core/Scheduling/PosixZoneRule.h"
+
+#include <algorithm>
+#include <ctime>
 #include <fstream>
 #include <map>
 
 namespace vespra {
 
 namespace {
+
+    using date::local_seconds;
+    using date::sys_seconds;
+
+    /// The moment at which clocks would show `time` if their zone were UTC.
+    sys_seconds asUTC(local_seconds time) { return sys_seconds{time.time_since_epoch()}; }
+
+    class UTC final : public ZoneRules {
+    public:
+        local_seconds toLocal(sys_seconds date) const override { return local_seconds{date.time_since_epoch()}; }
+    };
+
+    class LocalZone final : public ZoneRules {
+    public:
+        local_seconds toLocal(sys_seconds date) const override
+        {
+            // Alone it would not look whether the zone has changed.
+            tzset();
+            const std::time_t seconds = date.time_since_epoch().count();
+            std::tm fields{};
+            localtime_r(&seconds, &fields);
+            return local_seconds{date.time_since_epoch() + std::chrono::seconds{fields.tm_gmtoff}};
+        }
+    };
 
     constexpr const char* zoneFiles = "/usr/share/zoneinfo/";
 
@@ -20,24 +48,40 @@ namespace {
         return start == std::string::npos ? "" : content.substr(start + 1, content.size() - start - 2);
     }
 
-} // namespace
+    /// The zone files of many systems list no transitions to come, only the rule that makes them, which the date
+    /// library passes over: so this takes the library's transitions as far as they go, and the rule from there on.
+    class NamedZone final : public ZoneRules {
+    public:
+        NamedZone(const std::string& name, const date::time_zone* zone)
+            : zone_{zone}
+            , lastTransition_{zone->get_info(date::sys_days{date::January / 1 / 2199}).begin}
+            , rule_{PosixZoneRule::parsed(ruleText(name))}
+        {
+        }
 
-ZoneRules::ZoneRules(std::string name, const date::time_zone* zone)
-    : name_{std::move(name)}
-    , zone_{zone}
-{
-    if (!zone_)
-        return;
-    const auto last = zone_->get_info(date::sys_days{date::January / 1 / 2199});
-    lastTransition_ = last.begin;
-    // Around the transition itself the library knows both sides.
-    ruleStart_ = date::local_seconds{(last.begin + last.offset + date::days{1}).time_since_epoch()};
-    rule_ = PosixZoneRule::parsed(ruleText(name_));
-}
+        local_seconds toLocal(sys_seconds date) const override
+        {
+            return rule_ && date >= lastTransition_ ? rule_->toLocal(date) : zone_->to_local(date);
+        }
+
+    private:
+        const date::time_zone* zone_;
+        /// The last one that the library knows.
+        sys_seconds lastTransition_;
+        std::unique_ptr<const PosixZoneRule> rule_;
+    };
+
+} // namespace
 
 const ZoneRules& ZoneRules::utc()
 {
-    static const ZoneRules rules{"UTC", nullptr};
+    static const UTC rules;
+    return rules;
+}
+
+const ZoneRules& ZoneRules::local()
+{
+    static const LocalZone rules;
     return rules;
 }
 
@@ -45,31 +89,34 @@ const ZoneRules* ZoneRules::find(std::string_view name)
 {
     if (name == "UTC")
         return &utc();
-    static std::map<std::string, std::unique_ptr<const ZoneRules>, std::less<>> known;
+    static std::map<std::string, NamedZone, std::less<>> known;
     if (const auto found = known.find(name); found != known.end())
-        return found->second.get();
+        return &found->second;
     const std::string key{name};
     try {
-        const auto* zone = date::locate_zone(key);
-        return known.emplace(key, new ZoneRules{key, zone}).first->second.get();
+        return &known.try_emplace(key, key, date::locate_zone(key)).first->second;
     } catch (const std::exception&) {
         return nullptr;
     }
 }
 
-date::local_seconds ZoneRules::toLocal(date::sys_seconds date) const
+date::sys_seconds ZoneRules::firstAt(local_seconds time) const
 {
-    if (!zone_)
-        return date::local_seconds{date.time_since_epoch()};
-    return rule_ && date >= lastTransition_ ? rule_->toLocal(date) : zone_->to_local(date);
-}
-
-date::sys_seconds ZoneRules::firstAt(date::local_seconds time) const
-{
-    if (!zone_)
-        return date::sys_seconds{time.time_since_epoch()};
-    constexpr auto first = date::choose::earliest;
-    return rule_ && time >= ruleStart_ ? rule_->firstAt(time) : zone_->to_sys(time, first);
+    // Zones are less than a day ahead of UTC or behind it, and change their offset more seldom than every other day.
+    const auto dayBefore = asUTC(time) - date::days{1}, dayAfter = asUTC(time) + date::days{1};
+    const auto offset = [this](sys_seconds date) { return asUTC(toLocal(date)) - date; };
+    const auto early = asUTC(time) - std::max(offset(dayBefore), offset(dayAfter));
+    const auto late = asUTC(time) - std::min(offset(dayBefore), offset(dayAfter));
+    for (const auto candidate : {early, late})
+        if (toLocal(candidate) == time)
+            return candidate;
+    // Clocks skip it, at some moment after `early` and not after `late`.
+    auto before = early, after = late;
+    while (after - before > std::chrono::seconds{1}) {
+        const auto middle = before + (after - before) / 2;
+        (toLocal(middle) < time ? before : after) = middle;
+    }
+    return after;
 }
 
 } // namespace vespra
