@@ -23,25 +23,27 @@ namespace vespra::doctor {
 
 namespace {
 
-    std::string sentence(Verdict verdict, const Report& report, const std::string& application)
+    std::string clause(const Keeper& keeper, Verdict verdict)
     {
-        const auto process = report.session ? " (process " + std::to_string(report.session->pid) + ")" : "";
-        switch (verdict) {
-        case Verdict::noSession:
+        if (verdict == Verdict::listed)
+            return keeper.service + " lists its lock";
+        if (verdict == Verdict::missing)
+            return keeper.service + " does NOT list its lock: this machine may fall asleep";
+        return "whether " + keeper.service + " holds its lock cannot be told";
+    }
+
+    std::string sentence(const Report& report, const std::string& application)
+    {
+        if (!report.session)
             return "No " + application + " session runs.";
-        case Verdict::simulated:
-            return "A " + application + " session runs" + process
-                + " on a simulated laptop: it does not keep this machine awake.";
-        case Verdict::listed:
-            return "A " + application + " session runs" + process + ", and " + report.facts.listingService
-                + " lists its lock.";
-        case Verdict::missing:
-            return "A " + application + " session runs" + process + ", but " + report.facts.listingService
-                + " does NOT list its lock: this machine may fall asleep.";
-        case Verdict::unknown:
-            break;
-        }
-        return "A " + application + " session runs" + process + "; nothing here tells whether its lock is held.";
+        auto text = "A " + application + " session runs (process " + std::to_string(report.session->pid) + ")";
+        if (report.verdict(application) == Verdict::simulated)
+            return text + " on a simulated laptop: it does not keep this machine awake.";
+        for (const auto& keeper : report.facts.keepers)
+            text += "; " + clause(keeper, report.verdict(keeper, application));
+        if (report.facts.keepers.empty())
+            text += "; nothing here tells whether its lock is held";
+        return text + ".";
     }
 
     std::string line(const Inhibitor& each)
@@ -72,36 +74,50 @@ namespace {
 
 } // namespace
 
+bool Inhibitor::covers(std::string_view one) const
+{
+    return (":" + what + ":").find(":" + std::string{one} + ":") != std::string::npos;
+}
+
+Verdict Report::verdict(const Keeper& keeper, const std::string& application) const
+{
+    const bool isListed = std::ranges::any_of(facts.inhibitors, [&](const Inhibitor& each) {
+        const bool isOurs = each.pid != 0 ? each.pid == session->pid : each.who == application;
+        return isOurs && each.service == keeper.service && each.mode != "delay" && each.covers(keeper.what);
+    });
+    return isListed ? Verdict::listed : keeper.tellsAll ? Verdict::missing : Verdict::unknown;
+}
+
 Verdict Report::verdict(const std::string& application) const
 {
     if (!session)
         return Verdict::noSession;
     if (session->platform == "simulated")
         return Verdict::simulated;
-    const auto& all = facts.inhibitors;
-    if (!all || facts.listingService.empty())
-        return Verdict::unknown;
-    const bool isListed = std::ranges::any_of(*all, [&](const Inhibitor& each) {
-        return each.service == facts.listingService && each.who == application && each.mode != "delay"
-            && (each.pid == 0 || each.pid == session->pid);
-    });
-    return isListed ? Verdict::listed : Verdict::missing;
+    const auto says = [&](Verdict one) {
+        return std::ranges::any_of(
+            facts.keepers, [&](const Keeper& keeper) { return verdict(keeper, application) == one; });
+    };
+    if (says(Verdict::missing))
+        return Verdict::missing;
+    return facts.keepers.empty() || says(Verdict::unknown) ? Verdict::unknown : Verdict::listed;
 }
 
 std::string text(const Report& report, const std::string& application)
 {
-    std::string text = sentence(report.verdict(application), report, application) + "\n\nFacilities\n";
+    std::string text = sentence(report, application) + "\n\nFacilities\n";
     for (const auto& each : report.facts.facilities)
         text += "  " + each.name + ": " + each.mechanism.value_or("not available here")
             + (each.reading.empty() ? "" : " - " + each.reading) + "\n";
     text += "\nHeld right now\n";
-    if (!report.facts.inhibitors)
-        text += "  this system does not say\n";
-    else if (report.facts.inhibitors->empty())
+    for (const auto& each : report.facts.inhibitors)
+        text += "  " + line(each) + "\n";
+    const auto tellsAll = [](const Keeper& keeper) { return keeper.tellsAll; };
+    if (report.facts.inhibitors.empty() && std::ranges::all_of(report.facts.keepers, tellsAll))
         text += "  nothing\n";
-    else
-        for (const auto& each : *report.facts.inhibitors)
-            text += "  " + line(each) + "\n";
+    for (const auto& each : report.facts.keepers)
+        if (!each.tellsAll)
+            text += "  " + each.service + " does not answer, or does not say for whom\n";
     text += "\nWhat could defeat a session\n";
     for (const auto& each : report.facts.threats)
         text += "  " + each + "\n";
@@ -122,10 +138,15 @@ std::string json(const Report& report, const std::string& application)
             facility["reading"] = each.reading;
         json["facilities"].push_back(facility);
     }
-    if (report.facts.inhibitors) {
-        json["inhibitors"] = JSON::array();
-        for (const auto& each : *report.facts.inhibitors)
-            json["inhibitors"].push_back(inhibitorJSON(each));
+    json["inhibitors"] = JSON::array();
+    for (const auto& each : report.facts.inhibitors)
+        json["inhibitors"].push_back(inhibitorJSON(each));
+    json["services"] = JSON::array();
+    for (const auto& each : report.facts.keepers) {
+        JSON service{{"name", each.service}, {"isSilent", !each.tellsAll}};
+        if (report.session)
+            service["verdict"] = rawValue(report.verdict(each, application));
+        json["services"].push_back(service);
     }
     json["threats"] = report.facts.threats;
     return json.dump(2, ' ', false, JSON::error_handler_t::replace) + "\n";

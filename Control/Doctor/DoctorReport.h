@@ -33,17 +33,29 @@ struct Inhibitor {
     std::optional<std::uint32_t> uid;
     /// The name of the process; empty if it cannot be told.
     std::string process;
+
+    /// Whether `what`, words between colons, has `one`.
+    bool covers(std::string_view one) const;
+};
+
+/// A service that a running session asks to keep this machine awake.
+struct Keeper {
+    std::string service;
+    /// What an entry of ours in its list has to cover.
+    std::string what;
+    /// Whether everything that it holds is among the inhibitors, and for whom. It does not answer otherwise, or does
+    /// not say who.
+    bool tellsAll = false;
 };
 
 /// What is found out about a system. One implementation per system.
 struct Facts {
     std::vector<Facility> facilities;
-    /// Absent where the system does not say who holds what, or does not answer.
-    std::optional<std::vector<Inhibitor>> inhibitors;
+    /// What is known to be held.
+    std::vector<Inhibitor> inhibitors;
+    std::vector<Keeper> keepers;
     /// A sentence each.
     std::vector<std::string> threats;
-    /// The service that lists the lock of a session running in process `pid`.
-    std::string listingService;
 };
 Facts gatherFacts(const std::optional<SessionMarker::Session>& session);
 
@@ -51,9 +63,10 @@ enum class Verdict {
     noSession,
     /// It holds nothing of this machine, as it is to be.
     simulated,
+    /// By each service that is asked for it.
     listed,
     missing,
-    /// The service that keeps the list does not answer, or keeps none.
+    /// Some service does not tell, and none tells that it is missing.
     unknown,
 };
 
@@ -61,6 +74,8 @@ struct Report {
     std::optional<SessionMarker::Session> session;
     Facts facts;
 
+    /// Whether `keeper` holds the running session's lock: listed, missing or unknown.
+    Verdict verdict(const Keeper& keeper, const std::string& application) const;
     /// Whether the running session really keeps this machine awake.
     Verdict verdict(const std::string& application) const;
 };

@@ -1,5 +1,6 @@
 #include "Control/Doctor/DoctorReport.h"
 
+#include "Control/Doctor/linux/LidRules.h"
 #include "Control/Doctor/linux/LogindSettings.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TextFiles.h"
@@ -8,40 +9,131 @@
 
 namespace vespra::doctor {
 
-TEST(Doctor, MissesTheLockOfARunningSession)
+TEST(Doctor, BelievesThatASessionIsHeldOnlyIfEachServiceSaysSo)
 {
     const SessionMarker::Session running{.pid = 7, .platform = "linux"};
-    const std::string logind = "logind", plasma = "org.kde.Solid.PowerManagement.PolicyAgent";
-    const auto lock = [](const std::string& service, const char* who, const char* mode, long pid) {
-        return std::vector{
-            Inhibitor{.service = service, .what = "idle", .who = who, .why = "", .mode = mode, .pid = pid}};
+    const auto held = [](const char* service, const char* what, const char* who, const char* mode, long pid) {
+        return Inhibitor{.service = service, .what = what, .who = who, .why = "", .mode = mode, .pid = pid};
     };
-    const auto ours = lock(logind, "Vespra", "block", 7), none = std::vector<Inhibitor>{};
+    const Inhibitor ours = held("logind", "idle", "Vespra", "block", 7),
+                    gnome = held("gsm", "suspend", "Vespra", "", 0);
+    const Keeper logind{"logind", "idle", true}, silentLogind{"logind", "idle", false}, desktop{"gsm", "suspend", true},
+        silentDesktop{"gsm", "suspend", false};
     struct Row {
         const char* rule;
         std::optional<SessionMarker::Session> session;
-        std::optional<std::vector<Inhibitor>> inhibitors;
-        std::string service;
+        std::vector<Inhibitor> inhibitors;
+        std::vector<Keeper> keepers;
         Verdict expected;
     };
     for (const auto& row : std::vector<Row>{
-             {"nothing runs", {}, ours, logind, Verdict::noSession},
-             {"it is a simulation", {{7, "simulated"}}, none, logind, Verdict::simulated},
-             {"our lock is there", running, ours, logind, Verdict::listed},
-             {"nothing is there", running, none, logind, Verdict::missing},
-             {"another's lock", running, lock(logind, "Other", "block", 7), logind, Verdict::missing},
-             {"an earlier process's", running, lock(logind, "Vespra", "block", 6), logind, Verdict::missing},
-             {"a delay is no lock", running, lock(logind, "Vespra", "delay", 7), logind, Verdict::missing},
-             {"Plasma does not say the process", running, lock(plasma, "Vespra", "", 0), plasma, Verdict::listed},
-             {"another service's list does not count", running, ours, plasma, Verdict::missing},
-             {"no service lists it", running, none, "", Verdict::unknown},
-             {"the service does not answer", running, {}, logind, Verdict::unknown},
+             {"nothing runs", {}, {ours}, {logind}, Verdict::noSession},
+             {"it is a simulation", {{7, "simulated"}}, {}, {logind}, Verdict::simulated},
+             {"our lock is there", running, {ours}, {logind}, Verdict::listed},
+             {"nothing is there", running, {}, {logind}, Verdict::missing},
+             {"another's lock", running, {held("logind", "idle", "Vespra", "block", 6)}, {logind}, Verdict::missing},
+             {"a delay", running, {held("logind", "sleep:idle", "Vespra", "delay", 7)}, {logind}, Verdict::missing},
+             {"for something else",
+                 running,
+                 {held("logind", "sleep", "Vespra", "block", 7)},
+                 {logind},
+                 Verdict::missing},
+             {"both list it", running, {ours, gnome}, {logind, desktop}, Verdict::listed},
+             {"the desktop does not", running, {ours}, {logind, desktop}, Verdict::missing},
+             {"logind does not", running, {gnome}, {logind, desktop}, Verdict::missing},
+             {"the desktop lists another's",
+                 running,
+                 {ours, held("gsm", "suspend", "Other", "", 0)},
+                 {logind, desktop},
+                 Verdict::missing},
+             {"the desktop does not tell", running, {ours}, {logind, silentDesktop}, Verdict::unknown},
+             {"it is missing in any case", running, {}, {logind, silentDesktop}, Verdict::missing},
+             {"logind does not answer", running, {gnome}, {silentLogind, desktop}, Verdict::unknown},
+             {"no service is asked", running, {}, {}, Verdict::unknown},
          }) {
         SCOPED_TRACE(row.rule);
-        const Report report{
-            .session = row.session, .facts = {.inhibitors = row.inhibitors, .listingService = row.service}};
+        const Report report{.session = row.session, .facts = {.inhibitors = row.inhibitors, .keepers = row.keepers}};
         EXPECT_EQ(report.verdict("Vespra"), row.expected);
     }
+}
+
+TEST(LidRules, AreThoseThatApply)
+{
+    const auto lock = [](const char* what, const char* who) {
+        return std::vector{Inhibitor{
+            .service = "logind", .what = what, .who = who, .why = "", .mode = "block", .pid = 9, .process = "p"}};
+    };
+    const auto rules = [](auto change) {
+        LidRules all{.isThere = true,
+            .isDocked = false,
+            .isOnExternalPower = false,
+            .action = "suspend",
+            .actionOnExternalPower = {},
+            .actionDocked = "ignore",
+            .desktop = {}};
+        change(all);
+        return all;
+    };
+    const std::vector<Inhibitor> none, sleep = lock("idle:sleep", "Other");
+    struct Row {
+        LidRules rules;
+        std::vector<Inhibitor> held;
+        const char* expected;
+    };
+    for (const auto& row : std::vector<Row>{
+             {rules([](auto&) {}),
+                 sleep,
+                 "logind would act by HandleLidSwitch=suspend; only closed-lid mode could prevent it."},
+             {rules([](auto& all) { all.isThere = false; }), none, "this machine has none."},
+             {rules([](auto& all) {
+                  all.isThere.reset();
+                  all.action = "ignore";
+              }),
+                 none,
+                 "logind does nothing, by HandleLidSwitch=ignore. Whether there is a lid is not known."},
+             {rules([](auto& all) {
+                  all.isDocked.reset();
+                  all.hasHelper = true;
+              }),
+                 none,
+                 "logind does not answer, so nobody can tell what it would do; closed-lid mode prevents it."},
+             {rules([](auto& all) { all.isDocked = true; }),
+                 none,
+                 "logind does nothing, by HandleLidSwitchDocked=ignore (docked, or more than one display)."},
+             {rules([](auto& all) {
+                  all.isOnExternalPower = true;
+                  all.actionOnExternalPower = "lock";
+              }),
+                 none,
+                 "logind would act by HandleLidSwitchExternalPower=lock (on external power); only closed-lid mode "
+                 "could prevent it."},
+             {rules([](auto& all) { all.isOnExternalPower = true; }),
+                 none,
+                 "logind would act by HandleLidSwitch=suspend; only closed-lid mode could prevent it."},
+             {rules([](auto& all) { all.actionOnExternalPower = "ignore"; }),
+                 none,
+                 "logind would act by HandleLidSwitch=suspend; only closed-lid mode could prevent it."},
+             {rules([](auto& all) { all.ignoresSleepLocks = false; }),
+                 sleep,
+                 "logind would act by HandleLidSwitch=suspend, but LidSwitchIgnoreInhibited=no lets the sleep lock of "
+                 "Other (p 9) stop it."},
+             {rules([](auto&) {}),
+                 lock("handle-lid-switch", "PowerDevil"),
+                 "logind leaves it to PowerDevil (p 9), which holds handle-lid-switch and may act itself; only "
+                 "closed-lid mode could prevent it."},
+             {rules([](auto& all) { all.desktop = "xfpm"; }),
+                 lock("sleep:handle-lid-switch", "Vespra"),
+                 "closed-lid mode holds handle-lid-switch, so nothing happens."},
+             {rules([](auto& all) {
+                  all.isDocked = true;
+                  all.desktop = "xfpm";
+                  all.hasHelper = true;
+              }),
+                 none,
+                 "logind does nothing, by HandleLidSwitchDocked=ignore (docked, or more than one display); xfpm may "
+                 "act on it too, by its own settings; closed-lid mode prevents it."},
+         })
+        EXPECT_EQ(lidThreat(row.rules, row.held, "Vespra"), std::string{"Closing the lid: "} + row.expected);
 }
 
 TEST(LogindSettings, ComeFromTheLastFileThatSetsThem)

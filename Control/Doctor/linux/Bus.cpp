@@ -15,106 +15,100 @@ namespace {
 Bus::Bus(int (*open)(sd_bus**))
     : bus_{openBus(open, limit)}
 {
-    if (bus_)
-        sd_bus_set_method_call_timeout(bus_.get(), std::chrono::microseconds{limit}.count());
+}
+
+Bus::Answer Bus::newQuestion(const Object& object, const char* method) const
+{
+    sd_bus_message* question = nullptr;
+    if (!bus_ || silent_.contains(object.service)
+        || sd_bus_message_new_method_call(bus_.get(), &question, object.service, object.path, object.interface, method)
+            < 0)
+        return Answer{};
+    sd_bus_message_set_auto_start(question, 0);
+    return Answer{question};
+}
+
+Bus::Answer Bus::answer(const char* service, const Answer& question) const
+{
+    sd_bus_message* reply = nullptr;
+    const int result
+        = sd_bus_call(bus_.get(), question.message(), std::chrono::microseconds{limit}.count(), nullptr, &reply);
+    if (result == -ETIMEDOUT)
+        silent_.insert(service);
+    return Answer{result < 0 ? nullptr : reply};
 }
 
 bool Bus::isOwned(const char* service) const
 {
-    if (!bus_)
-        return false;
-    sd_bus_message* reply = nullptr;
     int owned = 0;
-    if (sd_bus_call_method(
-            bus_.get(), daemon.service, daemon.path, daemon.interface, "NameHasOwner", nullptr, &reply, "s", service)
-        >= 0)
-        sd_bus_message_read(reply, "b", &owned);
-    sd_bus_message_unref(reply);
+    if (const auto reply = ask(daemon, "NameHasOwner", "s", service))
+        sd_bus_message_read(reply.message(), "b", &owned);
     return owned != 0;
 }
 
 bool Bus::isActivatable(const std::string& service) const
 {
-    if (!bus_)
+    const auto reply = ask(daemon, "ListActivatableNames");
+    if (!reply || sd_bus_message_enter_container(reply.message(), 'a', "s") < 0)
         return false;
-    char** names = nullptr;
-    if (sd_bus_list_names(bus_.get(), nullptr, &names) < 0)
-        return false;
-    bool found = false;
-    for (char** name = names; name && *name; ++name) {
-        found = found || service == *name;
-        std::free(*name);
-    }
-    std::free(static_cast<void*>(names));
-    return found;
+    for (const char* name = nullptr; sd_bus_message_read(reply.message(), "s", &name) > 0;)
+        if (service == name)
+            return true;
+    return false;
 }
 
-std::optional<bool> Bus::flag(const Object& object, const char* property) const
+std::optional<long> Bus::owner(const char* service) const
 {
-    int value = 0;
-    if (!bus_
-        || sd_bus_get_property_trivial(
-               bus_.get(), object.service, object.path, object.interface, property, nullptr, 'b', &value)
-            < 0)
+    std::uint32_t pid = 0;
+    const auto reply = ask(daemon, "GetConnectionUnixProcessID", "s", service);
+    if (!reply || sd_bus_message_read(reply.message(), "u", &pid) <= 0)
         return {};
-    return value != 0;
+    return pid;
 }
 
-std::optional<double> Bus::number(const Object& object, const char* property) const
+template <class Value> std::optional<Value> Bus::property(const Object& object, const char* name, char type) const
 {
-    double value = 0;
-    if (!bus_
-        || sd_bus_get_property_trivial(
-               bus_.get(), object.service, object.path, object.interface, property, nullptr, 'd', &value)
-            < 0)
+    const Object properties{object.service, object.path, "org.freedesktop.DBus.Properties"};
+    const char contents[]{type, '\0'};
+    const auto reply = ask(properties, "Get", "ss", object.interface, name);
+    Value value{};
+    if (!reply || sd_bus_message_enter_container(reply.message(), 'v', contents) <= 0
+        || sd_bus_message_read_basic(reply.message(), type, &value) <= 0)
         return {};
     return value;
 }
 
-std::optional<std::uint32_t> Bus::count(const Object& object, const char* property) const
+std::optional<bool> Bus::flag(const Object& object, const char* name) const
 {
-    std::uint32_t value = 0;
-    if (!bus_
-        || sd_bus_get_property_trivial(
-               bus_.get(), object.service, object.path, object.interface, property, nullptr, 'u', &value)
-            < 0)
-        return {};
-    return value;
+    const auto value = property<int>(object, name, 'b');
+    return value ? std::optional{*value != 0} : std::nullopt;
 }
 
-std::optional<std::string> Bus::text(const Object& object, const char* property) const
+std::optional<double> Bus::number(const Object& object, const char* name) const
 {
-    char* value = nullptr;
-    if (!bus_
-        || sd_bus_get_property_string(
-               bus_.get(), object.service, object.path, object.interface, property, nullptr, &value)
-            < 0)
+    return property<double>(object, name, 'd');
+}
+
+std::optional<std::uint32_t> Bus::count(const Object& object, const char* name) const
+{
+    return property<std::uint32_t>(object, name, 'u');
+}
+
+std::optional<std::string> Bus::text(const Object& object, const char* name) const
+{
+    const Object properties{object.service, object.path, "org.freedesktop.DBus.Properties"};
+    const auto reply = ask(properties, "Get", "ss", object.interface, name);
+    if (!reply || sd_bus_message_enter_container(reply.message(), 'v', "s") <= 0)
         return {};
-    std::string copy{value};
-    std::free(value);
-    return copy;
+    return reply.text();
 }
 
 std::string Bus::Answer::text() const
 {
     const char* value = nullptr;
-    if (!message || sd_bus_message_read(message, "s", &value) <= 0)
+    if (!message_ || sd_bus_message_read(message(), "s", &value) <= 0)
         return {};
     return value;
-}
-
-void Bus::call(const Object& object, const char* method, Answer& answer) const
-{
-    if (bus_)
-        sd_bus_call_method(
-            bus_.get(), object.service, object.path, object.interface, method, nullptr, &answer.message, nullptr);
-}
-
-void Bus::call(const Object& object, const char* method, std::uint32_t argument, Answer& answer) const
-{
-    if (bus_)
-        sd_bus_call_method(
-            bus_.get(), object.service, object.path, object.interface, method, nullptr, &answer.message, "u", argument);
 }
 
 } // namespace vespra::doctor

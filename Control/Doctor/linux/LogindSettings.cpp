@@ -55,4 +55,9 @@ std::optional<std::string> logindSetting(const fs::path& root, std::string_view 
     return value;
 }
 
+bool saysYes(std::string_view value)
+{
+    return value == "1" || value == "yes" || value == "y" || value == "true" || value == "t" || value == "on";
+}
+
 } // namespace vespra::doctor

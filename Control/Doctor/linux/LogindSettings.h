@@ -11,4 +11,7 @@ namespace vespra::doctor {
 /// tests.
 std::optional<std::string> logindSetting(const std::filesystem::path& root, std::string_view key);
 
+/// Whether `value` switches a setting on, as systemd reads it.
+bool saysYes(std::string_view value);
+
 } // namespace vespra::doctor

@@ -2,6 +2,8 @@
 #include "App/System/linux/UPowerReading.h"
 #include "Control/Doctor/DoctorReport.h"
 #include "Control/Doctor/linux/Bus.h"
+#include "Control/Doctor/linux/Keepers.h"
+#include "Control/Doctor/linux/LidRules.h"
 #include "Control/Doctor/linux/LogindSettings.h"
 #include "HelperProtocol/Brand.h"
 
@@ -14,30 +16,13 @@ namespace vespra::doctor {
 namespace {
 
     constexpr auto sysfsRoot = "/sys";
+    constexpr auto sessionBusAddress = "DBUS_SESSION_BUS_ADDRESS";
 
-    constexpr Bus::Object logind{"org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager"};
     constexpr Bus::Object upower{"org.freedesktop.UPower", "/org/freedesktop/UPower", "org.freedesktop.UPower"};
     constexpr Bus::Object displayDevice{
         "org.freedesktop.UPower", "/org/freedesktop/UPower/devices/DisplayDevice", "org.freedesktop.UPower.Device"};
-    constexpr Bus::Object sessionManager{
-        "org.gnome.SessionManager", "/org/gnome/SessionManager", "org.gnome.SessionManager"};
-    constexpr Bus::Object powerManagement{"org.freedesktop.PowerManagement",
-        "/org/freedesktop/PowerManagement/Inhibit",
-        "org.freedesktop.PowerManagement.Inhibit"};
     constexpr Bus::Object screenSaver{
         "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver", "org.freedesktop.ScreenSaver"};
-    constexpr Bus::Object policyAgent{"org.kde.Solid.PowerManagement.PolicyAgent",
-        "/org/kde/Solid/PowerManagement/PolicyAgent",
-        "org.kde.Solid.PowerManagement.PolicyAgent"};
-
-    std::string processName(long pid)
-    {
-        std::ifstream file{"/proc/" + std::to_string(pid) + "/comm"};
-        std::string name;
-        std::getline(file, name);
-        return name;
-    }
-
     /// A variable of another process's environment; of this one's, if that cannot be read.
     std::string environment(std::optional<long> pid, const std::string& name)
     {
@@ -84,17 +69,17 @@ namespace {
 
     Facility lid(const Bus& system)
     {
-        const auto word = [](bool closed) { return closed ? "closed" : "open"; };
+        const auto word = [](std::optional<bool> closed) {
+            return !closed ? "not known" : *closed ? "closed" : "open";
+        };
         if (const auto present = system.flag(upower, "LidIsPresent")) {
             if (!*present)
                 return {.name = "Lid", .mechanism = {}, .reading = "this machine has none"};
-            return {.name = "Lid",
-                .mechanism = "UPower",
-                .reading = word(system.flag(upower, "LidIsClosed").value_or(false))};
+            return {.name = "Lid", .mechanism = "UPower", .reading = word(system.flag(upower, "LidIsClosed"))};
         }
         if (const auto closed = system.flag(logind, "LidClosed"))
-            return {.name = "Lid", .mechanism = "logind, asked every 5 s", .reading = word(*closed)};
-        return {.name = "Lid", .mechanism = {}, .reading = {}};
+            return {.name = "Lid", .mechanism = "logind, asked every 5 s", .reading = word(closed)};
+        return {.name = "Lid", .mechanism = {}, .reading = word({})};
     }
 
     Facility heat()
@@ -153,116 +138,64 @@ namespace {
         return {.name = "Closed lid", .mechanism = {}, .reading = "the helper is not installed"};
     }
 
-    std::optional<std::vector<Inhibitor>> logindLocks(const Bus& system)
-    {
-        Bus::Answer answer;
-        system.call(logind, "ListInhibitors", answer);
-        if (!answer || sd_bus_message_enter_container(answer.message, 'a', "(ssssuu)") < 0)
-            return {};
-        std::vector<Inhibitor> all;
-        const char *what = nullptr, *who = nullptr, *why = nullptr, *mode = nullptr;
-        std::uint32_t uid = 0, pid = 0;
-        while (sd_bus_message_read(answer.message, "(ssssuu)", &what, &who, &why, &mode, &uid, &pid) > 0)
-            all.push_back({.service = "logind",
-                .what = what,
-                .who = who,
-                .why = why,
-                .mode = mode,
-                .pid = pid,
-                .uid = uid,
-                .process = processName(pid)});
-        return all;
-    }
-
-    /// Somebody holds it, but the service does not say who.
-    Inhibitor anonymous(const char* service)
-    {
-        return {.service = service, .what = "inhibition", .who = "somebody", .why = "the service does not say who"};
-    }
-
-    bool says(const Bus::Answer& answer)
-    {
-        int value = 0;
-        return answer && sd_bus_message_read(answer.message, "b", &value) > 0 && value != 0;
-    }
-
-    Inhibitor gnomeInhibitor(const Bus& session, const char* path)
-    {
-        const Bus::Object inhibitor{sessionManager.service, path, "org.gnome.SessionManager.Inhibitor"};
-        Bus::Answer who, why, flags;
-        session.call(inhibitor, "GetAppId", who);
-        session.call(inhibitor, "GetReason", why);
-        session.call(inhibitor, "GetFlags", flags);
-        std::uint32_t bits = 0;
-        if (flags)
-            sd_bus_message_read(flags.message, "u", &bits);
-        std::string what = bits & 4 ? "suspend" : "";
-        if (bits & 8)
-            what += what.empty() ? "idle" : ":idle";
-        if (what.empty())
-            what = "flags " + std::to_string(bits);
-        return {.service = sessionManager.service, .what = what, .who = who.text(), .why = why.text()};
-    }
-
-    void addGnomeInhibitors(const Bus& session, std::vector<Inhibitor>& all)
-    {
-        Bus::Answer answer;
-        session.call(sessionManager, "GetInhibitors", answer);
-        if (answer && sd_bus_message_enter_container(answer.message, 'a', "o") > 0) {
-            for (const char* path = nullptr; sd_bus_message_read(answer.message, "o", &path) > 0;)
-                all.push_back(gnomeInhibitor(session, path));
-            return;
-        }
-        constexpr std::uint32_t suspendOrIdle = 4 | 8;
-        Bus::Answer isInhibited;
-        session.call(sessionManager, "IsInhibited", suspendOrIdle, isInhibited);
-        if (says(isInhibited))
-            all.push_back(anonymous(sessionManager.service));
-    }
-
-    /// False if the agent does not answer.
-    bool addPlasmaInhibitions(const Bus& session, std::vector<Inhibitor>& all)
-    {
-        Bus::Answer answer;
-        session.call(policyAgent, "ListInhibitions", answer);
-        if (!answer || sd_bus_message_enter_container(answer.message, 'a', "(ss)") < 0)
-            return false;
-        const char *who = nullptr, *why = nullptr;
-        while (sd_bus_message_read(answer.message, "(ss)", &who, &why) > 0)
-            all.push_back({.service = policyAgent.service, .what = "inhibition", .who = who, .why = why});
-        return true;
-    }
-
-    void addAnonymousInhibition(const Bus& session, std::vector<Inhibitor>& all)
-    {
-        Bus::Answer answer;
-        session.call(powerManagement, "HasInhibit", answer);
-        if (says(answer))
-            all.push_back(anonymous(powerManagement.service));
-    }
-
     // What could defeat a session
 
-    std::string setting(const char* name, const std::optional<std::string>& value, const std::string& fallback)
+    /// What logind has in force; what its files say if this version of it does not tell; else its default.
+    std::string setting(const Bus& system, const char* name, const char* fallback)
     {
-        return std::string{name} + "=" + value.value_or(fallback + " (the default)");
+        if (const auto value = system.text(logind, name); value && !value->empty())
+            return *value;
+        return logindSetting("/", name).value_or(fallback);
     }
 
-    std::vector<std::string> threats(const Bus& system, bool hasHelper)
+    std::optional<std::string> powerManagerOf(const Bus& session)
     {
-        std::vector<std::string> all;
-        all.push_back("Closing the lid: logind would act on it with HandleLidSwitch="
-            + system.text(logind, "HandleLidSwitch").value_or("suspend (the default)") + ", "
-            + setting("LidSwitchIgnoreInhibited", logindSetting("/", "LidSwitchIgnoreInhibited"), "yes")
-            + (hasHelper ? "; closed-lid mode prevents it." : "; only closed-lid mode could prevent it."));
-        all.push_back("Idling: logind would act with IdleAction="
-            + system.text(logind, "IdleAction")
-                .value_or(logindSetting("/", "IdleAction").value_or("ignore (the default)"))
-            + "; the idle lock prevents it. The desktop's own idle sleep is its service's business.");
-        all.emplace_back("Suspend chosen in a menu or by a key: nothing prevents that, and nothing should.");
+        const auto owner = session.owner(powerManagement.service);
+        if (!owner)
+            return {};
+        const auto name = processName(*owner);
+        return name.empty() ? powerManagement.service : name;
+    }
+
+    LidRules lidRules(const Bus& system, const Bus& session, bool hasHelper)
+    {
+        constexpr auto unset = "";
+        const auto onExternalPower = setting(system, "HandleLidSwitchExternalPower", unset);
+        return {.isThere = system.flag(upower, "LidIsPresent"),
+            .isDocked = system.flag(logind, "Docked"),
+            .isOnExternalPower = system.flag(logind, "OnExternalPower"),
+            .action = setting(system, "HandleLidSwitch", "suspend"),
+            .actionOnExternalPower = onExternalPower == unset ? std::nullopt : std::optional{onExternalPower},
+            .actionDocked = setting(system, "HandleLidSwitchDocked", "ignore"),
+            .ignoresSleepLocks = saysYes(logindSetting("/", "LidSwitchIgnoreInhibited").value_or("yes")),
+            .desktop = powerManagerOf(session),
+            .hasHelper = hasHelper};
+    }
+
+    std::string idling(const Bus& system)
+    {
+        if (!system.flag(logind, "Docked"))
+            return "Idling: logind does not answer, so nobody can tell what it would do.";
+        return "Idling: logind would act with IdleAction=" + setting(system, "IdleAction", "ignore")
+            + "; the idle lock prevents it. The desktop's own idle sleep is its service's business.";
+    }
+
+    std::vector<std::string> threats(const Bus& system, const LidRules& lid, const std::vector<Inhibitor>& held)
+    {
+        std::vector<std::string> all{lidThreat(lid, held, Brand::appName()),
+            idling(system),
+            "Suspend chosen in a menu or by a key: nothing prevents that, and nothing should."};
         if (const auto power = sysfs::readPower(sysfsRoot); power.batteryLevel && !power.isOnACPower)
             all.push_back("An empty battery: at " + std::to_string(*power.batteryLevel) + " % now.");
         return all;
+    }
+
+    /// The bus on which the session's process asks its desktop. Without a session it is this program's own.
+    Bus sessionBus(std::optional<long> pid)
+    {
+        if (const auto address = environment(pid, sessionBusAddress); !address.empty())
+            setenv(sessionBusAddress, address.c_str(), 1);
+        return Bus::session();
     }
 
 } // namespace
@@ -271,7 +204,7 @@ Facts gatherFacts(const std::optional<SessionMarker::Session>& session)
 {
     const auto pid = session ? std::optional{session->pid} : std::nullopt;
     const bool isKDE = names(environment(pid, "XDG_CURRENT_DESKTOP"), "KDE");
-    const auto systemBus = Bus::system(), sessionBus = Bus::session();
+    const auto systemBus = Bus::system(), desktopBus = sessionBus(pid);
 
     Facts facts;
     facts.facilities = {powerSource(systemBus),
@@ -280,20 +213,14 @@ Facts gatherFacts(const std::optional<SessionMarker::Session>& session)
             .mechanism = "the kernel's connectors",
             .reading = sysfs::hasExternalDisplay(sysfsRoot) ? "connected" : "none"},
         heat(),
-        idleSleep(systemBus, sessionBus, isKDE),
-        displayAwake(sessionBus, !environment(pid, "DISPLAY").empty()),
+        idleSleep(systemBus, desktopBus, isKDE),
+        displayAwake(desktopBus, !environment(pid, "DISPLAY").empty()),
         closedLid(systemBus)};
-    facts.inhibitors = logindLocks(systemBus);
-    facts.listingService = "logind";
-    if (isKDE)
-        facts.listingService.clear();
-    if (facts.inhibitors) {
-        addGnomeInhibitors(sessionBus, *facts.inhibitors);
-        if (addPlasmaInhibitions(sessionBus, *facts.inhibitors) && isKDE)
-            facts.listingService = policyAgent.service;
-        addAnonymousInhibition(sessionBus, *facts.inhibitors);
-    }
-    facts.threats = threats(systemBus, facts.facilities.back().mechanism.has_value());
+    addKeepers(systemBus, desktopBus, isKDE, facts);
+    if (!desktopBus.isOpen() && !environment(pid, sessionBusAddress).empty())
+        facts.keepers.push_back({.service = "the desktop", .what = {}, .tellsAll = false});
+    const bool hasHelper = facts.facilities.back().mechanism.has_value();
+    facts.threats = threats(systemBus, lidRules(systemBus, desktopBus, hasHelper), facts.inhibitors);
     return facts;
 }
 

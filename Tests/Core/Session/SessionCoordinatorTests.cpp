@@ -115,9 +115,8 @@ TEST_F(Coordinator, AnEndConditionOutlivesTheCallInWhichItEndsTheSession)
         std::string calls;
         auto ending = std::make_shared<SelfEnding>();
         ending->calls = &calls;
-        ending->act = [&, self = ending.get()] {
-            says ? notify(self->onChange) : coordinator->stop(end::StoppedByUser{});
-        };
+        ending->act
+            = [&, self = ending.get()] { says ? notify(self->onChange) : coordinator->stop(end::StoppedByUser{}); };
         ASSERT_TRUE(coordinator->start(plan::Unlimited{}, {}, std::move(ending)));
         EXPECT_EQ(calls, says ? "begun evaluated freed" : "begun freed");
         EXPECT_EQ(taken(), says ? "started, ended agentsFinished" : "started, ended stoppedByUser");

@@ -100,7 +100,8 @@ TEST(Calendar, AgreesWithTheSystemsDateInEveryZoneAndFormOfTZ)
              "/usr/share/zoneinfo/Asia/Tokyo",
              ":/usr/share/zoneinfo/Australia/Lord_Howe",
              "Mars/Olympus"})
-        for (const char* after : {"2026-01-01T00:00:01Z", "2026-07-01T12:00:00Z", "2040-03-24T23:00:00Z", "2090-08-01T00:00:00Z"}) {
+        for (const char* after :
+            {"2026-01-01T00:00:01Z", "2026-07-01T12:00:00Z", "2040-03-24T23:00:00Z", "2090-08-01T00:00:00Z"}) {
             SCOPED_TRACE(testing::Message() << "TZ=" << zone << " after " << after);
             setenv("TZ", zone, 1);
             const auto next = TimeOfDay{9, 30}.nextOccurrence(at(after), calendar);
