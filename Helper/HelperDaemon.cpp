@@ -155,7 +155,7 @@ HelperDaemon::HelperDaemon(HelperMachine machine, Seconds leaseTimeout)
     leases_.onChange = changed;
     shutLid_.onChange = changed;
     if (leases_.hasRecovered())
-        shutLid_.begin();
+        shutLid_.begin(ShutLidSleep::firstLookAfterRecovery);
 }
 
 HelperDaemon::~HelperDaemon()

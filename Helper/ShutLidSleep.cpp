@@ -9,10 +9,10 @@ ShutLidSleep::ShutLidSleep(PowerControl& power, TaskScheduling& tasks, SystemLog
 {
 }
 
-void ShutLidSleep::begin()
+void ShutLidSleep::begin(Seconds wait)
 {
     looksLeft_ = mostLooks;
-    scheduleLook(firstLook);
+    scheduleLook(wait);
     notify(onChange);
 }
 

@@ -4,6 +4,7 @@
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Helper/PowerControl.h"
+#include "HelperProtocol/HelperXPC.h"
 
 namespace vespra {
 
@@ -16,12 +17,14 @@ class ShutLidSleep {
 public:
     /// Where the system does look again, it has slept by then.
     static constexpr Seconds firstLook = 2s;
+    /// After a component that had died: by then an application that still wants the override has noticed and come back.
+    static constexpr Seconds firstLookAfterRecovery = HelperXPC::heartbeatInterval + 5s;
     static constexpr Seconds interval = 5s;
     static constexpr int mostLooks = 12;
 
     ShutLidSleep(PowerControl& power, TaskScheduling& tasks, SystemLog log);
 
-    void begin();
+    void begin(Seconds wait = firstLook);
     /// To be called when the system is about to sleep, too.
     void cancel();
     bool isUnderWay() const { return next_ != nullptr; }

@@ -75,7 +75,7 @@ namespace {
     {
         for (const bool isGarbage : {false, true})
             for (int changes = 0; changes <= 1; ++changes) {
-                machine.isDisabled = true;
+                machine.isDisabled = machine.isLidShut = true;
                 machine.isDiskGarbage = isGarbage;
                 machine.disk = SleepOverrideRecord{.originalSleepDisabled = false};
                 machine.killAfter(changes);
@@ -84,6 +84,10 @@ namespace {
                 end();
                 start();
                 EXPECT_FALSE(machine.isDisabled || machine.isDiskGarbage);
+                time.advance(HelperXPC::heartbeatInterval + 1s);
+                EXPECT_THAT(machine.deeds, IsEmpty()) << "an application can come back";
+                time.advance(5s);
+                EXPECT_THAT(std::exchange(machine.deeds, {}), ElementsAre("suspend"));
                 EXPECT_EQ(enable(*session), std::nullopt);
                 end();
                 EXPECT_EQ(machine.disk, std::nullopt);
