@@ -1,6 +1,16 @@
 #include "App/Agents/ForcedEndAction.h"
 
+#include <algorithm>
+
 namespace vespra {
+
+namespace {
+
+    /// A sleep shows in the step of the countdown that it makes end late.
+    constexpr Seconds step = 5s;
+    constexpr Seconds lateness = 3s;
+
+} // namespace
 
 void ForcedEndAction::schedule(AgentEndAction action, Instant now)
 {
@@ -8,7 +18,32 @@ void ForcedEndAction::schedule(AgentEndAction action, Instant now)
         return;
     constexpr auto countdown = AgentPolicy::forcedActionCountdown;
     pending_.set(Pending{.action = action, .deadline = now + countdown});
-    task_ = tasks_.schedule(countdown, lifetime_.guard([this] { carryOut(); }));
+    due_ = tasks_.continuousNow() + countdown;
+    countDown();
+}
+
+void ForcedEndAction::countDown()
+{
+    const auto now = tasks_.continuousNow();
+    const auto wait = std::min(step, due_ - now);
+    task_ = tasks_.schedule(wait, lifetime_.guard([this, next = now + wait] {
+        const auto then = tasks_.continuousNow();
+        if (then - next > lateness)
+            sleptOver();
+        else if (then < due_)
+            countDown();
+        else
+            carryOut();
+    }));
+}
+
+void ForcedEndAction::sleptOver()
+{
+    const auto action = pending_.get()->action;
+    if (action == AgentEndAction::sleepNow)
+        return cancel();
+    schedule(action, clock_.now());
+    notify(onPostpone, action);
 }
 
 void ForcedEndAction::cancel()

@@ -4,10 +4,13 @@
 #include "Core/Lifetime.h"
 #include "Core/Observation/Observed.h"
 #include "Core/Scheduling/TaskScheduling.h"
+#include "Core/Scheduling/WallClock.h"
 
 namespace vespra {
 
-/// Holds a sleep or a shutdown for a countdown that the user can cancel, then has it carried out. Main thread only.
+/// Holds a sleep or a shutdown for a countdown that the user can cancel, then has it carried out. A computer that
+/// sleeps meanwhile cannot be stopped by anybody: a sleep is done with then, and the countdown to a shutdown begins
+/// again. Main thread only.
 class ForcedEndAction {
 public:
     struct Pending {
@@ -17,15 +20,19 @@ public:
         bool operator==(const Pending&) const = default;
     };
 
-    explicit ForcedEndAction(TaskScheduling& tasks)
+    /// Both outlive it.
+    ForcedEndAction(TaskScheduling& tasks, const WallClock& clock)
         : tasks_{tasks}
+        , clock_{clock}
     {
     }
 
     /// Carries the action out.
     std::function<void(AgentEndAction)> perform;
-    /// Told when a pending action is cancelled.
+    /// Told when a pending action is cancelled, also by a sleep that came before it.
     std::function<void()> onCancel;
+    /// Told when the countdown to a pending action has begun again.
+    std::function<void(AgentEndAction)> onPostpone;
 
     /// Absent while nothing is scheduled.
     const std::optional<Pending>& pending() const { return pending_.get(); }
@@ -37,9 +44,13 @@ public:
     void cancel();
 
 private:
+    void countDown();
+    void sleptOver();
     void carryOut();
 
     TaskScheduling& tasks_;
+    const WallClock& clock_;
+    ContinuousInstant due_;
     Observed<std::optional<Pending>> pending_;
     std::unique_ptr<ScheduledTask> task_;
     Lifetime lifetime_;

@@ -55,6 +55,12 @@ void AppDelegate::makeClosedLid()
             .power = *platform.helper.power,
             .tasks = *platform.time.tasks,
             .mainLoop = *platform.time.mainLoop,
+            // A computer whose lid is shut would sleep before it is shut down.
+            .keepsOverride =
+                [this] {
+                    const auto& pending = model_->forcedEndAction().pending();
+                    return pending && pending->action == AgentEndAction::shutDown;
+                },
         });
     model_->closedLid = &*closedLid_;
 }
@@ -91,6 +97,8 @@ void AppDelegate::handleEvents()
     notifier.onExtend = lifetime_.guard([this] { model_->coordinator().extend(); });
     notifier.onCancelForcedAction = lifetime_.guard([this] { model_->forcedEndAction().cancel(); });
     model_->forcedEndAction().onCancel = lifetime_.guard([this] { eventHandler_->notifier().removeAgentsFinished(); });
+    model_->forcedEndAction().onPostpone = lifetime_.guard(
+        [this](AgentEndAction action) { model_->postAgentsFinished(eventHandler_->notifier(), action); });
     model_->coordinator().onEvent = lifetime_.guard([this](const SessionEvent& event) {
         eventHandler_->handle(event);
         notify(onEvent, event);
@@ -158,6 +166,7 @@ void AppDelegate::listenToTerminals()
 {
     controlServer_.emplace(*model_,
         *environment_.platform.time.mainLoop,
+        *environment_.platform.time.tasks,
         (environment_.supportDirectory / controlProtocol::socketName).string());
     controlServer_->start();
 }

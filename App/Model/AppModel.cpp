@@ -2,6 +2,7 @@
 
 #include "App/Model/PreferencesStore.h"
 #include "App/Model/SessionNotifier.h"
+#include "App/System/ClosedLidController.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/Localized.h"
 
@@ -23,7 +24,7 @@ AppModel::AppModel(const AppEnvironment& environment)
     , agentIntegration_{environment.home, environment.supportDirectory}
     , loginItem_{environment.platform.login.get()}
     , updates_{environment.platform.updater.get()}
-    , forcedEndAction_{*environment.platform.time.tasks}
+    , forcedEndAction_{*environment.platform.time.tasks, *environment.platform.time.clock}
     , preferences_{PreferencesStore::load(environment.defaults)}
     , playsHeatAlarm_{PreferencesStore::playsHeatAlarm(environment.defaults)}
     , showsRemainingTimeInMenuBar_{PreferencesStore::showsRemainingTimeInMenuBar(environment.defaults)}
@@ -78,6 +79,15 @@ void AppModel::startUnconnected(const SessionPreferences& preferences)
             : nullptr);
     if (!coordinator_.start(plan, preferences.options, agentCondition_.get()))
         agentCondition_.set(nullptr);
+    else if (preferences.options.closedLid)
+        refreshClosedLid();
+}
+
+/// What kept closed-lid mode from coming into force may have gone since.
+void AppModel::refreshClosedLid()
+{
+    if (closedLid)
+        closedLid->refreshUnlessReady();
 }
 
 void AppModel::toggleSession()
@@ -118,6 +128,8 @@ void AppModel::setClosedLid(bool enabled)
     auto next = preferences();
     next.options.closedLid = enabled;
     setPreferences(next);
+    if (enabled)
+        refreshClosedLid();
 }
 
 bool AppModel::isRunningHot() const
@@ -162,6 +174,11 @@ void AppModel::agentsFinished(SessionNotifier& notifier)
     const auto action
         = skipsForcedActionThisSession() ? AgentEndAction::letSleep : coordinator_.settings().agents.endAction;
     forcedEndAction_.schedule(action, coordinator_.now());
+    postAgentsFinished(notifier, action);
+}
+
+void AppModel::postAgentsFinished(SessionNotifier& notifier, AgentEndAction action) const
+{
     notifier.postAgentsFinished(agentsFinishedTitle(), notificationBody(action), action != AgentEndAction::letSleep);
 }
 

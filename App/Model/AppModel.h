@@ -101,6 +101,8 @@ public:
     std::string agentsFinishedTitle() const;
     /// The agents have ended their session: starts the countdown of what is to follow, and tells the user.
     void agentsFinished(SessionNotifier& notifier);
+    /// Tells the user what follows the agents' session now.
+    void postAgentsFinished(SessionNotifier& notifier, AgentEndAction action) const;
     /// Some session has ended.
     void sessionEnded() { agentCondition_.set(nullptr); }
 
@@ -112,6 +114,8 @@ public:
     std::function<void()> showPanel;
 
 private:
+    void refreshClosedLid();
+
     AppEnvironment environment_;
     SessionCoordinator coordinator_;
     AgentIntegration agentIntegration_;

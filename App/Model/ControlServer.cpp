@@ -33,16 +33,32 @@ struct ControlServer::Client {
     /// When the session began that is there for this client, among others.
     std::optional<Instant> runs;
     bool isReadPosted = false;
+    /// A reply that waits for how closed-lid mode stands, from the loop; no request is read until then.
+    struct Owed {
+        ControlRequest request;
+        JSON reply;
+    };
+    std::optional<Owed> owed;
+    std::vector<JSON> sentAfterOwed;
+    std::optional<ObservationLoop> settling;
+    std::unique_ptr<ScheduledTask> settlingLimit;
 
-    bool isIdle() const { return !watches && !waits && !runs; }
+    bool isIdle() const { return !watches && !waits && !runs && !owed; }
     bool isBacklogged() const { return socket.unsentBytes() > longestBacklog; }
 
-    void send(const JSON& reply) { socket.send(dumped(reply) + "\n"); }
+    void send(const JSON& reply)
+    {
+        if (owed)
+            sentAfterOwed.push_back(reply);
+        else
+            socket.send(dumped(reply) + "\n");
+    }
 };
 
-ControlServer::ControlServer(AppModel& model, MainLoop& mainLoop, std::string path)
+ControlServer::ControlServer(AppModel& model, MainLoop& mainLoop, TaskScheduling& tasks, std::string path)
     : model_{model}
     , mainLoop_{mainLoop}
+    , tasks_{tasks}
     , path_{std::move(path)}
     , log_{Brand::appBundleID(), "control"}
     , service_{model}
@@ -53,9 +69,13 @@ ControlServer::ControlServer(AppModel& model, MainLoop& mainLoop, std::string pa
 ControlServer::~ControlServer()
 {
     const auto ended = service_.ended();
-    for (const auto& client : std::exchange(clients_, {}))
+    for (const auto& client : std::exchange(clients_, {})) {
+        if (client->owed)
+            client->socket.send(dumped(client->owed->reply) + "\n");
+        client->owed.reset();
         if (client->waits && ended)
             client->send(*ended);
+    }
 }
 
 void ControlServer::start()
@@ -94,6 +114,8 @@ void ControlServer::forget(Client& client)
     const auto gone = std::move(*found);
     clients_.erase(found);
     gone->watches = gone->waits = false;
+    gone->owed.reset();
+    gone->settlingLimit.reset();
     gone->socket.onReceived = gone->socket.onSent = gone->socket.onClosed = nullptr;
     // Later: this may run inside one of its callbacks.
     mainLoop_.post([gone] { });
@@ -120,7 +142,7 @@ void ControlServer::readLater(Client& client)
 
 void ControlServer::read(Client& client)
 {
-    for (int handled = 0; client.socket.hasLine() && !client.isBacklogged(); ++handled) {
+    for (int handled = 0; client.socket.hasLine() && !client.isBacklogged() && !client.owed; ++handled) {
         if (handled == requestsPerTurn)
             return readLater(client);
         const auto line = *client.socket.takeLine();
@@ -156,8 +178,34 @@ void ControlServer::handle(Client& client, std::string_view line)
     case ControlVerb::run:
         return run(client, *request);
     default:
-        client.send(service_.reply(*request));
+        answer(client, *request, service_.reply(*request));
     }
+}
+
+void ControlServer::answer(Client& client, const ControlRequest& request, const JSON& reply)
+{
+    if (reply.contains("error") || !service_.tellsClosedLid(request))
+        return client.send(reply);
+    client.owed = {request, reply};
+    client.settling.emplace(mainLoop_, [this, &client] {
+        if (client.owed && !service_.isClosedLidSettling(client.owed->request))
+            giveOwed(client);
+    });
+    // Setting up and removing may wait for a person.
+    const bool waitsForPerson
+        = request.verb == ControlVerb::setUpClosedLid || request.verb == ControlVerb::removeClosedLid;
+    if (client.owed && !waitsForPerson)
+        client.settlingLimit = tasks_.schedule(closedLidLimit, [this, &client] { giveOwed(client); });
+}
+
+void ControlServer::giveOwed(Client& client)
+{
+    const auto owed = *std::exchange(client.owed, {});
+    client.settlingLimit.reset();
+    client.send(service_.withClosedLid(owed.request, owed.reply));
+    for (const auto& later : std::exchange(client.sentAfterOwed, {}))
+        client.send(later);
+    readLater(client);
 }
 
 /// While a line waits for the client no other is added: what it reads next is how things stand then.
@@ -210,7 +258,7 @@ void ControlServer::run(Client& client, const ControlRequest& request)
     runSessionStart_ = model_.coordinator().state().activeSession()->startedAt;
     client.runs = runSessionStart_;
     client.waits = true;
-    client.send(reply);
+    answer(client, request, reply);
     wait(client);
 }
 

@@ -4,6 +4,7 @@
 #include "App/System/LocalSocket.h"
 #include "App/System/SystemLog.h"
 #include "Core/Scheduling/MainLoop.h"
+#include "Core/Scheduling/TaskScheduling.h"
 
 #include <memory>
 #include <string>
@@ -22,10 +23,13 @@ public:
     static constexpr int requestsPerTurn = 32;
     /// Bytes that may wait for a client before its next request is looked at.
     static constexpr std::size_t longestBacklog = 65'536;
+    /// Who asks for closed-lid mode waits at most so long for its outcome; then how it stands is the answer.
+    static constexpr Seconds closedLidLimit = 3s;
 
-    /// Touches nothing yet. `model` and `mainLoop` outlive it.
-    ControlServer(AppModel& model, MainLoop& mainLoop, std::string path);
-    /// Tells those who wait for the session's end, if it has come, and closes all connections.
+    /// Touches nothing yet. `model`, `mainLoop` and `tasks` outlive it.
+    ControlServer(AppModel& model, MainLoop& mainLoop, TaskScheduling& tasks, std::string path);
+    /// Gives the replies still owed, tells those who wait for the session's end, if it has come, and closes all
+    /// connections.
     ~ControlServer();
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
@@ -42,6 +46,8 @@ private:
     void read(Client& client);
     void refuseLength(Client& client);
     void handle(Client& client, std::string_view line);
+    void answer(Client& client, const ControlRequest& request, const JSON& reply);
+    void giveOwed(Client& client);
     void watch(Client& client);
     void wait(Client& client);
     void run(Client& client, const ControlRequest& request);
@@ -50,6 +56,7 @@ private:
 
     AppModel& model_;
     MainLoop& mainLoop_;
+    TaskScheduling& tasks_;
     std::string path_;
     SystemLog log_;
     ControlService service_;

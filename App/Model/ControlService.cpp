@@ -1,6 +1,7 @@
 #include "App/Model/ControlService.h"
 
 #include "App/Model/AppModel.h"
+#include "App/System/ClosedLidController.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/ClosedLidWording.h"
 #include "App/Wording/Format.h"
@@ -113,6 +114,12 @@ JSON ControlService::reply(const ControlRequest& request)
         return kept();
     case ControlVerb::closedLid:
         return setClosedLid(request.on);
+    case ControlVerb::setUpClosedLid:
+        model_.closedLid->install();
+        return done();
+    case ControlVerb::removeClosedLid:
+        model_.closedLid->remove();
+        return done();
     case ControlVerb::settings:
         return settings();
     case ControlVerb::set:
@@ -126,6 +133,53 @@ JSON ControlService::reply(const ControlRequest& request)
         break;
     }
     return status();
+}
+
+bool ControlService::tellsClosedLid(const ControlRequest& request) const
+{
+    const auto* session = model_.coordinator().state().activeSession();
+    switch (request.verb) {
+    case ControlVerb::start:
+    case ControlVerb::toggle:
+    case ControlVerb::run:
+        return session && session->options.closedLid;
+    case ControlVerb::closedLid:
+        return request.on;
+    case ControlVerb::setUpClosedLid:
+    case ControlVerb::removeClosedLid:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool ControlService::isClosedLidSettling(const ControlRequest& request) const
+{
+    const auto status = model_.coordinator().closedLidStatus(model_.isClosedLidOn());
+    return model_.closedLid->isSettling()
+        || (request.verb != ControlVerb::removeClosedLid && std::holds_alternative<closedLid::Verifying>(status));
+}
+
+JSON ControlService::withClosedLid(const ControlRequest& request, JSON reply) const
+{
+    const auto& component = model_.coordinator().conditions().helper;
+    const bool isGone = std::holds_alternative<helper::NotInstalled>(component);
+    if (request.verb == ControlVerb::removeClosedLid)
+        return isGone
+            ? reply
+            : error(controlProtocol::refused,
+                  localized("The component is still there. What a package has brought goes with the package."));
+    const bool isSetUp = request.verb == ControlVerb::setUpClosedLid && isReady(component);
+    const auto status = model_.coordinator().closedLidStatus(model_.isClosedLidOn());
+    using namespace closedLid;
+    if (isSetUp || std::holds_alternative<Off>(status) || std::holds_alternative<Ready>(status)
+        || std::holds_alternative<CanCloseLid>(status))
+        return reply;
+    reply["closedLid"] = {
+        {"message", localized("Closed lid: %1", {message(status)})},
+        {"isPossible", std::holds_alternative<Verifying>(status)},
+    };
+    return reply;
 }
 
 JSON ControlService::status() const

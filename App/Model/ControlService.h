@@ -21,6 +21,14 @@ public:
     /// What cannot be stored is an error too, but it counts.
     JSON reply(const ControlRequest& request);
 
+    /// How closed-lid mode stands is part of the reply that has just been made to `request`, and may take a moment.
+    bool tellsClosedLid(const ControlRequest& request) const;
+    /// It is still being found out. Followed by an observation loop that asks.
+    bool isClosedLidSettling(const ControlRequest& request) const;
+    /// `reply` with how it stands now: besides {"closedLid":{"message":"Closed lid: Not set up","isPossible":false}}
+    /// where it is not in force, or ready for the next session; or the error of a component that could not be removed.
+    JSON withClosedLid(const ControlRequest& request, JSON reply) const;
+
     /// {"status":{...}}: how everything stands. Followed by an observation loop that asks.
     JSON status() const;
     /// {"ended":{"reason":"timeElapsed","at":"...","message":"Time is up"}}, without a reason if none ever ran;

@@ -20,8 +20,7 @@ ClosedLidController::ClosedLidController(SessionCoordinator& coordinator, Closed
     mainThread::check();
     environment_.service.onChange = lifetime_.guard([this] { refreshStatus(); });
     refreshStatus();
-    requirementLoop_.emplace(
-        environment_.mainLoop, [this] { follow(coordinator_.requirements().disablesSystemSleep); });
+    requirementLoop_.emplace(environment_.mainLoop, [this] { followSession(); });
 }
 
 // The connection
@@ -30,9 +29,24 @@ HelperConnection& ClosedLidController::connection()
 {
     if (!connection_) {
         connection_ = environment_.connect();
-        connection_->onInvalidation = lifetime_.guard([this] { dropConnection("connexion interrompue"); });
+        connection_->onInvalidation = lifetime_.guard([this] { connectionLost(); });
     }
     return *connection_;
+}
+
+/// Nothing is in force now. A component that goes again and again is not started anew each time.
+void ClosedLidController::connectionLost()
+{
+    const bool wasApplied = isApplied_;
+    dropConnection("connexion interrompue");
+    if (!wasApplied || isQuitting_)
+        return;
+    const auto now = environment_.tasks.continuousNow();
+    const auto lossBefore = std::exchange(lastLoss_, now);
+    if (lossBefore && now - *lossBefore < HelperXPC::heartbeatInterval)
+        fail();
+    else
+        refreshStatus();
 }
 
 void ClosedLidController::dropConnection(const std::string& reason)
@@ -42,8 +56,12 @@ void ClosedLidController::dropConnection(const std::string& reason)
         // It may be the one that is calling, so it goes in a later turn.
         environment_.mainLoop.post([ended = std::shared_ptr<HelperConnection>{std::move(connection_)}] { });
     }
+    heartbeatTask_.reset();
+    const bool wasApplied = std::exchange(isApplied_, false);
     for (const auto& request : std::exchange(requests_, {}))
         request->giveUp(HelperUnreachable{reason});
+    if (wasApplied)
+        setStatus(status_);
 }
 
 template <class Value, class Handle>
@@ -78,6 +96,16 @@ void ClosedLidController::setStatus(HelperStatus status)
 {
     status_ = status;
     coordinator_.updateHelper(status_, isApplied_);
+    scheduleRetry();
+}
+
+/// An approval has a poll of its own.
+void ClosedLidController::scheduleRetry()
+{
+    if (isReady(status_) || std::holds_alternative<helper::AwaitingApproval>(status_))
+        retryTask_.reset();
+    else if ((isWanted_ || isApplied_) && !retryTask_ && !isQuitting_)
+        retryTask_ = environment_.tasks.schedule(retryInterval, lifetime_.guard([this] { refreshStatus(); }));
 }
 
 void ClosedLidController::fail() { setStatus(helper::Failed{}); }
@@ -92,7 +120,9 @@ void ClosedLidController::unreachable(const HelperUnreachable& error)
 
 void ClosedLidController::install()
 {
+    isRegistering_.set(true);
     environment_.service.registerService(lifetime_.guard([this](const std::expected<void, std::string>& result) {
+        isRegistering_.set(false);
         if (!result) {
             log_.error("Enregistrement du helper : " + result.error());
             fail();
@@ -101,10 +131,24 @@ void ClosedLidController::install()
     }));
 }
 
+void ClosedLidController::remove()
+{
+    isRegistering_.set(true);
+    environment_.service.unregisterService(lifetime_.guard([this](const std::expected<void, std::string>& result) {
+        isRegistering_.set(false);
+        if (!result)
+            log_.error("Désenregistrement du helper : " + result.error());
+        refreshStatus();
+    }));
+}
+
 void ClosedLidController::registered(bool succeeded)
 {
     const int refresh = ++refresh_;
+    isAsking_.set(true);
     environment_.service.status(lifetime_.guard([this, refresh, succeeded](HelperServiceStatus serviceStatus) {
+        if (refresh == refresh_)
+            isAsking_.set(false);
         const bool needsApproval = serviceStatus == HelperServiceStatus::requiresApproval;
         if (needsApproval)
             environment_.service.openSettings();
@@ -114,12 +158,19 @@ void ClosedLidController::registered(bool succeeded)
     }));
 }
 
+void ClosedLidController::refreshUnlessReady()
+{
+    if (!isReady(status_))
+        refreshStatus();
+}
+
 void ClosedLidController::refreshStatus()
 {
     mainThread::check();
     approvalPollTask_.reset();
-    versionRetryTask_.reset();
+    retryTask_.reset();
     const int refresh = ++refresh_;
+    isAsking_.set(true);
     const auto showUnlessOutdated = lifetime_.guard([this, refresh](HelperServiceStatus serviceStatus) {
         if (refresh == refresh_)
             show(serviceStatus);
@@ -127,6 +178,7 @@ void ClosedLidController::refreshStatus()
     environment_.facts.read(lifetime_.guard([this, refresh, showUnlessOutdated](MachineFacts::Reading facts) {
         if (refresh != refresh_)
             return;
+        isAsking_.set(facts.hasLid && facts.isSignedByOwnTeam);
         if (!facts.hasLid)
             setStatus(helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay});
         else if (!facts.isSignedByOwnTeam)
@@ -138,6 +190,7 @@ void ClosedLidController::refreshStatus()
 
 void ClosedLidController::show(HelperServiceStatus serviceStatus)
 {
+    isAsking_.set(serviceStatus == HelperServiceStatus::enabled);
     switch (serviceStatus) {
     case HelperServiceStatus::notRegistered:
     case HelperServiceStatus::notFound:
@@ -175,6 +228,7 @@ void ClosedLidController::ping()
         [this, isOutdated](const std::expected<std::int64_t, HelperUnreachable>& version) {
             if (isOutdated())
                 return;
+            isAsking_.set(false);
             if (!version)
                 return unreachable(version.error());
             if (*version != HelperXPC::protocolVersion)
@@ -188,10 +242,22 @@ void ClosedLidController::rejectVersion()
 {
     fail();
     dropConnection("version inattendue");
-    versionRetryTask_ = environment_.tasks.schedule(versionRetryDelay, lifetime_.guard([this] { refreshStatus(); }));
+    retryTask_ = environment_.tasks.schedule(retryInterval, lifetime_.guard([this] { refreshStatus(); }));
 }
 
 // The override
+
+void ClosedLidController::followSession()
+{
+    const auto* session = coordinator_.state().activeSession();
+    isWanted_ = session && session->options.closedLid;
+    scheduleRetry();
+    // Each is read in any case, so that each is followed.
+    const bool isAsked = coordinator_.requirements().disablesSystemSleep;
+    const bool isKept = environment_.keepsOverride && environment_.keepsOverride();
+    const bool isShuttingDown = isShuttingDown_.get();
+    follow(isAsked || (wantsApplied_ && (isKept || isShuttingDown)));
+}
 
 void ClosedLidController::follow(bool disablesSystemSleep)
 {
@@ -333,8 +399,10 @@ void ClosedLidController::shutDown()
 {
     if (!isReady(status_))
         return sleepNow();
+    isShuttingDown_.set(true);
     send(
         &HelperXPCProtocol::shutDown, replyLimit, [this](const std::expected<HelperRefusal, HelperUnreachable>& reply) {
+            isShuttingDown_.set(false);
             if (!reply)
                 unreachable(reply.error());
             else if (const auto& refusal = *reply)

@@ -20,15 +20,19 @@ struct ClosedLidEnvironment {
     SystemPower& power;
     TaskScheduling& tasks;
     MainLoop& mainLoop;
+    /// While it answers true, an override stays that no session asks for any more. Empty: never. Followed by an
+    /// observation loop.
+    std::function<bool()> keepsOverride{};
 };
 
 /// The application's side of closed-lid mode: follows the privileged component's registration, has it apply and restore
 /// the sleep override as the session asks, renews the lease, and tells the coordinator. One request that changes the
-/// override is under way at a time; after its reply the controller does what is wanted by then. Main thread only.
+/// override is under way at a time; after its reply the controller does what is wanted by then. What a session wants
+/// and cannot have is looked for again after a while. Main thread only.
 class ClosedLidController {
 public:
     static constexpr Seconds approvalPollInterval = 2s;
-    static constexpr Seconds versionRetryDelay = 65s;
+    static constexpr Seconds retryInterval = 65s;
     /// A component that has not answered by then counts as unreachable, and its connection is broken off.
     static constexpr Seconds replyLimit = 25s;
     /// Enabling may wait for the user's password.
@@ -44,12 +48,19 @@ public:
 
     /// Registers the component: an action of the user's.
     void install();
+    /// Takes the component out of the system: an action of the user's.
+    void remove();
     /// Asks the system, and then the component, anew.
     void refreshStatus();
+    /// The same where closed-lid mode could not come into force.
+    void refreshUnlessReady();
+    /// The status is being found out or changed, and may be another soon. Followed by observation loops.
+    bool isSettling() const { return isAsking_.get() || isRegistering_.get(); }
 
     /// Through the component; without it, directly.
     void sleepNow();
-    /// Through the component; without it the machine sleeps instead.
+    /// Through the component; without it the machine sleeps instead. The override stays until it has answered: a shut
+    /// computer would sleep first.
     void shutDown();
     /// Carries out what follows an agent session.
     void perform(AgentEndAction action);
@@ -71,7 +82,8 @@ private:
     };
 
     HelperConnection& connection();
-    /// Gives up on every reply still owed.
+    void connectionLost();
+    /// Gives up on every reply still owed, and on the override: the component takes it back.
     void dropConnection(const std::string& reason);
     /// Sends one request. `handle` gets the reply, or unreachable: after `limit`, or when the connection ends.
     template <class Value, class Handle>
@@ -81,12 +93,15 @@ private:
     void unreachable(const HelperUnreachable& error);
     void setStatus(HelperStatus status);
 
+    void scheduleRetry();
+
     void registered(bool succeeded);
     void show(HelperServiceStatus serviceStatus);
     void pollApproval();
     void ping();
     void rejectVersion();
 
+    void followSession();
     void follow(bool disablesSystemSleep);
     void apply();
     void applied(const std::expected<HelperRefusal, HelperUnreachable>& reply);
@@ -108,15 +123,22 @@ private:
     bool wantsApplied_ = false;
     bool isApplied_ = false;
     bool isQuitting_ = false;
+    /// The session asks for closed-lid mode, whether it can have it or not.
+    bool isWanted_ = false;
     /// A request that changes the override is under way.
     bool isChanging_ = false;
     /// Counts the refreshes: an answer to an earlier one is out of date.
     int refresh_ = 0;
+    Observed<bool> isAsking_;
+    Observed<bool> isRegistering_;
+    Observed<bool> isShuttingDown_;
+    /// When a connection was last lost that held the override.
+    std::optional<ContinuousInstant> lastLoss_;
     std::vector<std::shared_ptr<Request>> requests_;
     std::optional<ContinuousInstant> restoreNotBefore_;
     std::unique_ptr<ScheduledTask> heartbeatTask_;
     std::unique_ptr<ScheduledTask> approvalPollTask_;
-    std::unique_ptr<ScheduledTask> versionRetryTask_;
+    std::unique_ptr<ScheduledTask> retryTask_;
     std::unique_ptr<ScheduledTask> restoreTask_;
     std::optional<ObservationLoop> requirementLoop_;
     Lifetime lifetime_;

@@ -17,6 +17,8 @@ public:
 
     /// May ask the user. Fails with a sentence for the log.
     virtual void registerService(std::function<void(std::expected<void, std::string>)> done) = 0;
+    /// Takes it out of the system again; may ask the user. Fails with a sentence for the log.
+    virtual void unregisterService(std::function<void(std::expected<void, std::string>)> done) = 0;
     virtual void status(std::function<void(HelperServiceStatus)> answer) = 0;
     /// Takes the user to where the component is approved.
     virtual void openSettings() = 0;

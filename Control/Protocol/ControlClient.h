@@ -11,12 +11,14 @@ namespace vespra {
 /// A program's connection to the running application. Blocks; one thread at a time, but `receive` may wait in another.
 class ControlClient {
 public:
+    static constexpr Seconds usualLimit = 5s;
+
     /// False if no application answers, with the reason in `errno`.
     bool connect(const std::string& path = controlProtocol::defaultPath());
     /// False if the application has gone or does not take it within five seconds.
     bool send(const ControlRequest& request);
     /// The next line; absent once the application has gone, or after `limit`, if there is one.
-    std::optional<JSON> receive(std::optional<Seconds> limit = Seconds{5});
+    std::optional<JSON> receive(std::optional<Seconds> limit = usualLimit);
 
 private:
     bool waitToRead(std::optional<Seconds> limit) const;

@@ -25,13 +25,15 @@ enum class ControlVerb {
     cancel,
     display,
     closedLid,
+    setUpClosedLid,
+    removeClosedLid,
     settings,
     set,
     showPanel,
 };
 
 template <>
-inline constexpr auto rawValues<ControlVerb> = RawValueTable<ControlVerb, 16>{{
+inline constexpr auto rawValues<ControlVerb> = RawValueTable<ControlVerb, 18>{{
     {ControlVerb::status, "status"},
     {ControlVerb::describe, "describe"},
     {ControlVerb::watch, "watch"},
@@ -45,6 +47,8 @@ inline constexpr auto rawValues<ControlVerb> = RawValueTable<ControlVerb, 16>{{
     {ControlVerb::cancel, "cancel"},
     {ControlVerb::display, "display"},
     {ControlVerb::closedLid, "closedLid"},
+    {ControlVerb::setUpClosedLid, "setUpClosedLid"},
+    {ControlVerb::removeClosedLid, "removeClosedLid"},
     {ControlVerb::settings, "settings"},
     {ControlVerb::set, "set"},
     {ControlVerb::showPanel, "showPanel"},

@@ -64,25 +64,34 @@ std::optional<int> failure(const std::optional<JSON>& reply)
     return say(kind == controlProtocol::badRequest ? badInput : failed, error->value("message", std::string{}));
 }
 
-int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use)
+int closedLidStatus(const JSON& reply)
+{
+    const auto told = reply.find("closedLid");
+    if (told == reply.end())
+        return done;
+    return say(told->value("isPossible", false) ? done : noClosedLid, told->value("message", std::string{}));
+}
+
+int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use, std::optional<Seconds> limit)
 {
     int exitStatus = done;
     auto client = connected(request, exitStatus);
     if (!client)
         return exitStatus;
-    const auto reply = client->receive();
+    const auto reply = client->receive(limit);
     if (const auto failed = failure(reply))
         return *failed;
     use(*reply);
-    return done;
+    return closedLidStatus(*reply);
 }
 
-int ask(const ControlRequest& request)
+int ask(const ControlRequest& request, std::optional<Seconds> limit)
 {
-    return ask(request, [](const JSON& reply) {
+    const auto print = [](const JSON& reply) {
         if (const auto done = reply.find("done"); done != reply.end() && done->contains("message"))
             std::printf("%s\n", done->value("message", std::string{}).c_str());
-    });
+    };
+    return ask(request, print, limit);
 }
 
 int exitStatusOfEnd(std::string_view reason)

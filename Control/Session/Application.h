@@ -14,10 +14,15 @@ std::optional<ControlClient> connected(const ControlRequest& request, int& exitS
 /// The exit status for a reply that is an error, whose message has been said, or that never came; absent for any other.
 std::optional<int> failure(const std::optional<JSON>& reply);
 
+/// Says how closed-lid mode stands if the reply tells. Returns the exit status for that.
+int closedLidStatus(const JSON& reply);
+
 /// Asks once and gives the reply to `use`, unless it is an error. Returns the exit status.
-int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use);
+/// Absent `limit`: waits for as long as it takes.
+int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use,
+    std::optional<Seconds> limit = ControlClient::usualLimit);
 /// The same, and prints the reply's message, if it has one.
-int ask(const ControlRequest& request);
+int ask(const ControlRequest& request, std::optional<Seconds> limit = ControlClient::usualLimit);
 
 /// How `wait` exits: 0 when the session has ended as planned, else a status for each reason. Given the reason's name.
 int exitStatusOfEnd(std::string_view reason);

@@ -117,8 +117,10 @@ namespace {
             connected({.verb = ControlVerb::run, .start = options}, exitStatus));
         if (!*client)
             return exitStatus;
-        if (const auto failed = failure((*client)->receive()))
+        const auto started = (*client)->receive();
+        if (const auto failed = failure(started))
             return *failed;
+        closedLidStatus(*started);
         const auto mask = blockSignals();
         // The application lets go when this connection ends, however this process ends.
         std::thread{[client] {

@@ -2,6 +2,7 @@
 #include "Control/Session/Application.h"
 #include "Core/Session/SessionLimits.h"
 
+#include <map>
 #include <memory>
 
 namespace vespra::control {
@@ -78,6 +79,32 @@ namespace {
         command->callback([=, &exitStatus] { exitStatus = ask({.verb = verb, .on = *text == "on"}); });
     }
 
+    struct ClosedLidState {
+        ControlRequest request;
+        /// It may wait for a password.
+        bool waitsForPerson = false;
+    };
+
+    void addClosedLid(CLI::App& vespractl, int& exitStatus)
+    {
+        static const std::map<std::string, ClosedLidState> states{
+            {"on", {{.verb = ControlVerb::closedLid, .on = true}}},
+            {"off", {{.verb = ControlVerb::closedLid, .on = false}}},
+            {"set-up", {{.verb = ControlVerb::setUpClosedLid}, true}},
+            {"remove", {{.verb = ControlVerb::removeClosedLid}, true}},
+        };
+        auto* command = vespractl.add_subcommand("closed-lid",
+            "Stays awake with the lid closed, or sleeps when it closes; sets up the component for that, or removes it");
+        const auto text = std::make_shared<std::string>();
+        command->add_option("STATE", *text, "on, off, set-up or remove")
+            ->required()
+            ->check(CLI::IsMember({"on", "off", "set-up", "remove"}));
+        command->callback([text, &exitStatus] {
+            const auto& [request, waitsForPerson] = states.at(*text);
+            exitStatus = ask(request, waitsForPerson ? std::nullopt : std::optional{ControlClient::usualLimit});
+        });
+    }
+
 } // namespace
 
 void addSessionCommands(CLI::App& vespractl, int& exitStatus)
@@ -97,11 +124,7 @@ void addSessionCommands(CLI::App& vespractl, int& exitStatus)
         "cancel",
         "Calls off the sleep or shutdown that is to follow the agents, if there is one");
     addSwitch(vespractl, exitStatus, ControlVerb::display, "display", "Keeps the display on too, or lets it go off");
-    addSwitch(vespractl,
-        exitStatus,
-        ControlVerb::closedLid,
-        "closed-lid",
-        "Stays awake with the lid closed, or sleeps when it closes");
+    addClosedLid(vespractl, exitStatus);
 }
 
 } // namespace vespra::control

@@ -37,7 +37,8 @@ _vespractl()
         status) candidates="--json --watch --help" ;;
         start) candidates="timer until unlimited agent --display --no-display --closed-lid --no-closed-lid --help" ;;
         "start "*) candidates="--display --no-display --closed-lid --no-closed-lid --help" ;;
-        display | closed-lid) candidates="on off --help" ;;
+        display) candidates="on off --help" ;;
+        closed-lid) candidates="on off set-up remove --help" ;;
         run) candidates="-- --display --closed-lid --help" ;;
         settings) candidates="get set --help" ;;
         "settings get") candidates="$settings --json --help" ;;

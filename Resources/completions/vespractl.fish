@@ -61,6 +61,7 @@ complete -c vespractl -n '__fish_seen_subcommand_from start run' -l closed-lid -
 complete -c vespractl -n '__fish_seen_subcommand_from start' -l no-display -d 'Let the display go off'
 complete -c vespractl -n '__fish_seen_subcommand_from start' -l no-closed-lid -d 'Sleep when the lid closes'
 complete -c vespractl -n '__vespractl_at display; or __vespractl_at closed-lid' -a 'on off'
+complete -c vespractl -n '__vespractl_at closed-lid' -a 'set-up remove'
 complete -c vespractl -n '__fish_seen_subcommand_from run' -a '(__fish_complete_subcommand)'
 complete -c vespractl -n '__vespractl_at settings; or __vespractl_at machine' -a 'get set'
 complete -c vespractl -n '__vespractl_at settings get; or __vespractl_at settings set' -a "$settings"

@@ -17,6 +17,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTimer>
+#include <signal.h>
 
 namespace vespra {
 
@@ -47,20 +48,24 @@ namespace {
                     + (directory_ / "state").string() + " 2 60\n");
             qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(address));
             const auto configuration = QString::fromStdString("--config-file=" + (directory_ / "bus.conf").string());
-            daemon_.start("dbus-daemon", {"--nofork", "--nopidfile", "--print-address", configuration});
-            // A connection that failed once would be kept.
-            if (!daemon_.waitForReadyRead(5000))
-                ADD_FAILURE() << "no bus";
-            mock_.start("/usr/bin/python3", {"-B", MOCK_SYSTEM});
-            if (!becomes([] { return dbus::isOwned(dbus::systemBus(), "app.vespra.Mock"); }))
-                ADD_FAILURE() << "no mock";
+            daemon_.setProgram("dbus-daemon");
+            daemon_.setArguments({"--nofork", "--nopidfile", "--print-address", configuration});
+            start();
         }
-        ~PrivateBus()
+        ~PrivateBus() { stop(); }
+
+        void restart()
         {
-            for (auto* process : {&mock_, &daemon_}) {
-                process->kill();
-                process->waitForFinished();
-            }
+            stop();
+            start();
+        }
+        /// Returns whether it ran.
+        static bool killHelper()
+        {
+            const auto reply
+                = dbus::systemBus().call(dbus::bus().method("GetConnectionUnixProcessID", {"app.vespra.Helper"}));
+            const auto process = static_cast<pid_t>(reply.arguments().value(0).toUInt());
+            return process > 0 && kill(process, SIGKILL) == 0;
         }
 
         static QByteArray ask(const QString& method, const QVariantList& arguments = {})
@@ -73,6 +78,23 @@ namespace {
         static bool isHeld() { return ask("Get").contains("handle-lid-switch"); }
 
     private:
+        void start()
+        {
+            daemon_.start();
+            if (!daemon_.waitForReadyRead(5000))
+                ADD_FAILURE() << "no bus";
+            mock_.start("/usr/bin/python3", {"-B", MOCK_SYSTEM});
+            if (!becomes([] { return dbus::isOwned(dbus::systemBus(), "app.vespra.Mock"); }, 15000))
+                ADD_FAILURE() << "no mock";
+        }
+        void stop()
+        {
+            for (auto* process : {&mock_, &daemon_}) {
+                process->kill();
+                process->waitForFinished();
+            }
+        }
+
         TemporaryDirectory directory_;
         QProcess daemon_;
         QProcess mock_;
@@ -223,6 +245,30 @@ namespace {
             PrivateBus::set(machine);
             launch();
             EXPECT_TRUE(shows(shown));
+        }
+    }
+
+    TEST_F(LinuxAdaptersTest, WhatHasLetGoOfTheLidIsNoticedAtOnceAndTheLockTakenAgain)
+    {
+        const auto forget = [] {
+            PrivateBus::set(R"({"forgets": true})");
+            return true;
+        };
+        const auto restart = [] {
+            bus->restart();
+            return true;
+        };
+        for (const auto& loseIt : std::vector<std::function<bool()>>{PrivateBus::killHelper, forget, restart}) {
+            launch();
+            ASSERT_TRUE(shows(helper::Ready{}));
+            startClosedLidSession();
+            ASSERT_TRUE(loseIt());
+            EXPECT_TRUE(becomes([this] { return !coordinator.conditions().lidSleepDisabled; }, 3000));
+            controller->refreshUnlessReady(); // the bus was away for a moment
+            EXPECT_TRUE(becomes([this] { return coordinator.conditions().lidSleepDisabled; }));
+            EXPECT_TRUE(PrivateBus::isHeld());
+            coordinator.stop(end::StoppedByUser{});
+            EXPECT_TRUE(becomes([this] { return !coordinator.conditions().lidSleepDisabled; }));
         }
     }
 

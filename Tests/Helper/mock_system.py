@@ -18,6 +18,7 @@ state = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend
          "others": [], "canSuspend": "yes"}
 deeds = []  # what was asked for, with the locks held then
 locks = {}  # read end of the pipe -> [what, who, why, mode, uid, pid]
+watches = {}
 
 
 watches = {}  # the same -> what waits for its end
@@ -116,6 +117,11 @@ class Mock(dbus.service.Object):
     def Set(self, changes):
         state.update(json.loads(changes))
         deeds.clear()
+        if state.pop("forgets", False):
+            for read in list(locks):
+                GLib.source_remove(watches[read])
+                os.close(read)
+                del locks[read]
 
     @dbus.service.method("app.vespra.Mock", "", "")
     def ForgetLocks(self):

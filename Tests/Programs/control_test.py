@@ -30,7 +30,7 @@ class Verbs(ApplicationTest):
     def test_without_an_application_every_verb_says_so_and_exits_with_4(self):
         self.expect(*((verb, 4, "", "Vespra is not running.\n") for verb in (
             "status", "status --json", "status --watch", "status --watch --json", "start", "start timer 45m", "stop",
-            "toggle", "extend", "keep-awake", "cancel", "display on", "closed-lid off", "settings get",
+            "toggle", "extend", "keep-awake", "cancel", "display on", "closed-lid off", "closed-lid set-up", "settings get",
             "settings get agents.graceDelay", "settings set agents.graceDelay 2m", "wait", "run -- touch nothing")))
         self.assertFalse(os.path.exists("nothing"))
         self.expect(("machine get", 4, "", "machine: no simulated laptop is running .*\n"),
@@ -102,10 +102,25 @@ class Verbs(ApplicationTest):
         status = self.status()
         self.assertEqual((status["closedLidStatus"], status["preferences"]["options"]["closedLid"]), ("off", False))
         self.expect(("machine set charger=on", 0, "", ""), ("closed-lid on", 0, "", ""), ("closed-lid on", 0, "", ""))
-        self.wait_for(lambda: self.status()["closedLidStatus"] == "canCloseLid")
+        self.assertEqual(self.status()["closedLidStatus"], "canCloseLid")
         self.expect(("closed-lid off", 0, "", ""), ("stop", 0, "", ""), ("machine set thermal=serious", 0, "", ""),
                     ("start unlimited --closed-lid", 1, "", "(Mac|Computer) is too hot for closed-lid mode.\n"))
         self.assertFalse((self.home / "started").exists())
+
+    def test_closed_lid_mode_that_cannot_come_into_force_exits_with_5(self):
+        self.launch()
+        no = "Closed lid: {}\n".format
+        self.expect(("closed-lid on", 5, "", no("Not set up")),
+                    ("closed-lid set-up", 5, "", no("Waiting for your approval")),
+                    ("start unlimited", 5, FOREVER, no("Waiting for your approval")), ("stop", 0, "", ""),
+                    ("machine set helper=ready", 0, "", ""), ("closed-lid set-up", 0, "", ""),
+                    ("start unlimited --closed-lid", 0, FOREVER, ""))
+        self.assertEqual(self.status()["closedLidStatus"], "canCloseLid")
+        self.expect(("closed-lid remove", 0, "", ""), ("closed-lid on", 5, "", no("Not set up")),
+                    ("machine set helper=refusing", 0, "", ""), ("closed-lid remove", 1, "", "The component is still .*\n"),
+                    ("closed-lid on", 5, "", no("Component not responding")),
+                    ("stop", 0, "", ""), ("machine set helper=stuck", 0, "", ""),
+                    ("toggle", 5, "Awake until .*\n", no("Component not responding")))
 
     def test_an_agent_session_is_kept_awake_and_its_forced_action_cancelled(self):
         self.connect_agent()
@@ -239,7 +254,7 @@ class Settings(ApplicationTest):
             self.assertEqual(result.returncode, 2, key)
             self.assertRegex(result.stderr, rf'\A{key}: expected .*, not "{refused}".*\n\Z')
         self.done("display", "on")
-        self.done("closed-lid", "on")
+        self.ctl("closed-lid", "on")
         self.quit(application, signal.SIGKILL)
         self.launch()
         self.assertEqual(self.settings(), {key: value for key, (_, value, _) in self.VALUES.items()})

@@ -12,16 +12,44 @@ using namespace std::chrono_literals;
 namespace {
 
     constexpr auto welcomeLimit = 1000ms;
+    /// A bus that did not answer is left alone for so long.
+    constexpr auto retryInterval = 10s;
 
     QDBusConnection noBus() { return QDBusConnection{QStringLiteral("no bus")}; }
+
+    /// Connects, and again once the connection has ended; Qt keeps its own for ever.
+    class LastingConnection {
+    public:
+        QDBusConnection get()
+        {
+            if (QDBusConnection{name_}.isConnected())
+                return QDBusConnection{name_};
+            const auto now = std::chrono::steady_clock::now();
+            if (isRefused_ && now < retryAt_)
+                return noBus();
+            // Qt itself would wait for a bus that hangs.
+            isRefused_ = !openBus(sd_bus_open_system, welcomeLimit);
+            retryAt_ = now + retryInterval;
+            if (isRefused_)
+                return noBus();
+            QDBusConnection::disconnectFromBus(name_);
+            name_ = QStringLiteral("system bus %1").arg(++count_);
+            return QDBusConnection::connectToBus(QDBusConnection::SystemBus, name_);
+        }
+
+    private:
+        QString name_ = QStringLiteral("no bus");
+        int count_ = 0;
+        bool isRefused_ = false;
+        std::chrono::steady_clock::time_point retryAt_;
+    };
 
 } // namespace
 
 QDBusConnection systemBus()
 {
-    // Qt itself would wait for a bus that hangs.
-    static const bool answers = openBus(sd_bus_open_system, welcomeLimit) != nullptr;
-    return answers ? QDBusConnection::systemBus() : noBus();
+    static LastingConnection connection;
+    return connection.get();
 }
 
 QDBusConnection sessionBus()

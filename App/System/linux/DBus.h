@@ -13,8 +13,8 @@
 /// Calls and signals of the buses. Nothing here waits, but for what says so. Main thread only.
 namespace vespra::dbus {
 
-/// The process's connection to the system bus; `isConnected` is false if there is none, or none that answers within one
-/// second.
+/// The process's connection to the system bus, or another one once the bus has ended that; `isConnected` is false if
+/// there is no bus, or none that answers within one second.
 QDBusConnection systemBus();
 /// The same of the user's session. Never starts a bus.
 QDBusConnection sessionBus();

@@ -52,11 +52,18 @@ namespace {
 DBusHelperConnection::DBusHelperConnection()
     : name_{nextName()}
     , bus_{QDBusConnection::connectToBus(QDBusConnection::SystemBus, name_)}
-    , owner_{bus_, QString::fromLatin1(installation::busName), [this](bool owned) {
-                 hasLeft_ = !owned;
-                 tellIfOver();
-             }}
+    , owner_{QString::fromLatin1(installation::busName), bus_, QDBusServiceWatcher::WatchForOwnerChange}
+    , busEnd_{bus_,
+          {{}, QStringLiteral("/org/freedesktop/DBus/Local"), QStringLiteral("org.freedesktop.DBus.Local")},
+          QStringLiteral("Disconnected"),
+          [this](const QDBusMessage&) {
+              isBusGone_ = true;
+              tellIfOver();
+          }}
 {
+    QObject::connect(&owner_,
+        &QDBusServiceWatcher::serviceOwnerChanged,
+        [this](const QString&, const QString& before, const QString& after) { ownerChanged(before, after); });
 }
 
 DBusHelperConnection::~DBusHelperConnection()
@@ -76,15 +83,26 @@ void DBusHelperConnection::ask(const char* method, HelperReply<Value> reply, Rea
             calls_.erase(id);
             // The reply may destroy the connection.
             const auto tell = lifetime_.guard([this] { tellIfOver(); });
+            isBusGone_ = isBusGone_ || message.errorName() == QDBusError::errorString(QDBusError::Disconnected);
             reply(read(message));
             tell();
         });
 }
 
+/// One that takes the place of another knows nothing of this connection.
+void DBusHelperConnection::ownerChanged(const QString& before, const QString& after)
+{
+    if (left_.isEmpty())
+        left_ = before;
+    if (left_ == after)
+        left_.clear();
+    tellIfOver();
+}
+
 /// A component that leaves answers first what it was asked; the bus answers in the place of one that died.
 void DBusHelperConnection::tellIfOver()
 {
-    if (hasLeft_ && calls_.empty())
+    if ((isBusGone_ || !left_.isEmpty()) && calls_.empty())
         notify(onInvalidation);
 }
 

@@ -25,14 +25,18 @@ public:
 
 private:
     template <class Value, class Read> void ask(const char* method, HelperReply<Value> reply, Read read);
+    void ownerChanged(const QString& before, const QString& after);
     void tellIfOver();
 
     QString name_;
     QDBusConnection bus_;
-    dbus::NameWatch owner_;
+    QDBusServiceWatcher owner_;
+    dbus::SignalWatch busEnd_;
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
-    bool hasLeft_ = false;
+    /// The component that has gone, by its own name on the bus; empty: none has.
+    QString left_;
+    bool isBusGone_ = false;
     Lifetime lifetime_;
 };
 

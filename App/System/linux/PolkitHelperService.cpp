@@ -74,8 +74,24 @@ void PolkitHelperService::ask(
         });
 }
 
+void PolkitHelperService::watchBus()
+{
+    const auto bus = dbus::systemBus();
+    if (watched_.name() == bus.name())
+        return;
+    watched_ = bus;
+    owner_.emplace(bus, QString::fromLatin1(installation::busName), [this](bool isOwned) {
+        if (isOwned)
+            notify(onChange);
+    });
+    services_.emplace(bus, dbus::bus(), QStringLiteral("ActivatableServicesChanged"), [this](const QDBusMessage&) {
+        notify(onChange);
+    });
+}
+
 void PolkitHelperService::status(std::function<void(HelperServiceStatus)> answer)
 {
+    watchBus();
     ask(dbus::bus().method(QStringLiteral("ListActivatableNames")),
         dbus::readingTimeout,
         [this, answer = std::move(answer)](const QDBusMessage& reply) {
@@ -103,25 +119,43 @@ void PolkitHelperService::openSettings()
 void PolkitHelperService::registerService(std::function<void(std::expected<void, std::string>)> done)
 {
     const auto program = programs_.own;
-    if (installer_ || program.isEmpty()) {
-        const std::string reason = installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable";
-        ask(dbus::bus().method(QStringLiteral("GetId")), dbus::readingTimeout, [done, reason](const QDBusMessage&) {
-            done(std::unexpected{reason});
-        });
-        return;
-    }
+    if (installer_ || program.isEmpty())
+        return refuse(installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable", done);
     status(lifetime_.guard([this, done, program](HelperServiceStatus current) {
         if (current != HelperServiceStatus::notRegistered && programs_.areInPlace())
             return done({});
-        installer_ = std::make_unique<QProcess>();
-        const auto finish = [this, done] { ended(done); };
-        QObject::connect(installer_.get(), &QProcess::finished, finish);
-        QObject::connect(installer_.get(), &QProcess::errorOccurred, [finish](QProcess::ProcessError error) {
-            if (error == QProcess::FailedToStart)
-                finish();
-        });
-        installer_->start(QStringLiteral("pkexec"), {program, QStringLiteral("--install")});
+        change(program, QStringLiteral("--install"), done);
     }));
+}
+
+void PolkitHelperService::unregisterService(std::function<void(std::expected<void, std::string>)> done)
+{
+    const auto program = programs_.own;
+    if (installer_ || program.isEmpty())
+        return refuse(installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable", done);
+    change(program, QStringLiteral("--uninstall"), done);
+}
+
+/// Answers in a later turn.
+void PolkitHelperService::refuse(
+    const std::string& reason, const std::function<void(std::expected<void, std::string>)>& done)
+{
+    ask(dbus::bus().method(QStringLiteral("GetId")), dbus::readingTimeout, [done, reason](const QDBusMessage&) {
+        done(std::unexpected{reason});
+    });
+}
+
+void PolkitHelperService::change(
+    const QString& program, const QString& option, const std::function<void(std::expected<void, std::string>)>& done)
+{
+    installer_ = std::make_unique<QProcess>();
+    const auto finish = [this, done] { ended(done); };
+    QObject::connect(installer_.get(), &QProcess::finished, finish);
+    QObject::connect(installer_.get(), &QProcess::errorOccurred, [finish](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            finish();
+    });
+    installer_->start(QStringLiteral("pkexec"), {program, option});
 }
 
 void PolkitHelperService::ended(const std::function<void(std::expected<void, std::string>)>& done)

@@ -12,12 +12,13 @@ namespace vespra {
 
 /// The component is registered when the bus can start it and it is the application's own, and approved when polkit lets
 /// this user have it. Registering asks for an administrator's password and has the application's own program install
-/// itself in the place of any other; a package makes that unnecessary.
+/// itself in the place of any other; a package makes that unnecessary, and is what its component goes with.
 class PolkitHelperService final : public HelperService {
 public:
     explicit PolkitHelperService(HelperPrograms programs = HelperPrograms::ofThisSystem());
     ~PolkitHelperService() override;
     void registerService(std::function<void(std::expected<void, std::string>)> done) override;
+    void unregisterService(std::function<void(std::expected<void, std::string>)> done) override;
     void status(std::function<void(HelperServiceStatus)> answer) override;
     /// polkit asks right here.
     void openSettings() override;
@@ -27,12 +28,21 @@ private:
 
     void ask(const QDBusMessage& message, int timeout, std::function<void(const QDBusMessage&)> onReply);
     void askPolkit(bool mayAskTheUser, int timeout, Answer answer);
+    /// Tells `onChange` when the component appears on the bus, and when what the bus can start has changed.
+    void watchBus();
+    /// Runs the component's own `program` as an administrator.
+    void change(const QString& program, const QString& option,
+        const std::function<void(std::expected<void, std::string>)>& done);
+    void refuse(const std::string& reason, const std::function<void(std::expected<void, std::string>)>& done);
     void ended(const std::function<void(std::expected<void, std::string>)>& done);
 
     HelperPrograms programs_;
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
     std::unique_ptr<QProcess> installer_;
+    QDBusConnection watched_{QString{}};
+    std::optional<dbus::NameWatch> owner_;
+    std::optional<dbus::SignalWatch> services_;
     Lifetime lifetime_;
 };
 

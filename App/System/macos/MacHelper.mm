@@ -26,11 +26,14 @@ namespace {
         void registerService(std::function<void(std::expected<void, std::string>)> done) override
         {
             NSError* error = nil;
-            std::expected<void, std::string> result;
-            if (![service_ registerAndReturnError:&error])
-                result = std::unexpected{
-                    std::string{error ? error.localizedDescription.UTF8String : "refus sans explication"}};
-            answer([done = std::move(done), result] { done(result); });
+            const BOOL isDone = [service_ registerAndReturnError:&error];
+            tell(std::move(done), isDone, error);
+        }
+        void unregisterService(std::function<void(std::expected<void, std::string>)> done) override
+        {
+            NSError* error = nil;
+            const BOOL isDone = [service_ unregisterAndReturnError:&error];
+            tell(std::move(done), isDone, error);
         }
         void status(std::function<void(HelperServiceStatus)> reply) override
         {
@@ -39,6 +42,14 @@ namespace {
         void openSettings() override { [SMAppService openSystemSettingsLoginItems]; }
 
     private:
+        void tell(std::function<void(std::expected<void, std::string>)> done, BOOL isDone, NSError* error)
+        {
+            std::expected<void, std::string> result;
+            if (!isDone)
+                result = std::unexpected{
+                    std::string{error ? error.localizedDescription.UTF8String : "refus sans explication"}};
+            answer([done = std::move(done), result] { done(result); });
+        }
         void answer(std::function<void()> task) { mainLoop_.post(lifetime_.guard(std::move(task))); }
 
         HelperServiceStatus current() const

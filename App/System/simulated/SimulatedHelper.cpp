@@ -131,6 +131,20 @@ void SimulatedHelper::registerService(std::function<void(std::expected<void, std
         mode_ = Mode::awaitingApproval;
         notify(onModeChange);
     }
+    answerRegistration(std::move(done));
+}
+
+void SimulatedHelper::unregisterService(std::function<void(std::expected<void, std::string>)> done)
+{
+    if (mode_ != Mode::refusing && mode_ != Mode::notInstalled) {
+        setMode(Mode::notInstalled);
+        notify(onModeChange);
+    }
+    answerRegistration(std::move(done));
+}
+
+void SimulatedHelper::answerRegistration(std::function<void(std::expected<void, std::string>)> done)
+{
     mainLoop_.post(lifetime_.guard([this, done = std::move(done)] {
         if (mode_ == Mode::refusing)
             done(std::unexpected{"le système simulé refuse"});

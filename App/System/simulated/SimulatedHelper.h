@@ -39,6 +39,7 @@ public:
     HelperConnector connector();
 
     void registerService(std::function<void(std::expected<void, std::string>)> done) override;
+    void unregisterService(std::function<void(std::expected<void, std::string>)> done) override;
     void status(std::function<void(HelperServiceStatus)> answer) override;
     void openSettings() override { }
     void read(std::function<void(Reading)> answer) override;
@@ -47,6 +48,7 @@ private:
     class Connection;
 
     bool isReachable() const;
+    void answerRegistration(std::function<void(std::expected<void, std::string>)> done);
     std::expected<HelperRefusal, HelperUnreachable> change(const std::function<void()>& make);
 
     MainLoop& mainLoop_;

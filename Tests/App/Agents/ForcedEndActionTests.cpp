@@ -19,7 +19,7 @@ namespace {
             action.onCancel = [this] { ++cancelled; };
         }
         VirtualTime time;
-        ForcedEndAction action{time};
+        ForcedEndAction action{time, time};
         std::vector<AgentEndAction> done;
         int cancelled = 0;
     };
@@ -50,6 +50,27 @@ namespace {
         EXPECT_THAT(done, ElementsAre(AgentEndAction::sleepNow));
         EXPECT_FALSE(action.pending());
         EXPECT_EQ(cancelled, 0);
+    }
+
+    TEST_F(ForcedEndActionTest, AMinuteIsAMinuteAwake)
+    {
+        std::vector<AgentEndAction> postponed;
+        action.onPostpone = [&](AgentEndAction what) { postponed.push_back(what); };
+        for (const Seconds before : {0s, 7s, 58s}) { // of the sleep, which ends within the minute, or after it
+            SCOPED_TRACE(before.count());
+            for (const auto what : {AgentEndAction::sleepNow, AgentEndAction::shutDown}) {
+                action.schedule(what, time.now());
+                time.advance(before);
+                time.sleep(before < 50s ? 40s : 1h);
+                EXPECT_EQ(action.pending().has_value(), what == AgentEndAction::shutDown) << "it has slept";
+                time.advance(59.5s);
+                EXPECT_THAT(done, IsEmpty());
+            }
+            time.advance(0.5s);
+            EXPECT_THAT(std::exchange(done, {}), ElementsAre(AgentEndAction::shutDown));
+        }
+        EXPECT_EQ(cancelled, 3);
+        EXPECT_EQ(postponed.size(), 3u);
     }
 
 } // namespace

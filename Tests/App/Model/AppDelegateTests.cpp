@@ -154,6 +154,7 @@ TEST_F(AppDelegateTest, WarnsOfHeatAndSoundsTheAlarmUnlessItIsOff)
 TEST_F(AppDelegateTest, AnOverheatedClosedMachineStaysAwakeForTheAlarm)
 {
     launch();
+    laptop.platform.helper.service->onChange = nullptr; // a system that does not tell
     laptop.set({{"helper", "ready"}, {"lid", "closed"}});
     prefer(SessionMode::unlimited, {.closedLid = true});
     model().start();
@@ -185,6 +186,29 @@ TEST_F(AppDelegateTest, ShutsDownOnlyThroughTheComponentElseSleeps)
         EXPECT_TRUE(slept);
         delegate.reset();
     }
+}
+
+TEST_F(AppDelegateTest, AShutMachineStaysAwakeForTheCountdownToItsShutdown)
+{
+    launch();
+    laptop.platform.helper.service->onChange = nullptr; // a system that does not tell
+    laptop.set({{"helper", "ready"}, {"lid", "closed"}});
+    model().setClosedLid(true);
+    laptop.settle();
+    EXPECT_TRUE(isReady(coordinator().conditions().helper));
+    setSettings([](auto& settings) { settings.agents.endAction = AgentEndAction::shutDown; });
+    model().start();
+    laptop.advance(1s);
+    coordinator().stop(end::AgentsFinished{});
+    laptop.advance(50s);
+    laptop.machine().withdraw("agents.finished");
+    laptop.time.sleep(75s);
+    laptop.advance(59s);
+    EXPECT_TRUE(delegate->closedLid().isApplied());
+    EXPECT_EQ(laptop.shown(), "agents.finished") << "it can be cancelled again";
+    model().forcedEndAction().cancel();
+    laptop.settle();
+    EXPECT_FALSE(delegate->closedLid().isApplied());
 }
 
 TEST_F(AppDelegateTest, QuittingPutsTheSleepSettingBackAndEndsTheSession)

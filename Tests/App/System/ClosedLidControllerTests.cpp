@@ -214,14 +214,32 @@ namespace {
         EXPECT_THAT(wire.requests, ElementsAre("heartbeat"));
     }
 
-    TEST_F(ClosedLidControllerTest, ARefusedEnableIsNotTriedAgain)
+    TEST_F(ClosedLidControllerTest, WhatIsWantedIsTriedAgainAfter65SecondsAndNothingElse)
     {
         launch(Mode::refusing);
         startSession();
-        pass(5min);
+        pass(64.5s);
         EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
         EXPECT_THAT(wire.requests, ElementsAre("enable"));
         EXPECT_THAT(log.messages, ElementsAre("Activation refusée par le helper : le helper simulé refuse"));
+        helper.onChange = nullptr; // a system that does not tell
+        helper.setMode(Mode::ready);
+        pass(0.5s);
+        EXPECT_THAT(std::exchange(wire.requests, {}), ElementsAre("enable", "version", "enable"));
+        EXPECT_TRUE(isApplied());
+        controller->remove();
+        mainLoop.run();
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::NotInstalled{}});
+        helper.setMode(Mode::ready);
+        pass(65s);
+        EXPECT_TRUE(isApplied());
+        helper.setMode(Mode::failed);
+        mainLoop.run();
+        stopSession();
+        pass(65s); // the try that was under way
+        wire.requests.clear();
+        pass(1h);
+        EXPECT_THAT(wire.requests, IsEmpty());
     }
 
     TEST_F(ClosedLidControllerTest, ARefusedRestoreIsSentAgainAtTheNextRefresh)
@@ -261,10 +279,16 @@ namespace {
         helper.setMode(Mode::failed);
         helper.setMode(Mode::ready);
         mainLoop.run();
-        EXPECT_FALSE(helper.isSleepDisabled());
-        pass(10s);
         EXPECT_TRUE(isApplied());
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "enable"));
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "version", "enable"));
+        helper.setMode(Mode::failed);
+        helper.setMode(Mode::ready);
+        mainLoop.run();
+        pass(64.5s); // one that breaks off again and again is left alone
+        EXPECT_FALSE(isApplied());
+        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
+        pass(0.5s);
+        EXPECT_TRUE(isApplied());
     }
 
     TEST_F(ClosedLidControllerTest, ASessionThatStartsDuringTheDelayKeepsTheOverride)
@@ -278,6 +302,19 @@ namespace {
         pass(25s);
         EXPECT_TRUE(isApplied());
         EXPECT_THAT(wire.requests, ElementsAre("enable", "enable", "heartbeat", "heartbeat"));
+    }
+
+    TEST_F(ClosedLidControllerTest, TheOverrideStaysUntilTheShutdownIsAnswered)
+    {
+        launch();
+        startSession();
+        wire.keepsReplies = true;
+        controller->shutDown();
+        stopSession();
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "shutDown"));
+        wire.deliver();
+        mainLoop.run();
+        EXPECT_THAT(wire.requests, ElementsAre("enable", "shutDown", "restore"));
     }
 
     TEST_F(ClosedLidControllerTest, QuittingRestoresOnlyWhatIsApplied)
