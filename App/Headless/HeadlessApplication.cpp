@@ -109,7 +109,7 @@ void HeadlessApplication::startOnceReady()
     });
     startLimit_ = platform_.time.tasks->schedule(componentAnswerLimit, start);
     readinessLoop_.emplace(*platform_.time.mainLoop, [this, start] {
-        if (isReady(model().coordinator().conditions().helper))
+        if (!application_.closedLid().isSettling())
             startLimit_ = platform_.time.tasks->schedule(0s, start);
     });
 }
@@ -130,6 +130,9 @@ void HeadlessApplication::startSession()
 
 void HeadlessApplication::follow(const SessionEvent& event)
 {
+    // What was to follow the session before may not end this one.
+    if (std::holds_alternative<event::Started>(event))
+        delayedFinish_.reset();
     const auto* ended = std::get_if<event::Ended>(&event);
     if (ended)
         output_.showLive({});

@@ -75,8 +75,12 @@ class Headless(ApplicationTest):
         self.hook("Stop")
         self.assertEqual(process.stdout.readline(), "Session ended — agents finished\n")
         self.assertIn("will sleep in 1 minute.", process.stdout.readline())
-        process.send_signal(signal.SIGINT)
-        self.assertEqual(self.finish(process)[:2], (0, ""))
+        # A session that is started now is not ended by what was to follow the one before.
+        self.done("start", "unlimited")
+        self.assertEqual(process.stdout.readline(), "Awake until you stop it.\n")
+        time.sleep(0.2)
+        self.done("stop")
+        self.assertEqual(self.finish(process)[:2], (0, "Session ended\n"))
 
     def test_the_session_outlives_the_reader_of_its_output(self):
         process, _ = self.started("--unlimited")
