@@ -172,10 +172,10 @@ JSON ControlService::withClosedLid(const ControlRequest& request, JSON reply) co
     const bool isSetUp = request.verb == ControlVerb::setUpClosedLid && isReady(component);
     const auto status = model_.coordinator().closedLidStatus(model_.isClosedLidOn());
     using namespace closedLid;
-    if (isSetUp || std::holds_alternative<Off>(status) || std::holds_alternative<Ready>(status)
-        || std::holds_alternative<CanCloseLid>(status))
+    if (isSetUp || !reply.contains("done") || std::holds_alternative<Off>(status)
+        || std::holds_alternative<Ready>(status) || std::holds_alternative<CanCloseLid>(status))
         return reply;
-    reply["closedLid"] = {
+    reply["done"]["closedLid"] = {
         {"message", localized("Closed lid: %1", {message(status)})},
         {"isPossible", std::holds_alternative<Verifying>(status)},
     };

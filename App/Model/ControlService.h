@@ -25,8 +25,9 @@ public:
     bool tellsClosedLid(const ControlRequest& request) const;
     /// It is still being found out. Followed by an observation loop that asks.
     bool isClosedLidSettling(const ControlRequest& request) const;
-    /// `reply` with how it stands now: besides {"closedLid":{"message":"Closed lid: Not set up","isPossible":false}}
-    /// where it is not in force, or ready for the next session; or the error of a component that could not be removed.
+    /// `reply` with how it stands now, unless it is in force, or ready for the next session: {"done":{"isActive":true,
+    /// "closedLid":{"message":"Closed lid: Not set up","isPossible":false}}}; or the error of a component that could
+    /// not be removed.
     JSON withClosedLid(const ControlRequest& request, JSON reply) const;
 
     /// {"status":{...}}: how everything stands. Followed by an observation loop that asks.

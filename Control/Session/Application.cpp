@@ -66,10 +66,10 @@ std::optional<int> failure(const std::optional<JSON>& reply)
 
 int closedLidStatus(const JSON& reply)
 {
-    const auto told = reply.find("closedLid");
-    if (told == reply.end())
+    const auto told = reply.value("done", JSON::object()).value("closedLid", JSON::object());
+    if (told.empty())
         return done;
-    return say(told->value("isPossible", false) ? done : noClosedLid, told->value("message", std::string{}));
+    return say(told.value("isPossible", false) ? done : noClosedLid, told.value("message", std::string{}));
 }
 
 int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use, std::optional<Seconds> limit)
