@@ -16,9 +16,12 @@ struct HookInput {
     std::optional<std::string> cwd; // "cwd"
     std::optional<std::string> notificationType; // "notification_type"
     std::optional<std::string> message; // "message"
+
+    bool operator==(const HookInput&) const = default;
 };
 
-/// Absent if `json` is not one JSON object.
+/// Absent if `json` is not one JSON object. Under these keys every value must be right; of all others only the form
+/// counts, not which escapes, bytes and sizes their texts and numbers hold.
 std::optional<HookInput> parsedHookInput(std::string_view json);
 /// The same of an object that has been parsed already.
 HookInput hookInput(const JSON& object);
@@ -33,10 +36,11 @@ public:
     bool isComplete() const { return isComplete_; }
 
 private:
-    void add(char c);
+    std::size_t passText(std::string_view piece);
+    std::size_t passStructure(std::string_view piece);
 
     long depth_ = 0;
-    bool inString_ = false;
+    bool inText_ = false;
     bool afterBackslash_ = false;
     bool isComplete_ = false;
 };

@@ -33,4 +33,24 @@ inline std::size_t plainLength(std::string_view text)
     return length;
 }
 
+/// How many bytes stand in `text` before its first quote or backslash, whatever they are.
+inline std::size_t lengthToQuoteOrBackslash(std::string_view text)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101, highBits = 0x8080808080808080;
+    const auto holds = [](std::uint64_t word, char c) {
+        const auto difference = word ^ ones * static_cast<unsigned char>(c);
+        return (difference - ones) & ~difference & highBits;
+    };
+    std::size_t length = 0;
+    for (; length + 8 <= text.size(); length += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + length, 8);
+        if (holds(word, '"') | holds(word, '\\'))
+            break;
+    }
+    while (length < text.size() && text[length] != '"' && text[length] != '\\')
+        ++length;
+    return length;
+}
+
 } // namespace vespra

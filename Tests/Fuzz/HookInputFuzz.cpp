@@ -2,15 +2,40 @@
 #include "Core/Agents/HookInput.h"
 #include "Tests/Fuzz/Check.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cstdint>
 
 using namespace vespra;
 
-/// An event that the hook command makes of its input reaches the application as it was, and an input that makes an
-/// event is known to be complete.
+/// What the JSON library reads is read alike. The library takes a zero byte for the end.
+static void checkAgainstLibrary(std::string_view input)
+{
+    if (input.contains('\0'))
+        return;
+    if (const auto json = parsedJSON(input))
+        check(parsedHookInput(input) == (json->is_object() ? std::optional{hookInput(*json)} : std::nullopt));
+}
+
+/// An input that can be read is known to be complete at its last bracket and not before, wherever it is cut.
+static void checkProgress(std::string_view input)
+{
+    const auto last = input.rfind('}');
+    HookInputProgress progress;
+    progress.add(input.substr(0, last / 2));
+    progress.add(input.substr(last / 2, last - last / 2));
+    check(!progress.isComplete());
+    progress.add(input.substr(last));
+    check(progress.isComplete());
+}
+
+/// An event that the hook command makes of its input reaches the application as it was.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string_view input{reinterpret_cast<const char*>(data), size};
+    checkAgainstLibrary(input);
+    if (parsedHookInput(input))
+        checkProgress(input);
     const auto event = agentEvent(input, allAgentKinds[size % 2], Instant{});
     if (!event)
         return 0;
@@ -18,10 +43,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto line = encoded(*event);
     check(!line.contains('\n'));
     check(decodedAgentEvent(line) == *event);
-
-    HookInputProgress progress;
-    progress.add(input.substr(0, size / 2));
-    progress.add(input.substr(size / 2));
-    check(progress.isComplete());
     return 0;
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 using namespace vespra;
+using namespace std::string_literals;
 
 namespace {
 
@@ -33,17 +34,20 @@ TEST(AgentEvent, ComesFromTheHookInput)
             {R"([{"session_id":"s","hook_event_name":"Stop"}])", {}},
             {R"({"inner":{"session_id":"s","hook_event_name":"Stop"}})", {}},
             {R"({"session_id":"s","hook_event_name":"Stop")", {}},
-            {R"({"session_id":"s","hook_event_name":"Stop"} x)", {}},
             {"\"Stop\"", {}},
             {"", {}},
             {"{\"session_id\":\"\xff\",\"hook_event_name\":\"Stop\"}", {}},
+            {R"({"session_id":"\ud83d","hook_event_name":"Stop"})", {}},
+            {R"({"session_id":"s","hook_event_name":"Stop","cwd":["\ud83d"]})", {}},
+            {R"({"session_id":"s","hook_event_name":"Stop","cwd":1e999})", {}},
             // Whatever else stands in the object does not matter
             {R"({"tool_input":{"session_id":"x","hook_event_name":"Stop"},"session_id":"s","hook_event_name":"PostToolUse",
                  "transcript_path":null,"list":[{"session_id":"y"}],"big":1e300,"yes":true})",
                 AgentSignal::working},
             {R"({"hook_event_name":"SessionStart","hook_event_name":"Stop","session_id":"s"})", AgentSignal::finished},
             {R"({"session_id":"s","hook_event_name":"Stop","hook_event_name":1})", {}},
-            {"{\"session_id\":\"\\u0073\",\"hook_event_name\":\"St\\u006fp\"}\n", AgentSignal::finished},
+            {"\xEF\xBB\xBF{\"session\\u005fid\":\"\\u0073\",\"hook_event_name\":\"St\\u006fp\"}\n",
+                AgentSignal::finished},
         }) {
         SCOPED_TRACE(input);
         std::optional<AgentEvent> expected;
@@ -51,6 +55,43 @@ TEST(AgentEvent, ComesFromTheHookInput)
             expected = AgentEvent{.agent = AgentKind::codex, .sessionID = "s", .signal = *signal, .date = now};
         EXPECT_EQ(agentEvent(input, AgentKind::codex, now), expected);
     }
+}
+
+TEST(AgentEvent, NeedsOnlyTheFormOfWhatIsNotWanted)
+{
+    const auto isRead = [](const std::string& rest) {
+        return agentEvent(R"({"session_id":"s","hook_event_name":"Stop")" + rest, AgentKind::codex, now).has_value();
+    };
+    const std::string opened(1'000'000, '['), closed(1'000'000, ']');
+    for (const std::string& rest : {R"(,"cut":"\ud83d","\ud83d":{"n":[1e999,-0,{},"\udc00\u00"]}} )"s,
+             ",\"bytes\" : \"\xFF\x01\xF0\x9F\" , \"x\":\"\\x\"}"s,
+             R"(,"numbers":[0,-1.50,1E+2,2e-3,12345678901234567890],"words":[true,false,null],"lists":[[],[{}]]})"s,
+             ",\"deep\":" + opened + closed + "}"})
+        EXPECT_TRUE(isRead(rest)) << rest.substr(0, 80);
+    for (const std::string rest : {"",
+             "}}",
+             "} x",
+             ",}",
+             " \"a\":1}",
+             ",\"a\"}",
+             ",\"a\":}",
+             ",a:1}",
+             ",\"a\":tru}",
+             ",\"a\":01}",
+             ",\"a\":-}",
+             ",\"a\":1.}",
+             ",\"a\":.5}",
+             ",\"a\":1e}",
+             ",\"a\":[1,]}",
+             ",\"a\":[1}]",
+             ",\"a\":[1 2]}",
+             ",\"a\":{\"b\"}}",
+             ",\"a\":{\"b\":1,}}",
+             ",\"a\":{1:1}}",
+             R"(,"a":"\"})",
+             R"(,"a":"\)"})
+        EXPECT_FALSE(isRead(rest)) << rest;
+    EXPECT_FALSE(isRead(",\"deep\":" + opened));
 }
 
 TEST(AgentEvent, OfANotificationFollowsItsTypeAndElseItsMessage)
@@ -131,7 +172,7 @@ TEST(HookInputProgress, IsCompleteWithTheLastBracketHoweverTheInputIsCut)
              R"({})",
              R"([])",
              R"( {"a":{"b":[1,{"c":2}]}})",
-             R"({"text":"}]{[","more":"\"}","end":"\\"})",
+             R"({"text":"}]{[","more":"0123456789\"}01234567","end":"\\"})",
              R"({"\\\"}":"\u007d","é":"}"})",
          }) {
         SCOPED_TRACE(input);
