@@ -10,7 +10,7 @@
 
 namespace vespra {
 
-/// What connecting did.
+/// What connecting does.
 struct HookSettingsFile::Record {
     std::optional<std::string> original; // absent: there was no file
     std::string written;
@@ -33,10 +33,13 @@ std::optional<HookSettingsFile::Snapshot> HookSettingsFile::snapshot() const
     return Snapshot{.place = *std::move(place), .contents = *std::move(contents)};
 }
 
-bool HookSettingsFile::isUnchanged(const Snapshot& before) const
+/// Done if the file is still what it was.
+HookSettingsFile::Attempt HookSettingsFile::comparison(const Snapshot& before) const
 {
     const auto now = snapshot();
-    return now && now->place == before.place && now->contents == before.contents;
+    if (!now)
+        return std::unexpected{Failure::writeFailed};
+    return *now == before ? Outcome::done : Outcome::changedMeanwhile;
 }
 
 HookSettingsFile::Connection HookSettingsFile::connection() const
@@ -86,18 +89,18 @@ HookSettingsFile::Attempt HookSettingsFile::tryToConnect(Instant now) const
     if (!before || !isUTF8(installer.command))
         return std::unexpected{Failure::writeFailed};
     const auto text = before->text();
+    if (before->contents && !text)
+        return std::unexpected{Failure::unreadableSettings};
     if (installer.state(text) == HookInstaller::State::installed)
         return Outcome::done;
     const auto installed = installer.installing(text);
     if (!installed)
         return std::unexpected{Failure::unreadableSettings};
-    // An older record would be wrong as soon as the file has been replaced; without one disconnecting is still right.
-    if (!backUp(*before, now) || !removeRecord())
+    // The record holds for a file that it fits, whoever has written that, and says nothing of any other. So it can come
+    // first, and of several that connect at once none takes another's away.
+    if (!backUp(*before, now) || !write(Record{.original = text, .written = *installed}))
         return std::unexpected{Failure::writeFailed};
-    const auto replaced = replace(*before, *installed);
-    if (replaced == Outcome::done && !write(Record{.original = text, .written = *installed}))
-        return std::unexpected{Failure::writeFailed};
-    return replaced;
+    return replace(*before, *installed);
 }
 
 std::expected<void, HookSettingsFile::Failure> HookSettingsFile::disconnect(Instant now) const
@@ -112,23 +115,29 @@ HookSettingsFile::Attempt HookSettingsFile::tryToDisconnect(Instant now) const
     if (!text)
         return Outcome::done;
 
-    auto outcome = Attempt{Outcome::done};
     const auto record = this->record();
-    if (record && record->written == *text && !(record->original && installer.holdsOurs(*record->original))) {
-        outcome = record->original ? replace(*before, *record->original) : remove(*before);
-    } else {
-        const auto uninstalled = installer.uninstalling(*text);
-        if (!uninstalled)
-            return std::unexpected{Failure::unreadableSettings};
-        if (*uninstalled != *text) {
-            if (!backUp(*before, now))
-                return std::unexpected{Failure::writeFailed};
-            outcome = replace(*before, *uninstalled);
-        }
-    }
+    const bool restores
+        = record && record->written == *text && !(record->original && installer.holdsOurs(*record->original));
+    const auto outcome = !restores ? takeOut(*before, *text, now)
+        : record->original         ? replace(*before, *record->original)
+                                   : remove(*before);
+    // One that stays is of no use any more, and does no harm.
     if (outcome == Outcome::done)
-        static_cast<void>(removeRecord());
+        static_cast<void>(files->remove(recordFile()));
     return outcome;
+}
+
+/// Takes our hooks out of `text`, which is that of the file. A file without any keeps its layout.
+HookSettingsFile::Attempt HookSettingsFile::takeOut(const Snapshot& before, const std::string& text, Instant now) const
+{
+    const auto uninstalled = installer.uninstalling(text);
+    if (!uninstalled)
+        return std::unexpected{Failure::unreadableSettings};
+    if (!installer.holdsOurs(text))
+        return Outcome::done;
+    if (!backUp(before, now))
+        return std::unexpected{Failure::writeFailed};
+    return replace(before, *uninstalled);
 }
 
 HookSettingsFile::Attempt HookSettingsFile::replace(const Snapshot& before, std::string_view text) const
@@ -137,8 +146,8 @@ HookSettingsFile::Attempt HookSettingsFile::replace(const Snapshot& before, std:
     auto prepared = PreparedFile::beside(*files, before.place, text, attributes);
     if (!prepared)
         return std::unexpected{Failure::writeFailed};
-    if (!isUnchanged(before))
-        return Outcome::changedMeanwhile;
+    if (const auto compared = comparison(before); compared != Outcome::done)
+        return compared;
     if (!prepared->takePlace())
         return std::unexpected{Failure::writeFailed};
     return Outcome::done;
@@ -146,8 +155,8 @@ HookSettingsFile::Attempt HookSettingsFile::replace(const Snapshot& before, std:
 
 HookSettingsFile::Attempt HookSettingsFile::remove(const Snapshot& before) const
 {
-    if (!isUnchanged(before))
-        return Outcome::changedMeanwhile;
+    if (const auto compared = comparison(before); compared != Outcome::done)
+        return compared;
     if (!files->remove(before.place) || !files->sync(before.place.parent_path()))
         return std::unexpected{Failure::writeFailed};
     return Outcome::done;
@@ -181,12 +190,6 @@ bool HookSettingsFile::write(const Record& record) const
         json["original"] = *record.original;
     json["written"] = record.written;
     return writeSafely(*files, recordFile(), json.dump(), {}).has_value();
-}
-
-bool HookSettingsFile::removeRecord() const
-{
-    const auto removed = files->remove(recordFile());
-    return removed || removed.error() == std::errc::no_such_file_or_directory;
 }
 
 /// Absent if there is none or it cannot be read.

@@ -9,7 +9,7 @@ namespace vespra {
 
 /// An agent's settings file, in which our hooks are put and from which they are taken. What the file was is always
 /// either in it or in a backup; it is replaced at once, keeps its mode and owner, and stays a symbolic link if it is
-/// one. Directories are made for the user only, like the files in `workDirectory`.
+/// one. Several may connect at once. Directories are made for the user only, like the files in `workDirectory`.
 struct HookSettingsFile {
     enum class Connection {
         agentNotFound, // no directory for the file
@@ -19,7 +19,7 @@ struct HookSettingsFile {
     };
     enum class Failure {
         agentNotFound,
-        unreadableSettings, // not JSON, or not of the expected form; nothing has been written
+        unreadableSettings, // not UTF-8, not JSON, or not of the expected form; nothing has been written
         writeFailed // also: the file cannot be opened, or somebody else keeps changing it
     };
 
@@ -36,7 +36,7 @@ struct HookSettingsFile {
     /// Adds what is missing of our hooks. Changes nothing where nothing is missing.
     std::expected<void, Failure> connect(Instant now) const;
     /// Puts back what was before connecting if nothing has changed the file since; otherwise takes our hooks out of it.
-    /// Nothing to do, and no failure, where there is no readable file.
+    /// Nothing to do, and no failure, where there is no readable file or it holds no hook of ours.
     std::expected<void, Failure> disconnect(Instant now) const;
 
 private:
@@ -46,17 +46,19 @@ private:
         std::optional<FileContents> contents; // absent: no file
         /// Absent without a file, or if it is not UTF-8.
         std::optional<std::string> text() const;
+        bool operator==(const Snapshot&) const = default;
     };
     struct Record;
     enum class Outcome { done, changedMeanwhile };
     using Attempt = std::expected<Outcome, Failure>;
 
     std::optional<Snapshot> snapshot() const;
-    bool isUnchanged(const Snapshot& before) const;
+    Attempt comparison(const Snapshot& before) const;
     std::expected<void, Failure> repeated(auto attempt) const;
 
     Attempt tryToConnect(Instant now) const;
     Attempt tryToDisconnect(Instant now) const;
+    Attempt takeOut(const Snapshot& before, const std::string& text, Instant now) const;
     Attempt replace(const Snapshot& before, std::string_view text) const;
     Attempt remove(const Snapshot& before) const;
     bool backUp(const Snapshot& before, Instant now) const;
@@ -64,8 +66,6 @@ private:
     std::filesystem::path recordFile() const { return workDirectory / (name + ".json"); }
     bool write(const Record& record) const;
     std::optional<Record> record() const;
-    /// True also if there was none.
-    bool removeRecord() const;
 };
 
 template <>

@@ -50,6 +50,7 @@ public:
     virtual Result<void> createFile(const std::filesystem::path& path) = 0;
     /// Writes the bytes to a file that exists. If it fails, some of them may be there.
     virtual Result<void> write(const std::filesystem::path& path, std::string_view bytes) = 0;
+    /// The owner must be as asked; a group that this user cannot give stays what it is.
     virtual Result<void> setAttributes(const std::filesystem::path& path, const FileAttributes& attributes) = 0;
     /// Returns when the contents are on the disk; for a directory, which files stand in it.
     virtual Result<void> sync(const std::filesystem::path& path) = 0;

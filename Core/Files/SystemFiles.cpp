@@ -128,9 +128,12 @@ namespace {
 
         Result<void> setAttributes(const fs::path& path, const FileAttributes& attributes) override
         {
-            // The owner first: changing it can take permission bits away.
+            // The owner first: changing it can take permission bits away. Only its members and root can give a file to
+            // a group.
+            constexpr auto sameGroup = static_cast<gid_t>(-1);
             if (const auto& owner = attributes.owner)
-                if (::lchown(path.c_str(), owner->user, owner->group) != 0)
+                if (::lchown(path.c_str(), owner->user, owner->group) != 0
+                    && ::lchown(path.c_str(), owner->user, sameGroup) != 0)
                     return lastError();
             return checked(::chmod(path.c_str(), static_cast<mode_t>(attributes.mode)));
         }

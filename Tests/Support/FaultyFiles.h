@@ -23,6 +23,8 @@ public:
 
     /// Whether the step has been reached.
     bool isHit() const { return steps_ > faultyStep_; }
+    /// Whether some file's contents may not have reached the disk.
+    bool hasUnsynced() const { return !unsynced_.empty(); }
     /// Called after each file has been synced.
     std::function<void()> afterSync;
 

@@ -107,8 +107,11 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
         EXPECT_EQ(record["written"], *home.text());
 
         ASSERT_TRUE(home.settings().disconnect(now));
-        EXPECT_EQ(home.text(), text);
         EXPECT_FALSE(fs::exists(home.work / "claude.json"));
+        const auto backups = home.backups();
+        ASSERT_TRUE(home.settings().disconnect(now)) << "what holds no hooks of ours";
+        EXPECT_EQ(home.text(), text);
+        EXPECT_EQ(home.backups(), backups);
     }
 }
 
@@ -142,7 +145,7 @@ TEST(HookSettingsFile, ConnectingAgainChangesNothing)
 
 TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
 {
-    for (const std::string text : {"{", "[]", R"({"hooks":[]})", R"({"hooks":{"Stop":null}})"}) {
+    for (const std::string text : {"{", "[]", R"({"hooks":[]})", R"({"hooks":{"Stop":null}})", "\xFF\xFE{", "{}\x80"}) {
         const Home home{text};
         EXPECT_EQ(home.settings().connect(now).error(), Failure::unreadableSettings) << text;
         EXPECT_EQ(home.text(), text);
@@ -160,10 +163,10 @@ TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
     EXPECT_TRUE(fs::is_fifo(home.file));
 }
 
-TEST(HookSettingsFile, KeepsEveryBackupOfOneSecondAndBytesThatAreNoText)
+TEST(HookSettingsFile, KeepsEveryBackupOfOneSecond)
 {
     const Home home;
-    const std::multiset<std::string> texts{"\xFF\xFE{", "{\"a\":1}", "{\"a\":2}", ""};
+    const std::multiset<std::string> texts{"{ }", "{\"a\":1}", "{\"a\":2}", ""};
     for (const auto& text : texts) {
         home.write(text);
         ASSERT_TRUE(home.settings().connect(now));
@@ -200,6 +203,21 @@ TEST(HookSettingsFile, KeepsModeAndOwnerAndMakesItsOwnFilesPrivate)
     const Home empty;
     ASSERT_TRUE(empty.settings().connect(now));
     EXPECT_EQ(mode(empty.file), 0600u);
+}
+
+TEST(HookSettingsFile, KeepsTheOwnerOfAFileWhoseGroupItCannotKeep)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can give a file to a group that its owner is not in";
+    const Home home{"{}"};
+    for (const auto& path : {home.directory.path(), home.directory / ".claude", home.file})
+        ASSERT_EQ(chown(path.c_str(), 1234, 5678), 0);
+    fs::permissions(home.file, fs::perms{0640});
+    ASSERT_EQ(seteuid(1234), 0);
+    const auto connected = home.settings().connect(now);
+    ASSERT_EQ(seteuid(0), 0);
+    EXPECT_TRUE(connected);
+    EXPECT_EQ(mode(home.file), 0640u);
 }
 
 TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
@@ -247,6 +265,40 @@ TEST(HookSettingsFile, ComputesAgainWhatSomebodyElseChangedMeanwhile)
         EXPECT_EQ(home.hasBackup(theirs), succeeds);
         EXPECT_FALSE(home.hasTemporaryFiles());
     }
+}
+
+TEST(HookSettingsFile, ConnectingSeveralTimesAtOnceKeepsTheRecord)
+{
+    // Another connects after each step of the first.
+    for (int step = 0, isHit = true; isHit; ++step) {
+        const Home home{"{ }"};
+        FaultyFiles files;
+        isHit = false;
+        files.afterSync = [&, syncs = 0]() mutable {
+            if (syncs++ == step)
+                isHit = home.settings().connect(now).has_value();
+        };
+        ASSERT_TRUE(home.settings(files).connect(now));
+        ASSERT_TRUE(home.settings().disconnect(now));
+        EXPECT_EQ(home.text(), "{ }") << "after " << step;
+    }
+}
+
+TEST(SystemFiles, ReportsWhatTheSystemRefuses)
+{
+    const TemporaryDirectory directory;
+    const auto none = directory / "none", taken = directory / "taken";
+    putText(taken, "");
+    auto& files = systemFiles();
+    EXPECT_FALSE(files.read(directory.path()));
+    EXPECT_FALSE(files.createDirectory(taken));
+    EXPECT_FALSE(files.createFile(taken));
+    for (const auto& path : {none, fs::path{"/dev/full"}})
+        EXPECT_FALSE(files.write(path, "x"));
+    EXPECT_FALSE(files.setAttributes(none, {}));
+    EXPECT_FALSE(files.sync(none));
+    EXPECT_FALSE(files.rename(none, taken));
+    EXPECT_FALSE(files.remove(none));
 }
 
 struct Operation {
@@ -298,6 +350,13 @@ TEST(HookSettingsFile, SurvivesAFaultBeforeEveryStep)
                 checkAfterFault(home, before, operation);
                 if (!isHit) {
                     ASSERT_TRUE(result);
+                }
+                // What cannot be read counts as holding nothing of ours.
+                const bool isRead = !operation.disconnects || step > 1;
+                if (result && isRead) {
+                    EXPECT_TRUE(home.text() != before);
+                    EXPECT_TRUE(operation.disconnects || fs::exists(home.work / "claude.json"));
+                    EXPECT_FALSE(files.hasUnsynced());
                 }
                 if (fault == FaultyFiles::Fault::failure) {
                     ASSERT_FALSE(home.hasTemporaryFiles());

@@ -130,6 +130,11 @@ TEST(OrderedJSON, NestsAThousandDeepAndNoDeeper)
     ASSERT_FALSE(tooDeep);
     EXPECT_EQ(tooDeep.error().offset, limit / 2 * 6); // the bracket that is one too many
     EXPECT_FALSE(OrderedJSON::parse(std::string(1'000'000, '[')));
+    // However many stand beside each other.
+    std::string wide = "[[],{}";
+    for (std::size_t i = 0; i < limit; ++i)
+        wide += ",[[{\"k\":{}}]]";
+    EXPECT_TRUE(OrderedJSON::parse(wide + "]"));
 }
 
 } // namespace
