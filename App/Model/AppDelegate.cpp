@@ -2,6 +2,7 @@
 
 #include "App/Model/PreferencesStore.h"
 #include "App/Wording/Localized.h"
+#include "Core/Coding/DisplayText.h"
 #include "HelperProtocol/Brand.h"
 
 #include <cstdio>
@@ -82,8 +83,8 @@ void AppDelegate::receive(const AgentEvent& event)
             "agent-event %s %s %s %s\n",
             std::string{rawValue(event.agent)}.c_str(),
             std::string{rawValue(event.signal)}.c_str(),
-            event.sessionID.c_str(),
-            event.cwd.value_or("-").c_str());
+            displayText(event.sessionID).c_str(),
+            displayText(event.cwd.value_or("-")).c_str());
     model_->agents().record(event);
 }
 

@@ -1,5 +1,7 @@
 #include "Control/Protocol/SnapshotJSON.h"
 
+#include "Core/Coding/DisplayText.h"
+
 #include <nlohmann/json.hpp>
 
 #include <charconv>
@@ -139,7 +141,9 @@ namespace {
         if (json.is_number_float())
             return appendNumber(text, json.get<double>());
         if (!json.is_structured()) {
-            text += json.dump();
+            // What a terminal would obey leaves as an escape.
+            const auto* string = json.get_ptr<const std::string*>();
+            text += json.dump(-1, ' ', /*ensure_ascii=*/string && displayText(*string) != *string);
             return;
         }
         text += json.is_object() ? '{' : '[';

@@ -1,5 +1,6 @@
 #include "Core/Agents/AgentTracker.h"
 
+#include "Core/Coding/DisplayText.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainThread.h"
 
@@ -39,7 +40,7 @@ std::optional<std::string> AgentSession::folderName() const
         path.remove_prefix(path.rfind('/') + 1); // npos + 1 is 0: the whole path
     if (path.empty())
         return {};
-    return std::string{path};
+    return displayText(path);
 }
 
 void AgentTracker::record(const AgentEvent& event)

@@ -26,7 +26,7 @@ struct AgentSession {
     AgentActivity activity = AgentActivity::idle;
     Instant lastEventAt;
 
-    /// The last component of `cwd`; absent without one.
+    /// The last component of `cwd` as a `displayText`; absent without one.
     std::optional<std::string> folderName() const;
 
     bool operator==(const AgentSession&) const = default;

@@ -65,6 +65,8 @@ TEST_F(Tracker, KeepsTheLastWorkingDirectory)
     report(finished);
     EXPECT_EQ(tracker.sessions().front().cwd, "/home/me/project/");
     EXPECT_EQ(tracker.sessions().front().folderName(), "project");
+    report(working, "a", AgentKind::claudeCode, "/a \x1B[31m\x7F\n\u009B\u2028\u202E\u2069é👩\u200D💻\u00A0\xFF");
+    EXPECT_EQ(tracker.sessions().front().folderName(), "a �[31m������é👩\u200D💻\u00A0�");
     report(working, "a", AgentKind::claudeCode, "/");
     EXPECT_EQ(tracker.sessions().front().folderName(), "/");
     report(working, "a", AgentKind::claudeCode, "");
