@@ -8,12 +8,14 @@
 #include "Control/Protocol/ControlRequest.h"
 #include "HelperProtocol/AutoreleasePool.h"
 #include "HelperProtocol/Brand.h"
+#include "HelperProtocol/PropertyList.h"
 
 #include <QCoreApplication>
 #include <QDir>
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -70,6 +72,9 @@ int run(int argc, char** argv)
     const auto& options = std::get<HeadlessOptions>(parsed);
     // Whoever reads the output may go away; the session goes on.
     std::signal(SIGPIPE, SIG_IGN);
+    // Qt asks the environment alone.
+    if (QDir::homePath() == QDir::rootPath())
+        setenv("HOME", homeDirectory().c_str(), /*overwrite=*/1);
     int plainArgumentCount = 1;
     QCoreApplication application{plainArgumentCount, argv};
     QCoreApplication::setApplicationName(QString::fromStdString(Brand::appName()));

@@ -11,6 +11,9 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace vespra::control {
 
@@ -24,23 +27,48 @@ namespace {
         bool json = false;
 
         AgentKind kind() const { return fromRawValue<AgentKind>(agent).value(); }
-        AgentIntegration integration() const
+        fs::path homeFolder() const
         {
             if (home.empty())
-                return {fs::absolute(homeDirectory()), Brand::applicationSupportDirectory()};
+                return fs::absolute(homeDirectory());
             auto absolute = fs::absolute(home).lexically_normal();
             if (!absolute.has_filename()) // a slash at the end
                 absolute = absolute.parent_path();
-            return {absolute, Brand::applicationSupportDirectory(absolute.string())};
+            return absolute;
+        }
+        AgentIntegration integration() const
+        {
+            const auto folder = homeFolder();
+            return {folder,
+                home.empty() ? Brand::applicationSupportDirectory()
+                             : Brand::applicationSupportDirectory(folder.string())};
         }
     };
+
+    void complain(const std::string& text) { std::fprintf(stderr, "vespractl: %s\n", text.c_str()); }
+
+    /// Whether the home directory is this user's. In another's even root changes nothing: what it makes there would not
+    /// be that user's to read, to change or to remove.
+    bool isAllowed(const HooksArguments& arguments, const std::string& verb)
+    {
+        const auto home = arguments.homeFolder();
+        struct stat status{};
+        if (stat(home.c_str(), &status) != 0 || status.st_uid == geteuid())
+            return true;
+        const auto* owner = getpwuid(status.st_uid);
+        const auto user = owner ? std::string{owner->pw_name} : "'#" + std::to_string(status.st_uid) + "'";
+        const auto agent = arguments.agent.empty() ? "" : " " + arguments.agent;
+        complain("hooks: " + home.string() + " belongs to another user. Run it as that user:\n  sudo -u " + user
+            + " vespractl hooks " + verb + agent + " --home '" + home.string() + "'");
+        return false;
+    }
 
     int print(const std::string& text)
     {
         std::fwrite(text.data(), 1, text.size(), stdout);
         if (std::fflush(stdout) == 0 && !std::ferror(stdout))
             return done;
-        std::fprintf(stderr, "hooks: cannot write the result: %s\n", std::strerror(errno));
+        complain(std::string{"hooks: cannot write the result: "} + std::strerror(errno));
         return failed;
     }
 
@@ -78,7 +106,7 @@ namespace {
     {
         if (!result) {
             const std::string title{hookTexts::failureTitle}, message{systemText(hookTexts::message(result.error()))};
-            std::fprintf(stderr, "%s\n%s\n", title.c_str(), message.c_str());
+            complain(title + "\n" + message);
             return failed;
         }
         const auto integration = arguments.integration();
@@ -93,10 +121,9 @@ namespace {
         if (installation == AgentIntegration::CommandInstallation::inPlace)
             return;
         const bool isMissing = installation == AgentIntegration::CommandInstallation::notFound;
-        std::fprintf(stderr,
-            "hooks: %s %s; until it is, the hooks have nothing to run\n",
-            Brand::agentCLIName().c_str(),
-            isMissing ? "is not installed with vespractl" : "could not be copied to the support folder");
+        complain("hooks: " + Brand::agentCLIName()
+            + (isMissing ? " is not installed with vespractl" : " could not be copied to the support folder")
+            + "; until it is, the hooks have nothing to run");
     }
 
     int connect(const HooksArguments& arguments)
@@ -125,13 +152,13 @@ void addHooksCommand(CLI::App& vespractl, int& exitStatus)
     auto* hooks = vespractl.add_subcommand("hooks", "Connects Vespra with coding agents, by hooks in their settings");
     hooks->require_subcommand(1);
     hooks->fallthrough();
-    hooks->add_option("--home", arguments->home, "Another home directory than this user's")
+    hooks->add_option("--home", arguments->home, "Another home directory; it must be this user's own")
         ->check(CLI::ExistingDirectory);
 
     const auto add = [&](const char* name, const char* description, auto run) {
         auto* command = hooks->add_subcommand(name, description);
         command->fallthrough();
-        command->callback([=, &exitStatus] { exitStatus = run(*arguments); });
+        command->callback([=, &exitStatus] { exitStatus = isAllowed(*arguments, name) ? run(*arguments) : failed; });
         return command;
     };
     const auto addForAgent = [&](const char* name, const char* description, auto run) {

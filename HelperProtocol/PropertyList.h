@@ -15,7 +15,8 @@ std::string supportDirectory(std::string_view home);
 /// The same for this user; the environment may move it. One per system.
 std::string supportDirectory();
 
-/// $HOME; "/" without one.
+/// $HOME; without it the home directory in the user's entry of the password file, and "/" where that has none. One per
+/// system.
 std::string homeDirectory();
 
 } // namespace vespra

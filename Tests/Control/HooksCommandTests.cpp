@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <sys/wait.h>
+#include <unistd.h>
 
 using namespace vespra;
 namespace fs = std::filesystem;
@@ -52,7 +53,7 @@ TEST(HooksCommand, SaysWhatWentWrong)
 {
     const TemporaryDirectory home;
     putText(home / ".claude/settings.json", "{");
-    const auto title = std::string{"Couldn't change the agent's settings\n"};
+    const auto title = std::string{"vespractl: Couldn't change the agent's settings\n"};
     const auto absent = vespractl(home.path(), "connect codex");
     EXPECT_EQ(absent.status, 1);
     EXPECT_EQ(absent.output, title + std::string{systemText("This agent isn't installed on this Mac.")} + "\n");
@@ -63,6 +64,22 @@ TEST(HooksCommand, SaysWhatWentWrong)
     for (const char* arguments : {"", "connect", "connect nobody", "status now", "preview claude codex"})
         EXPECT_EQ(vespractl(home.path(), arguments).status, 2) << arguments;
     EXPECT_EQ(vespractl(home / "none", "status").status, 2);
+}
+
+TEST(HooksCommand, KeepsOutOfAnotherUsersHome)
+{
+    const TemporaryDirectory given;
+    const bool isRoot = geteuid() == 0;
+    const auto home = isRoot ? given.path() : fs::path{"/"};
+    if (isRoot) {
+        ASSERT_EQ(chown(home.c_str(), 1234, 1234), 0);
+    }
+    const auto refused = vespractl(home, "connect codex");
+    EXPECT_EQ(refused.status, 1);
+    const auto user = isRoot ? "'#1234'" : "root";
+    EXPECT_TRUE(refused.output.ends_with(
+        std::string{"\n  sudo -u "} + user + " vespractl hooks connect codex --home '" + home.string() + "'\n"))
+        << refused.output;
 }
 
 } // namespace

@@ -1,14 +1,17 @@
 #include "App/Agents/AgentIntegration.h"
 
+#include "HelperProtocol/PropertyList.h"
 #include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace vespra;
 using testing::ElementsAre;
@@ -29,16 +32,34 @@ struct Home {
 
     void writeTool(const std::string& script) const
     {
-        std::ofstream{tool} << script;
+        putText(tool, script);
         fs::permissions(tool, fs::perms{0755});
     }
 };
 
-std::string text(std::ifstream& stream)
+TEST(AgentIntegration, ConfiguresEachAgent)
 {
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
+    const AgentIntegration integration{"/home/someone", "/home/someone/.local/share/Vespra"};
+    for (const auto& [kind, file, name] : std::vector<std::tuple<AgentKind, fs::path, std::string>>{
+             {AgentKind::claudeCode, "/home/someone/.claude/settings.json", "claude"},
+             {AgentKind::codex, "/home/someone/.codex/hooks.json", "codex"}}) {
+        const auto hooks = integration.hookFile(kind);
+        EXPECT_EQ(hooks.file, file);
+        EXPECT_EQ(hooks.workDirectory, "/home/someone/.local/share/Vespra/hooks");
+        EXPECT_EQ(hooks.name, name);
+        EXPECT_EQ(hooks.installer.marker, "vespra-agent");
+        // The events in their order, the command and the time limit.
+        EXPECT_EQ(hooks.installer.preview(), textOf(VESPRA_HOOK_FILES "/empty." + name + ".installed"));
+    }
+}
+
+TEST(HomeDirectory, IsThatOfThePasswordFileWithoutHOME)
+{
+    const std::string home = std::getenv("HOME");
+    unsetenv("HOME");
+    EXPECT_EQ(homeDirectory(), getpwuid(geteuid())->pw_dir);
+    setenv("HOME", home.c_str(), 1);
+    EXPECT_EQ(homeDirectory(), home);
 }
 
 TEST(AgentIntegration, KnowsEachAgentAfterARefresh)
@@ -65,8 +86,7 @@ TEST(AgentIntegration, TheHooksRunTheCopyOfTheToolWhateverTheFolderIsCalled)
     ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
     const auto command = home.integration.hookFile(AgentKind::codex).installer.command;
     EXPECT_EQ(std::system(command.c_str()), 0) << command;
-    std::ifstream stream{output};
-    EXPECT_EQ(text(stream), "codex\n");
+    EXPECT_EQ(textOf(output), "codex\n");
 }
 
 TEST(AgentIntegration, ReplacesTheToolInOneStepAndOnlyWhenItDiffers)
@@ -86,17 +106,15 @@ TEST(AgentIntegration, ReplacesTheToolInOneStepAndOnlyWhenItDiffers)
     std::ifstream running{home.command};
     home.writeTool("#!/bin/sh\nexit 1 # longer\n");
     ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
-    EXPECT_EQ(text(running), "#!/bin/sh\nexit 0\n");
-    std::ifstream replaced{home.command};
-    EXPECT_EQ(text(replaced), "#!/bin/sh\nexit 1 # longer\n");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>{running}, {}), "#!/bin/sh\nexit 0\n");
+    EXPECT_EQ(textOf(home.command), "#!/bin/sh\nexit 1 # longer\n");
 
     const std::string large(200'000, '#');
     home.writeTool(large);
     for (const auto& present : {large + '#', large.substr(1), large.substr(1) + '!', std::string{}}) {
-        std::ofstream{home.command} << present;
+        putText(home.command, present);
         ASSERT_EQ(home.integration.installCommand(home.tool), CommandInstallation::inPlace);
-        std::ifstream whole{home.command};
-        EXPECT_EQ(text(whole), large);
+        EXPECT_EQ(textOf(home.command), large);
     }
 
     fs::permissions(home.command, fs::perms{0600});
