@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <exception>
+#include <sys/time.h>
 #include <unistd.h>
 
 using namespace vespra;
@@ -17,15 +18,28 @@ namespace {
 void report(HookInputReader& reader, std::string_view agentName)
 {
     const auto agent = fromRawValue<AgentKind>(agentName);
-    const auto input = reader.read();
+    const auto text = reader.read();
+    const auto input = text ? parsedHookInput(*text) : std::nullopt;
     if (!input)
         return reader.drain();
-    if (!agent)
-        return;
-    if (const auto event = agentEvent(*input, *agent, SystemClock{}.now()))
+    if (const auto event = agent ? agentEvent(*input, *agent, SystemClock{}.now()) : std::nullopt)
         sendLine(encoded(*event), socketPath());
-    else if (!parsedHookInput(*input))
-        reader.drain();
+}
+
+/// Ends the program, come what may: its own limits end waiting, but a read that another reader of the same input was
+/// quicker with blocks.
+void limitTime()
+{
+    constexpr timeval limit{.tv_sec = 2, .tv_usec = 0};
+    std::signal(SIGALRM, [](int) { _exit(0); });
+    sigset_t alarms;
+    sigemptyset(&alarms);
+    sigaddset(&alarms, SIGALRM);
+    sigprocmask(SIG_UNBLOCK, &alarms, nullptr);
+    const itimerval once{.it_interval = {}, .it_value = limit};
+    setitimer(ITIMER_REAL, &once, nullptr);
+    // Reading a terminal in the background fails instead of stopping the program.
+    std::signal(SIGTTIN, SIG_IGN);
 }
 
 } // namespace
@@ -37,6 +51,7 @@ int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);
     std::set_terminate([] { _exit(0); });
+    limitTime();
     HookInputReader reader{STDIN_FILENO};
     return inAutoreleasePool([&]() -> int {
         try {

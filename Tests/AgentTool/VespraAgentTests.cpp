@@ -71,7 +71,9 @@ protected:
     {
         std::signal(SIGPIPE, SIG_IGN);
         int pipeEnds[2];
-        EXPECT_EQ(pipe(pipeEnds), 0);
+        EXPECT_EQ(receivesAtLeast ? socketpair(AF_UNIX, SOCK_STREAM, 0, pipeEnds) : pipe(pipeEnds), 0);
+        if (receivesAtLeast)
+            setsockopt(pipeEnds[0], SOL_SOCKET, SO_RCVLOWAT, &receivesAtLeast, sizeof receivesAtLeast);
         unixSocket::closeOnExec(pipeEnds[1]);
         FileDescriptor reader{pipeEnds[0]}, writer{pipeEnds[1]};
         const auto output = (directory / "output").native();
@@ -101,7 +103,9 @@ protected:
         reader.reset();
         std::string_view rest = input;
         while (!rest.empty() && !result.inputBroke) {
-            const auto count = write(writer.get(), rest.data(), rest.size());
+            if (rest.size() == 1)
+                std::this_thread::sleep_for(lateness);
+            const auto count = write(writer.get(), rest.data(), lateness > 0s ? 1 : rest.size());
             result.inputBroke = count < 0;
             rest.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
         }
@@ -121,6 +125,8 @@ protected:
 
     TemporaryDirectory directory;
     std::string path = directory / "agent.sock";
+    std::chrono::milliseconds lateness{0}; // of the last byte; the others then come one by one
+    int receivesAtLeast = 0; // bytes, before a read of the input returns: the input is a socket then
     std::vector<std::string> environment{"VESPRA_AGENT_SOCKET=" + path, "HOME=" + directory.path().native()};
 };
 
@@ -150,7 +156,12 @@ TEST_F(VespraAgentTest, DoesNotWaitForTheEndOfTheInput)
     const auto partial = run(stop.substr(0, 20), End::leftOpen);
     expectSilence(partial);
     EXPECT_GE(partial.seconds, 0.9);
-    EXPECT_LT(partial.seconds, 2.0);
+    EXPECT_LT(partial.seconds, 1.5);
+
+    receivesAtLeast = 1000;
+    const auto blocked = run(stop, End::leftOpen);
+    expectSilence(blocked);
+    EXPECT_LT(blocked.seconds, 2.5);
     EXPECT_FALSE(application.received());
 }
 
@@ -224,7 +235,14 @@ TEST_F(VespraAgentTest, WaitsHalfASecondForAnApplicationThatHangs)
     const auto stuck = run(stop);
     expectSilence(stuck);
     EXPECT_GE(stuck.seconds, 0.45);
-    EXPECT_LT(stuck.seconds, 2.0);
+    EXPECT_LT(stuck.seconds, 0.9);
+
+    lateness = 900ms;
+    const auto lateAndStuck = run(stop);
+    expectSilence(lateAndStuck);
+    EXPECT_GE(lateAndStuck.seconds, 1.35);
+    EXPECT_LT(lateAndStuck.seconds, 1.9);
+    lateness = 0ms;
 
     std::thread wakesUp{[&] {
         std::this_thread::sleep_for(200ms);
