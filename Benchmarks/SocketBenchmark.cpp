@@ -74,15 +74,4 @@ void eventsPerSecond(benchmark::State& state)
 }
 BENCHMARK(eventsPerSecond)->Arg(1)->Arg(16)->Arg(256)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
-/// What a hook's input costs to read, by its size in bytes: agents pass whole files along.
-void hookInput(benchmark::State& state)
-{
-    const auto input = R"({"session_id":"s","hook_event_name":"PostToolUse","tool_response":")"
-        + std::string(static_cast<std::size_t>(state.range(0)), 'x') + "\"}";
-    for (auto _ : state)
-        benchmark::DoNotOptimize(agentEvent(input, AgentKind::claudeCode, Instant{}));
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(input.size()));
-}
-BENCHMARK(hookInput)->Arg(1 << 10)->Arg(700 << 10)->Unit(benchmark::kMicrosecond);
-
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -37,7 +38,8 @@ inline std::size_t plainLength(std::string_view text)
 inline std::size_t lengthToQuoteOrBackslash(std::string_view text)
 {
     constexpr std::uint64_t ones = 0x0101010101010101, highBits = 0x8080808080808080;
-    const auto holds = [](std::uint64_t word, char c) {
+    // The lowest byte with its high bit set is the first that is `c`; above it there may be others that are not.
+    const auto places = [](std::uint64_t word, char c) {
         const auto difference = word ^ ones * static_cast<unsigned char>(c);
         return (difference - ones) & ~difference & highBits;
     };
@@ -45,7 +47,10 @@ inline std::size_t lengthToQuoteOrBackslash(std::string_view text)
     for (; length + 8 <= text.size(); length += 8) {
         std::uint64_t word;
         std::memcpy(&word, text.data() + length, 8);
-        if (holds(word, '"') | holds(word, '\\'))
+        const auto found = places(word, '"') | places(word, '\\');
+        if (found != 0 && std::endian::native == std::endian::little)
+            return length + static_cast<std::size_t>(std::countr_zero(found)) / 8;
+        if (found != 0)
             break;
     }
     while (length < text.size() && text[length] != '"' && text[length] != '\\')
