@@ -22,7 +22,8 @@ from application import SLOW, ApplicationTest, Connection
 EVENTS = int(os.environ.get("VESPRA_STORM_EVENTS", "6000"))
 SEED = int(os.environ.get("VESPRA_STORM_SEED", str(secrets.randbelow(10**9))))
 REPLIES = {"done", "error", "status", "lines", "settings"}
-PLAIN = ["status", "describe", "stop", "toggle", "extend", "keepAwake", "cancel", "settings", "showPanel"]
+PLAIN = ["status", "describe", "stop", "toggle", "extend", "keepAwake", "cancel", "settings", "showPanel", "setUpClosedLid",
+         "removeClosedLid"]
 VALUES = {
     "energy.requiresACPower": ["on", "off", "off", "off"], "energy.stopsOnLowBattery": ["on", "off"],
     "energy.lowBatteryThreshold": ["10", "80", "11"], "energy.batteryTimeLimit": ["off", "15m", "8h", "9h"],

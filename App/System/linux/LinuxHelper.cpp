@@ -12,7 +12,7 @@ namespace vespra {
 
 namespace {
 
-    /// Whether there is a lid, from UPower, or from the kernel where that does not answer. Asked once.
+    /// Whether there is a lid, from UPower, or from the kernel where that has never answered.
     class LinuxMachineFacts final : public MachineFacts {
     public:
         void read(std::function<void(Reading)> answer) override
@@ -36,14 +36,15 @@ namespace {
         {
             call_.reset();
             const auto said = reply.arguments().value(0).value<QDBusVariant>().variant();
-            const bool hasLid = reply.type() == QDBusMessage::ReplyMessage
-                ? said.toBool()
-                : QFile::exists(QStringLiteral("/proc/acpi/button/lid"));
+            if (reply.type() == QDBusMessage::ReplyMessage)
+                hasLid_ = said.toBool();
+            const bool hasLid = hasLid_ ? *hasLid_ : QFile::exists(QStringLiteral("/proc/acpi/button/lid"));
             for (const auto& answer : std::exchange(waiting_, {}))
                 answer({.hasLid = hasLid, .isSignedByOwnTeam = true});
         }
 
         std::vector<std::function<void(Reading)>> waiting_;
+        std::optional<bool> hasLid_;
         dbus::Call call_;
     };
 
