@@ -5,6 +5,7 @@
 #include "Core/Agents/HookInput.h"
 #include "Core/Scheduling/WallClock.h"
 #include "HelperProtocol/AutoreleasePool.h"
+#include "HelperProtocol/Process.h"
 
 #include <csignal>
 #include <exception>
@@ -49,6 +50,7 @@ void limitTime()
 /// and text for words to their model.
 int main(int argc, char** argv)
 {
+    process::openStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     std::set_terminate([] { _exit(0); });
     limitTime();

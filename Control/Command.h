@@ -2,6 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+#include <vector>
+
 /// What the subcommands of vespractl share. Each adds itself to the application's command line and, when chosen,
 /// stores its exit status.
 namespace vespra::control {
@@ -10,10 +13,16 @@ namespace vespra::control {
 /// into force. Some commands have more of their own.
 enum ExitStatus { done = 0, failed = 1, badInput = 2, notRunning = 4, noClosedLid = 5 };
 
+/// How `run` exits where it, and not its command, has failed.
+inline constexpr int runFailed = 125;
+/// Cuts the command of `run` off the arguments: all that follows its options, as it stands. Empty for other verbs.
+std::vector<std::string> takeCommand(int& argc, char** argv);
+
 void addDoctorCommand(CLI::App& vespractl, int& exitStatus);
 void addMachineCommand(CLI::App& vespractl, int& exitStatus);
 void addHooksCommand(CLI::App& vespractl, int& exitStatus);
-void addRunCommands(CLI::App& vespractl, int& exitStatus);
+/// `command` is what `run` is to start.
+void addRunCommands(CLI::App& vespractl, int& exitStatus, const std::vector<std::string>& command);
 void addSessionCommands(CLI::App& vespractl, int& exitStatus);
 void addSettingsCommand(CLI::App& vespractl, int& exitStatus);
 void addSimulateCommand(CLI::App& vespractl, int& exitStatus);

@@ -2,9 +2,7 @@
 #include "Control/Command.h"
 #include "Control/Scenario/ScenarioPlayer.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
 namespace vespra::control {
@@ -23,10 +21,6 @@ namespace {
             std::fwrite(line.data(), 1, line.size(), stdout);
             std::fputc('\n', stdout);
         });
-        if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
-            std::fprintf(stderr, "simulate: cannot write the result: %s\n", std::strerror(errno));
-            return failed;
-        }
         return done;
     }
 

@@ -1,5 +1,10 @@
 #include "Control/Command.h"
 #include "HelperProtocol/AutoreleasePool.h"
+#include "HelperProtocol/Process.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -12,16 +17,19 @@ std::string complaint(const CLI::App* vespractl, const CLI::Error& error)
     return "There is no \"" + unknown.front() + "\" here.\nRun with --help for more information.\n";
 }
 
-int run(int argc, char** argv)
+using namespace vespra::control;
+
+/// Does what the arguments say and returns the exit status.
+int control(int argc, char** argv)
 {
-    using namespace vespra::control;
+    const auto command = takeCommand(argc, argv);
     CLI::App vespractl{"Controls Vespra from a terminal or a script."};
     vespractl.require_subcommand(1);
     vespractl.failure_message(complaint);
     int exitStatus = done;
     addStatusCommand(vespractl, exitStatus);
     addSessionCommands(vespractl, exitStatus);
-    addRunCommands(vespractl, exitStatus);
+    addRunCommands(vespractl, exitStatus, command);
     addSettingsCommand(vespractl, exitStatus);
     addDoctorCommand(vespractl, exitStatus);
     addMachineCommand(vespractl, exitStatus);
@@ -31,7 +39,9 @@ int run(int argc, char** argv)
         vespractl.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         // Help is a "parse error" of status 0.
-        return vespractl.exit(error) == 0 ? done : badInput;
+        if (vespractl.exit(error) == 0)
+            return done;
+        return vespractl.got_subcommand("run") ? runFailed : badInput;
     }
     return exitStatus;
 }
@@ -40,5 +50,11 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    return vespra::inAutoreleasePool([&] { return run(argc, argv); });
+    vespra::process::openStandardDescriptors();
+    const int exitStatus = vespra::inAutoreleasePool([&] { return control(argc, argv); });
+    if (vespra::process::isOutputWritten())
+        return exitStatus;
+    const char* const reason = errno == 0 ? "not all of it was written" : std::strerror(errno);
+    std::fprintf(stderr, "vespractl: cannot write to standard output: %s\n", reason);
+    return exitStatus == done ? failed : exitStatus;
 }

@@ -15,10 +15,6 @@ namespace {
         const doctor::Report report{.session = session, .facts = doctor::gatherFacts(session)};
         const auto& application = Brand::appName();
         std::fputs((asJSON ? doctor::json(report, application) : doctor::text(report, application)).c_str(), stdout);
-        if (std::fflush(stdout) != 0) {
-            std::perror("doctor: cannot write the result");
-            return failed;
-        }
         return report.verdict(application) == doctor::Verdict::missing ? failed : done;
     }
 

@@ -2,6 +2,7 @@
 
 #include "HelperProtocol/UnixSocket.h"
 
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <nlohmann/json.hpp>
@@ -39,21 +40,27 @@ bool ControlClient::send(const ControlRequest& request)
     return true;
 }
 
-bool ControlClient::waitToRead(std::optional<Seconds> limit) const
+bool ControlClient::waitToRead(std::optional<Seconds> limit, int output) const
 {
-    pollfd waiting{.fd = socket_.get(), .events = POLLIN, .revents = 0};
+    // What nobody reads any more is told without being asked for; "none" is passed over.
+    std::array<pollfd, 2> waiting{
+        {{.fd = socket_.get(), .events = POLLIN, .revents = 0}, {.fd = output, .events = 0, .revents = 0}}};
     const int milliseconds = limit ? static_cast<int>(std::ceil(limit->count() * 1000)) : -1;
-    int ready = 0;
-    while ((ready = poll(&waiting, 1, milliseconds)) < 0 && errno == EINTR) {
+    while (waiting[0].revents == 0) {
+        const int ready = poll(waiting.data(), waiting.size(), milliseconds);
+        if (ready == 0 || (ready < 0 && errno != EINTR) || (waiting[1].revents & (POLLERR | POLLHUP)) != 0)
+            return false;
+        if (ready > 0 && waiting[1].revents != 0)
+            waiting[1].fd = none; // a kind of file that this system cannot follow
     }
-    return ready > 0;
+    return true;
 }
 
-std::optional<JSON> ControlClient::receive(std::optional<Seconds> limit)
+std::optional<JSON> ControlClient::receive(std::optional<Seconds> limit, int output)
 {
     while (received_.find('\n') == std::string::npos) {
         char bytes[4096];
-        if (!waitToRead(limit))
+        if (!waitToRead(limit, output))
             return {};
         const auto count = read(socket_.get(), bytes, sizeof bytes);
         if (count <= 0)

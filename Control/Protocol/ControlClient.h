@@ -17,11 +17,14 @@ public:
     bool connect(const std::string& path = controlProtocol::defaultPath());
     /// False if the application has gone or does not take it within five seconds.
     bool send(const ControlRequest& request);
-    /// The next line; absent once the application has gone, or after `limit`, if there is one.
-    std::optional<JSON> receive(std::optional<Seconds> limit = usualLimit);
+    /// The next line; absent once the application has gone, or after `limit`, if there is one, or once nobody can read
+    /// what is written to the descriptor `output`, if one is given.
+    std::optional<JSON> receive(std::optional<Seconds> limit = usualLimit, int output = none);
 
 private:
-    bool waitToRead(std::optional<Seconds> limit) const;
+    static constexpr int none = -1;
+
+    bool waitToRead(std::optional<Seconds> limit, int output) const;
 
     FileDescriptor socket_;
     std::string received_;

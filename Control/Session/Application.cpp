@@ -2,8 +2,6 @@
 
 #include "HelperProtocol/Brand.h"
 
-#include <algorithm>
-#include <array>
 #include <csignal>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -17,25 +15,6 @@ namespace {
         std::fprintf(stderr, "%s\n", message.c_str());
         return status;
     }
-
-    struct EndStatus {
-        std::string_view reason;
-        int status;
-    };
-    // 1, 2 and 4 have their meaning for every command.
-    constexpr std::array endStatuses = std::to_array<EndStatus>({
-        {"timeElapsed", 0},
-        {"agentsFinished", 0},
-        {"stoppedByUser", 10},
-        {"lowBattery", 11},
-        {"chargerDisconnected", 12},
-        {"batteryTimeLimit", 13},
-        {"closedLidTimeLimit", 14},
-        {"overheating", 15},
-        {"safetyCapReached", 16},
-        {"systemSleep", 17},
-        {"appTerminated", 18},
-    });
 
 } // namespace
 
@@ -92,12 +71,6 @@ int ask(const ControlRequest& request, std::optional<Seconds> limit)
             std::printf("%s\n", done->value("message", std::string{}).c_str());
     };
     return ask(request, print, limit);
-}
-
-int exitStatusOfEnd(std::string_view reason)
-{
-    const auto* const found = std::ranges::find(endStatuses, reason, &EndStatus::reason);
-    return found == endStatuses.end() ? failed : found->status;
 }
 
 } // namespace vespra::control

@@ -24,7 +24,4 @@ int ask(const ControlRequest& request, const std::function<void(const JSON&)>& u
 /// The same, and prints the reply's message, if it has one.
 int ask(const ControlRequest& request, std::optional<Seconds> limit = ControlClient::usualLimit);
 
-/// How `wait` exits: 0 when the session has ended as planned, else a status for each reason. Given the reason's name.
-int exitStatusOfEnd(std::string_view reason);
-
 } // namespace vespra::control

@@ -1,18 +1,19 @@
+#include "Control/Protocol/EndStatus.h"
 #include "Control/Session/Application.h"
+#include "HelperProtocol/Brand.h"
+#include "HelperProtocol/Process.h"
+#include "HelperProtocol/UnixSocket.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
-#include <vector>
-
-// Not every system declares it.
-extern "C" char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace vespra::control {
 
@@ -23,7 +24,6 @@ namespace {
         return reply.value("ended", JSON::object()).value("message", std::string{});
     }
 
-    // Passed on to the command, which decides what they mean. A terminal sends its own to both.
     volatile std::sig_atomic_t runningCommand = 0;
     void passOn(int signal)
     {
@@ -31,103 +31,128 @@ namespace {
             kill(runningCommand, signal);
     }
 
-    bool isIgnored(int signal)
-    {
-        struct sigaction action{};
-        return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-    }
+    /// The signals as the command is to find them: as this program found them.
+    struct CallersSignals {
+        /// Those that this program has changed.
+        std::vector<int> defaults;
+        sigset_t mask{};
+    };
 
-    /// The signals that the command is to get as they are by default. One that was ignored stays so, as after nohup.
-    sigset_t takeSignals()
+    /// What a terminal sends to both is left to the command, and what comes here alone is passed on to it; blocked
+    /// until there is somebody to get it. What was ignored stays so, as after nohup.
+    CallersSignals takeSignals(bool ignoredBrokenPipes)
     {
-        sigset_t defaults;
-        sigemptyset(&defaults);
-        sigaddset(&defaults, SIGPIPE);
-        for (const int signal : {SIGINT, SIGQUIT})
-            if (!isIgnored(signal)) {
-                sigaddset(&defaults, signal);
-                std::signal(signal, SIG_IGN);
+        CallersSignals callers;
+        sigset_t taken;
+        sigemptyset(&taken);
+        for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
+            if (!process::isIgnored(signal)) {
+                callers.defaults.push_back(signal);
+                sigaddset(&taken, signal);
             }
-        for (const int signal : {SIGTERM, SIGHUP})
-            if (!isIgnored(signal))
-                std::signal(signal, passOn);
-        return defaults;
+        pthread_sigmask(SIG_BLOCK, &taken, &callers.mask);
+        for (const int signal : callers.defaults)
+            std::signal(signal, signal == SIGINT || signal == SIGQUIT ? SIG_IGN : passOn);
+        if (!ignoredBrokenPipes)
+            callers.defaults.push_back(SIGPIPE);
+        return callers;
     }
 
-    /// Blocks what is passed on, for there is nobody to get it yet. Returns the mask from before.
-    sigset_t blockSignals()
+    /// Becomes the command, or writes the system's error into `failures` and ends.
+    [[noreturn]] void become(const std::vector<char*>& arguments, const CallersSignals& signals, int failures)
     {
-        sigset_t passedOn, before;
-        sigemptyset(&passedOn);
-        sigaddset(&passedOn, SIGTERM);
-        sigaddset(&passedOn, SIGHUP);
-        pthread_sigmask(SIG_BLOCK, &passedOn, &before);
-        return before;
+        for (const int signal : signals.defaults)
+            std::signal(signal, SIG_DFL);
+        pthread_sigmask(SIG_SETMASK, &signals.mask, nullptr);
+        // Gives a script without a first line to the shell.
+        execvp(arguments.front(), arguments.data());
+        const int error = errno;
+        [[maybe_unused]] const auto written = write(failures, &error, sizeof error);
+        _exit(runFailed);
     }
 
-    /// Starts the command with the signals that it would have without this program. 0 on success, else the system's
-    /// error.
-    int spawned(pid_t& child, const std::vector<std::string>& command, const sigset_t& mask)
+    int failedStart(const std::string& command, int error, int exitStatus)
+    {
+        std::fprintf(stderr, "vespractl: %s: %s\n", command.c_str(), std::strerror(error));
+        return exitStatus;
+    }
+
+    /// The command's process, or the status to exit with after a complaint.
+    std::expected<pid_t, int> started(const std::vector<std::string>& command, const CallersSignals& signals)
     {
         std::vector<char*> arguments;
-        arguments.reserve(command.size() + 1);
         for (const auto& argument : command)
             arguments.push_back(const_cast<char*>(argument.c_str()));
         arguments.push_back(nullptr);
-        posix_spawnattr_t attributes;
-        posix_spawnattr_init(&attributes);
-        const auto defaults = takeSignals();
-        posix_spawnattr_setsigdefault(&attributes, &defaults);
-        posix_spawnattr_setsigmask(&attributes, &mask);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-        const int error = posix_spawnp(&child, arguments.front(), nullptr, &attributes, arguments.data(), environ);
-        posix_spawnattr_destroy(&attributes);
-        return error;
+        std::array<int, 2> ends{};
+        if (pipe(ends.data()) != 0)
+            return std::unexpected{failedStart(command.front(), errno, runFailed)};
+        const FileDescriptor reading{ends[0]};
+        FileDescriptor writing{ends[1]};
+        for (const int end : ends)
+            unixSocket::closeOnExec(end);
+        const pid_t child = fork();
+        if (child < 0)
+            return std::unexpected{failedStart(command.front(), errno, runFailed)};
+        if (child == 0)
+            become(arguments, signals, writing.get());
+        writing.reset();
+        int error = 0;
+        ssize_t count = 0;
+        while ((count = read(reading.get(), &error, sizeof error)) < 0 && errno == EINTR) {
+        }
+        if (count <= 0)
+            return child;
+        waitpid(child, nullptr, 0);
+        constexpr int notExecutable = 126, notFound = 127;
+        return std::unexpected{failedStart(command.front(), error, error == ENOENT ? notFound : notExecutable)};
     }
 
-    /// As the shell passes it on: its status, or 128 and the signal that ended it.
+    /// The command's status. Does not return if a signal ended it: then that ends this process too.
     int waited(pid_t child)
     {
-        int status = 0;
-        while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+        siginfo_t ended{};
+        while (waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
         }
-        constexpr int signalBase = 128;
-        return WIFSIGNALED(status) ? signalBase + WTERMSIG(status) : WEXITSTATUS(status);
+        // Its number may be another's once it has been reaped.
+        runningCommand = 0;
+        int status = 0;
+        waitpid(child, &status, 0);
+        if (WIFSIGNALED(status))
+            process::endBySignal(WTERMSIG(status));
+        return WEXITSTATUS(status);
     }
 
-    int execute(const std::vector<std::string>& command, const sigset_t& mask)
+    /// The command goes on without being kept awake: once, when the application says so or has gone.
+    void tellOfTheEnd(ControlClient& client)
     {
-        pid_t child = 0;
-        if (const int error = spawned(child, command, mask); error != 0) {
-            std::fprintf(stderr, "run: %s: %s\n", command.front().c_str(), std::strerror(error));
-            constexpr int notFound = 127, notExecutable = 126;
-            return error == ENOENT ? notFound : notExecutable;
-        }
-        runningCommand = child;
-        pthread_sigmask(SIG_SETMASK, &mask, nullptr);
-        const int status = waited(child);
-        runningCommand = 0;
-        return status;
+        const auto reply = client.receive({});
+        const auto line
+            = reply ? endMessage(*reply) : "vespractl: " + Brand::appName() + " has gone; the command goes on.";
+        std::fprintf(stderr, "%s\n", line.c_str());
     }
 
     int run(const std::vector<std::string>& command, const StartOptions& options)
     {
+        const bool ignoredBrokenPipes = process::isIgnored(SIGPIPE);
         int exitStatus = done;
         const auto client = std::make_shared<std::optional<ControlClient>>(
             connected({.verb = ControlVerb::run, .start = options}, exitStatus));
         if (!*client)
-            return exitStatus;
-        const auto started = (*client)->receive();
-        if (const auto failed = failure(started))
-            return *failed;
-        closedLidStatus(*started);
-        const auto mask = blockSignals();
+            return runFailed;
+        const auto reply = (*client)->receive();
+        if (failure(reply))
+            return runFailed;
+        closedLidStatus(*reply);
+        const auto signals = takeSignals(ignoredBrokenPipes);
+        const auto child = started(command, signals);
+        if (!child)
+            return child.error();
+        runningCommand = *child;
         // The application lets go when this connection ends, however this process ends.
-        std::thread{[client] {
-            if (const auto reply = (*client)->receive({}))
-                std::fprintf(stderr, "%s\n", endMessage(*reply).c_str());
-        }}.detach();
-        return execute(command, mask);
+        std::thread{[client] { tellOfTheEnd(**client); }}.detach();
+        pthread_sigmask(SIG_SETMASK, &signals.mask, nullptr);
+        return waited(*child);
     }
 
     int wait()
@@ -145,22 +170,43 @@ namespace {
             return failed;
         }
         std::printf("%s\n", endMessage(*reply).c_str());
-        return exitStatusOfEnd(ended.value("reason", std::string{}));
+        return controlProtocol::exitStatusOfEnd(ended.value("reason", std::string{}));
     }
 
 } // namespace
 
-void addRunCommands(CLI::App& vespractl, int& exitStatus)
+std::vector<std::string> takeCommand(int& argc, char** argv)
 {
-    const auto command = std::make_shared<std::vector<std::string>>();
+    using namespace std::string_view_literals;
+    if (argc < 2 || argv[1] != "run"sv)
+        return {};
+    char** const end = argv + argc;
+    // Its options take no values.
+    char** command = std::find_if(argv + 2, end, [](std::string_view argument) {
+        return argument == "--" || argument == "-" || !argument.starts_with('-');
+    });
+    argc = static_cast<int>(command - argv);
+    if (command != end && *command == "--"sv)
+        ++command;
+    return {command, end};
+}
+
+void addRunCommands(CLI::App& vespractl, int& exitStatus, const std::vector<std::string>& command)
+{
     const auto options = std::make_shared<StartOptions>();
     auto* running = vespractl.add_subcommand("run", "Keeps awake while a command runs: run -- COMMAND...");
     running->add_flag_callback(
         "--display", [options] { options->keepsDisplayAwake = true; }, "Keep the display on too");
     running->add_flag_callback(
         "--closed-lid", [options] { options->closedLid = true; }, "Stay awake with the lid closed");
-    running->add_option("COMMAND", *command, "The command and its arguments, after --")->required();
-    running->callback([=, &exitStatus] { exitStatus = run(*command, *options); });
+    // Never parsed, only told of.
+    running->add_option_function<std::string>(
+        "COMMAND", [](const std::string&) { }, "The command and its arguments, as they are");
+    running->callback([=, &exitStatus] {
+        if (command.empty())
+            throw CLI::RequiredError{"COMMAND"};
+        exitStatus = run(command, *options);
+    });
 
     vespractl
         .add_subcommand("wait",

@@ -1,17 +1,29 @@
 #include "Control/Protocol/SnapshotJSON.h"
 #include "Control/Session/Application.h"
+#include "HelperProtocol/Process.h"
 
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <thread>
+#include <unistd.h>
 
 namespace vespra::control {
 
 namespace {
 
-    /// False if nobody reads the output any more.
     bool print(const std::string& text) { return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0; }
+
+    bool hasReader() { return process::hasReader(STDOUT_FILENO); }
+
+    /// How a watch ends whose output cannot be written, or is not read any more: that is how one ends it.
+    int ended()
+    {
+        if (hasReader())
+            return failed;
+        std::clearerr(stdout);
+        return done;
+    }
 
     std::string statusLine(const JSON& reply) { return dumped(reply.value("status", JSON::object())) + "\n"; }
 
@@ -25,8 +37,9 @@ namespace {
 
     int printOnce(bool asJSON)
     {
-        return ask({.verb = asJSON ? ControlVerb::status : ControlVerb::describe},
-            [asJSON](const JSON& reply) { print(asJSON ? statusLine(reply) : description(reply)); });
+        return ask({.verb = asJSON ? ControlVerb::status : ControlVerb::describe}, [asJSON](const JSON& reply) {
+            std::fputs((asJSON ? statusLine(reply) : description(reply)).c_str(), stdout);
+        });
     }
 
     /// A line for every change, until the application goes.
@@ -36,13 +49,13 @@ namespace {
         auto client = connected({.verb = ControlVerb::watch}, exitStatus);
         if (!client)
             return exitStatus;
-        while (const auto reply = client->receive({})) {
+        while (const auto reply = client->receive({}, STDOUT_FILENO)) {
             if (const auto failed = failure(reply))
                 return *failed;
             if (!print(statusLine(*reply)))
-                return done;
+                return ended();
         }
-        return failure({}).value_or(done);
+        return hasReader() ? failure({}).value_or(done) : ended();
     }
 
     /// The description, anew whenever it reads otherwise: once a second while something is counted.
@@ -59,9 +72,11 @@ namespace {
             if (auto text = description(*reply); text != shown) {
                 shown = std::move(text);
                 if (!print(shown))
-                    return done;
+                    return ended();
             }
             std::this_thread::sleep_for(std::chrono::seconds{1});
+            if (!hasReader())
+                return ended();
             if (!client->send({.verb = ControlVerb::describe}))
                 return failure({}).value_or(done);
         }

@@ -4,6 +4,7 @@
 #include "Helper/linux/InstalledFiles.h"
 #include "Helper/linux/RunningHelper.h"
 #include "Helper/linux/SelfInstaller.h"
+#include "HelperProtocol/Process.h"
 #include "HelperProtocol/linux/InstallationNames.h"
 
 #include <algorithm>
@@ -147,6 +148,7 @@ std::string stateDirectory()
 
 int main(int argc, char** argv)
 {
+    process::openStandardDescriptors();
     if (argc == 1)
         return runHelper({.stateDirectory = stateDirectory(),
             .leaseTimeout = ClosedLidLease<ContinuousInstant>::defaultTimeout,
@@ -160,5 +162,7 @@ int main(int argc, char** argv)
         return verify();
     const bool asksForHelp = argc == 2 && option == "--help";
     std::fputs(usage, asksForHelp ? stdout : stderr);
+    if (!process::isOutputWritten())
+        return fail("cannot write to standard output");
     return asksForHelp ? EXIT_SUCCESS : badInput;
 }

@@ -4,6 +4,7 @@
 #include "Helper/macos/MainQueueWatchdog.h"
 #include "Helper/macos/XPCService.h"
 #include "HelperProtocol/Brand.h"
+#include "HelperProtocol/Process.h"
 
 #import <Foundation/Foundation.h>
 
@@ -74,6 +75,7 @@ int run()
 
 int main()
 {
+    process::openStandardDescriptors();
     @autoreleasepool {
         return run();
     }
