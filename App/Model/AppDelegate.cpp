@@ -103,6 +103,7 @@ void AppDelegate::handleEvents()
     model_->coordinator().onEvent = lifetime_.guard([this](const SessionEvent& event) {
         eventHandler_->handle(event);
         notify(onEvent, event);
+        model_->commands().handle(event);
     });
 }
 

@@ -25,6 +25,7 @@ AppModel::AppModel(const AppEnvironment& environment)
     , loginItem_{environment.platform.login.get()}
     , updates_{environment.platform.updater.get()}
     , forcedEndAction_{*environment.platform.time.tasks, *environment.platform.time.clock}
+    , keptSettings_{coordinator_.settings()}
     , preferences_{PreferencesStore::load(environment.defaults)}
     , playsHeatAlarm_{PreferencesStore::playsHeatAlarm(environment.defaults)}
     , showsRemainingTimeInMenuBar_{PreferencesStore::showsRemainingTimeInMenuBar(environment.defaults)}
@@ -50,10 +51,13 @@ void AppModel::setShowsRemainingTimeInMenuBar(bool shows)
     PreferencesStore::setShowsRemainingTimeInMenuBar(shows, store());
 }
 
-void AppModel::setSettings(const SessionSettings& settings)
+void AppModel::changeSettings(const std::function<void(SessionSettings&)>& change)
 {
-    coordinator_.setSettings(settings);
-    PreferencesStore::saveSettings(settings, store());
+    auto inForce = coordinator_.settings();
+    change(inForce);
+    coordinator_.setSettings(inForce);
+    change(keptSettings_);
+    PreferencesStore::saveSettings(keptSettings_, store());
 }
 
 void AppModel::start() { start(preferences()); }
@@ -117,6 +121,7 @@ void AppModel::setKeepsDisplayAwake(bool keeps)
     next.options.keepsDisplayAwake = keeps;
     setPreferences(next);
     coordinator_.setKeepsDisplayAwake(keeps);
+    commands_.userChose(&SessionOptions::keepsDisplayAwake);
 }
 
 void AppModel::setClosedLid(bool enabled)
@@ -128,6 +133,7 @@ void AppModel::setClosedLid(bool enabled)
     auto next = preferences();
     next.options.closedLid = enabled;
     setPreferences(next);
+    commands_.userChose(&SessionOptions::closedLid);
     if (enabled)
         refreshClosedLid();
 }
@@ -171,8 +177,9 @@ std::string AppModel::agentsFinishedTitle() const
 
 void AppModel::agentsFinished(SessionNotifier& notifier)
 {
-    const auto action
-        = skipsForcedActionThisSession() ? AgentEndAction::letSleep : coordinator_.settings().agents.endAction;
+    // What still runs is not to be cut off.
+    const bool isSkipped = skipsForcedActionThisSession() || commands_.isAnyRunning();
+    const auto action = isSkipped ? AgentEndAction::letSleep : coordinator_.settings().agents.endAction;
     forcedEndAction_.schedule(action, coordinator_.now());
     postAgentsFinished(notifier, action);
 }

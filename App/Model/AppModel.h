@@ -4,6 +4,7 @@
 #include "App/Agents/ForcedEndAction.h"
 #include "App/General/AppUpdates.h"
 #include "App/General/LoginItem.h"
+#include "App/Model/RunningCommands.h"
 #include "App/Model/SettingsTab.h"
 #include "App/Model/UserDefaults.h"
 #include "App/System/Platform.h"
@@ -44,6 +45,7 @@ public:
     const AgentIntegration& agentIntegration() const { return agentIntegration_; }
     ForcedEndAction& forcedEndAction() { return forcedEndAction_; }
     const ForcedEndAction& forcedEndAction() const { return forcedEndAction_; }
+    RunningCommands& commands() { return commands_; }
     LoginItem& loginItem() { return loginItem_; }
     AppUpdates& updates() { return updates_; }
     UserDefaults* store() const { return environment_.defaults; }
@@ -66,8 +68,9 @@ public:
     void setPlaysHeatAlarm(bool plays);
     bool showsRemainingTimeInMenuBar() const { return showsRemainingTimeInMenuBar_.get(); }
     void setShowsRemainingTimeInMenuBar(bool shows);
-    /// Takes effect at once, also on a running session.
-    void setSettings(const SessionSettings& settings);
+    /// Takes effect at once, also on a running session, and is kept; what else was given for this run only is not.
+    /// `change` is carried out on the settings in force and on those that are kept.
+    void changeSettings(const std::function<void(SessionSettings&)>& change);
 
     /// Starts a session from the preferences. In agent mode only with a connected agent; a refusal changes nothing.
     void start();
@@ -123,6 +126,8 @@ private:
     AppUpdates updates_;
     AgentTracker agents_;
     ForcedEndAction forcedEndAction_;
+    RunningCommands commands_{*this};
+    SessionSettings keptSettings_;
     Observed<std::shared_ptr<AgentEndCondition>> agentCondition_;
     Observed<bool> skipsForcedActionThisSession_;
     Observed<SettingsTab> settingsTab_{SettingsTab::agent};

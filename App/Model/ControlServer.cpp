@@ -2,6 +2,7 @@
 
 #include "App/Model/AppModel.h"
 #include "App/Wording/Localized.h"
+#include "App/Wording/SessionWording.h"
 #include "Control/Protocol/SnapshotJSON.h"
 #include "Core/Observation/ObservationLoop.h"
 #include "HelperProtocol/Brand.h"
@@ -30,8 +31,8 @@ struct ControlServer::Client {
     /// It gets the end of the session, from the loop.
     bool waits = false;
     std::optional<ObservationLoop> waiting;
-    /// When the session began that is there for this client, among others.
-    std::optional<Instant> runs;
+    /// The command that runs at its side, until it is dropped.
+    std::optional<RunningCommands::Command> command;
     bool isReadPosted = false;
     /// A reply that waits for how closed-lid mode stands, from the loop; no request is read until then.
     struct Owed {
@@ -43,7 +44,7 @@ struct ControlServer::Client {
     std::optional<ObservationLoop> settling;
     std::unique_ptr<ScheduledTask> settlingLimit;
 
-    bool isIdle() const { return !watches && !waits && !runs && !owed; }
+    bool isIdle() const { return !watches && !waits && !command && !owed; }
     bool isBacklogged() const { return socket.unsentBytes() > longestBacklog; }
 
     void send(const JSON& reply)
@@ -68,8 +69,11 @@ ControlServer::ControlServer(AppModel& model, MainLoop& mainLoop, TaskScheduling
 
 ControlServer::~ControlServer()
 {
+    const auto clients = std::exchange(clients_, {});
+    for (const auto& client : clients)
+        release(*client);
     const auto ended = service_.ended();
-    for (const auto& client : std::exchange(clients_, {})) {
+    for (const auto& client : clients) {
         if (client->owed)
             client->socket.send(dumped(client->owed->reply) + "\n");
         client->owed.reset();
@@ -119,10 +123,13 @@ void ControlServer::forget(Client& client)
     gone->socket.onReceived = gone->socket.onSent = gone->socket.onClosed = nullptr;
     // Later: this may run inside one of its callbacks.
     mainLoop_.post([gone] { });
-    const bool wasLastRunner = gone->runs && gone->runs == runSessionStart_
-        && std::ranges::none_of(clients_, [this](const auto& each) { return each->runs == runSessionStart_; });
-    if (wasLastRunner && isRunSession())
-        model_.coordinator().stop(end::StoppedByUser{});
+    release(*gone);
+}
+
+void ControlServer::release(Client& client)
+{
+    if (const auto command = std::exchange(client.command, {}))
+        model_.commands().end(*command);
 }
 
 void ControlServer::readLater(Client& client)
@@ -242,24 +249,22 @@ void ControlServer::wait(Client& client)
     });
 }
 
-bool ControlServer::isRunSession() const
-{
-    const auto* session = model_.coordinator().state().activeSession();
-    return session && session->startedAt == runSessionStart_;
-}
-
 void ControlServer::run(Client& client, const ControlRequest& request)
 {
-    // Whoever comes while such a session runs shares it.
-    const auto reply = isRunSession() ? service_.reply({.verb = ControlVerb::describe}) : service_.reply(request);
-    if (reply.contains("error"))
-        return client.send(reply);
-    // First: the client may have gone, which shows when something is sent, and the session is to go with it.
-    runSessionStart_ = model_.coordinator().state().activeSession()->startedAt;
-    client.runs = runSessionStart_;
-    client.waits = true;
-    answer(client, request, reply);
-    wait(client);
+    const RunningCommands::Wishes wishes{
+        .keepsDisplayAwake = request.start.keepsDisplayAwake, .closedLid = request.start.closedLid};
+    const auto begun = model_.commands().begin(wishes, [this, &client] {
+        client.command.reset();
+        if (const auto ended = service_.ended())
+            client.send(*ended);
+    });
+    if (!begun)
+        return client.send(ControlService::error(controlProtocol::refused, message(begun.error())));
+    // One that this connection has asked for before.
+    release(client);
+    // First: the client may have gone, which shows when something is sent, and the command is to go with it.
+    client.command = *begun;
+    answer(client, request, service_.done());
 }
 
 } // namespace vespra

@@ -51,7 +51,7 @@ private:
     void watch(Client& client);
     void wait(Client& client);
     void run(Client& client, const ControlRequest& request);
-    bool isRunSession() const;
+    void release(Client& client);
     void forget(Client& client);
 
     AppModel& model_;
@@ -62,8 +62,6 @@ private:
     ControlService service_;
     LocalSocketServer server_;
     std::vector<std::shared_ptr<Client>> clients_;
-    /// When the session began that runs for the sake of some clients; absent: none did.
-    std::optional<Instant> runSessionStart_;
 };
 
 } // namespace vespra

@@ -92,11 +92,6 @@ JSON ControlService::reply(const ControlRequest& request)
         return describe();
     case ControlVerb::start:
         return start(request.start.applied(model_.preferences()));
-    case ControlVerb::run: {
-        auto unlimited = request.start;
-        unlimited.mode = SessionMode::unlimited;
-        return start(unlimited.applied(model_.preferences()));
-    }
     case ControlVerb::stop:
         model_.coordinator().stop(end::StoppedByUser{});
         return done();
@@ -128,6 +123,7 @@ JSON ControlService::reply(const ControlRequest& request)
         notify(model_.showPanel);
         return done();
     case ControlVerb::status:
+    case ControlVerb::run:
     case ControlVerb::watch:
     case ControlVerb::wait:
         break;
@@ -302,7 +298,8 @@ JSON ControlService::set(const std::string& key, const std::string& value)
     const auto changed = settingTexts::changed(model_.coordinator().settings(), key, value);
     if (!changed)
         return error(controlProtocol::badRequest, changed.error());
-    model_.setSettings(*changed);
+    model_.changeSettings(
+        [&](SessionSettings& settings) { settings = settingTexts::changed(settings, key, value).value_or(settings); });
     return kept();
 }
 

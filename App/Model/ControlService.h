@@ -16,7 +16,7 @@ public:
     {
     }
 
-    /// The reply to any request but `watch` and `wait`: {"status":{...}}, {"lines":[...]}, {"settings":{...}},
+    /// The reply to any request but `run`, `watch` and `wait`: {"status":{...}}, {"lines":[...]}, {"settings":{...}},
     /// {"done":{"isActive":true,"message":"Awake until 18:30."}}, or the error of a refusal; then nothing has changed.
     /// What cannot be stored is an error too, but it counts.
     JSON reply(const ControlRequest& request);
@@ -37,6 +37,7 @@ public:
     std::optional<JSON> ended() const;
 
     static JSON error(std::string_view kind, const std::string& message);
+    JSON done(const std::string& message = {}) const;
 
 private:
     JSON start(const SessionPreferences& preferences);
@@ -47,7 +48,6 @@ private:
     JSON settings() const;
     JSON set(const std::string& key, const std::string& value);
     JSON describe() const;
-    JSON done(const std::string& message = {}) const;
     /// The same after something was to be kept, or that it is not.
     JSON kept() const;
     /// Why the session that was just asked for does not run.

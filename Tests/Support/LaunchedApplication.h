@@ -38,12 +38,7 @@ protected:
     }
 
     /// Changes the settings as `change` does.
-    void setSettings(auto change)
-    {
-        auto settings = coordinator().settings();
-        change(settings);
-        model().setSettings(settings);
-    }
+    void setSettings(auto change) { model().changeSettings(change); }
     void prefer(SessionMode mode, SessionOptions options = {})
     {
         auto preferences = model().preferences();

@@ -115,6 +115,114 @@ TEST_F(AppModelTest, KeepsEveryChoiceAtOnce)
     EXPECT_TRUE(next.showsRemainingTimeInMenuBar());
 }
 
+TEST_F(AppModelTest, WhatChangesASettingKeepsNothingThatWasForThisRunOnly)
+{
+    setSettings([](auto& settings) { settings.agentSafetyCap = 3h; });
+    auto forThisRun = coordinator().settings();
+    forThisRun.energy.requiresACPower = false;
+    forThisRun.agents.graceDelay = 1min;
+    coordinator().setSettings(forThisRun);
+    setSettings([](auto& settings) { settings.agents.endAction = AgentEndAction::sleepNow; });
+    EXPECT_EQ(coordinator().settings().agents.graceDelay, 1min);
+    EXPECT_EQ(PreferencesStore::loadSettings(&defaults),
+        (SessionSettings{.agentSafetyCap = 3h, .agents = {.endAction = AgentEndAction::sleepNow}}));
+    setSettings([](auto& settings) { settings.agents.graceDelay = 1min; });
+    EXPECT_EQ(PreferencesStore::loadSettings(&defaults).agents.graceDelay, 1min) << "named, though it was so already";
+}
+
+TEST_F(AppModelTest, KeepsAwakeForACommandUntilItHasEndedOrAnEndThatCountsForAll)
+{
+    // What comes before: a session of the user's, or none; then the command begins, and something ends the session.
+    struct Row {
+        const char* what;
+        std::optional<SessionMode> users;
+        std::function<void()> thenEnd;
+        bool goesOn;
+    };
+    setSettings([](auto& settings) { settings.agents = {.graceDelay = 0s, .endAction = AgentEndAction::sleepNow}; });
+    const auto agentsFinish = [this] {
+        agent(AgentSignal::working);
+        agent(AgentSignal::finished);
+    };
+    connectClaude();
+    for (const auto& [what, users, thenEnd, goesOn] : std::vector<Row>{
+             {"time", SessionMode::timer, [this] { laptop.advance(1h); }, true},
+             {"agents", SessionMode::agent, agentsFinish, true},
+             {"the cap of an agent session", SessionMode::agent, [this] { laptop.advance(12h); }, false},
+             {"the user", SessionMode::timer, [this] { model().toggleSession(); }, false},
+             {"a guardrail", SessionMode::timer, [this] { laptop.set({{"charger", "off"}}); }, false},
+             {"the system's sleep", SessionMode::timer, [this] { laptop.platform.sleep->onWillSleep(); }, false},
+             {"a guardrail, of its own", {}, [this] { laptop.set({{"charger", "off"}}); }, false},
+             {"the user, of its own", {}, [this] { model().toggleSession(); }, false},
+         }) {
+        SCOPED_TRACE(what);
+        laptop.set({{"charger", "on"}});
+        if (users) {
+            prefer(*users);
+            model().start();
+        }
+        int dropped = 0;
+        const auto command = model().commands().begin({}, [&] { ++dropped; });
+        ASSERT_TRUE(command);
+        thenEnd();
+        EXPECT_EQ(isActive(), goesOn);
+        EXPECT_EQ(laptop.held(), goesOn ? "activity PreventUserIdleSystemSleep" : "");
+        EXPECT_EQ(dropped, goesOn ? 0 : 1);
+        EXPECT_TRUE(!goesOn || laptop.shown().empty()) << "that the computer can go to sleep again does not hold";
+        EXPECT_FALSE(model().forcedEndAction().pending());
+        laptop.set({{"charger", "on"}});
+        laptop.advance(24h);
+        EXPECT_EQ(isActive(), goesOn) << "no new session";
+        model().commands().end(*command);
+        EXPECT_FALSE(isActive());
+        model().start();
+        model().commands().end(*command);
+        EXPECT_TRUE(isActive()) << "one that has ended has no part in the next session";
+        model().toggleSession();
+    }
+}
+
+TEST_F(AppModelTest, CommandsShareASessionAndItsOptionsGoWithTheLastThatAskedForThem)
+{
+    auto& commands = model().commands();
+    const auto begin = [&](RunningCommands::Wishes wishes) { return *commands.begin(wishes, {}); };
+    const RunningCommands::Wishes display{.keepsDisplayAwake = true, .closedLid = {}};
+    for (const bool isUsers : {false, true}) {
+        SCOPED_TRACE(isUsers);
+        if (isUsers)
+            model().start();
+        const auto plain = begin({}), first = begin(display), second = begin(display);
+        EXPECT_TRUE(model().keepsDisplayAwake());
+        commands.end(first);
+        EXPECT_TRUE(model().keepsDisplayAwake());
+        if (isUsers)
+            laptop.advance(1h);
+        EXPECT_TRUE(model().keepsDisplayAwake()) << "also in the session that follows";
+        commands.end(second);
+        EXPECT_FALSE(model().keepsDisplayAwake());
+        const auto third = begin(display);
+        model().setKeepsDisplayAwake(true);
+        commands.end(third);
+        EXPECT_TRUE(model().keepsDisplayAwake()) << "the user's choice now";
+        model().setKeepsDisplayAwake(false);
+        EXPECT_TRUE(isActive());
+        commands.end(plain);
+        EXPECT_FALSE(isActive());
+    }
+    laptop.set({{"helper", "ready"}, {"thermal", "serious"}});
+    const RunningCommands::Wishes lid{.keepsDisplayAwake = true, .closedLid = true};
+    EXPECT_EQ(commands.begin(lid, {}).error(), StartRefusal{refusal::TooHot{}});
+    model().start();
+    EXPECT_EQ(commands.begin(lid, {}).error(), StartRefusal{refusal::TooHot{}});
+    EXPECT_FALSE(model().keepsDisplayAwake() || model().isClosedLidOn() || commands.isAnyRunning());
+    laptop.set({{"thermal", "nominal"}});
+    const auto command = begin(lid);
+    EXPECT_TRUE(model().isClosedLidOn());
+    commands.end(command);
+    EXPECT_FALSE(model().isClosedLidOn());
+    EXPECT_TRUE(isActive()) << "the user's";
+}
+
 TEST_F(AppModelTest, ShowsTheEndByAGuardrailUntilItIsDismissed)
 {
     const auto endByCharger = [this] {
