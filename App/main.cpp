@@ -8,6 +8,7 @@
 #include "Control/Protocol/ControlRequest.h"
 #include "HelperProtocol/AutoreleasePool.h"
 #include "HelperProtocol/Brand.h"
+#include "HelperProtocol/Process.h"
 #include "HelperProtocol/PropertyList.h"
 
 #include <QCoreApplication>
@@ -16,6 +17,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace {
 
@@ -43,9 +45,14 @@ int runHeadless(QCoreApplication& application, const HeadlessOptions& options)
                                      platform->time.mainLoop->post(
                                          [exitStatus] { QCoreApplication::exit(exitStatus); });
                                  }};
-    const TerminationSignals termination{[&] { headless.terminate(); }};
+    bool isInterrupted = false;
+    const TerminationSignals termination{[&](int signal) {
+        isInterrupted = signal == SIGINT;
+        headless.terminate();
+    }};
     headless.start();
-    return application.exec();
+    const int exitStatus = application.exec();
+    return isInterrupted ? ExitStatus::interrupted : exitStatus;
 }
 
 /// A second start shows the first one. It does nothing else, so what else it was asked for is refused.
@@ -64,6 +71,7 @@ int handOver(const HeadlessOptions& options)
     return ExitStatus::failed;
 }
 
+/// Runs until the end that the arguments ask for and returns the exit status.
 int run(int argc, char** argv)
 {
     const auto parsed = parsedCommandLine(argc, argv);
@@ -90,5 +98,14 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    return inAutoreleasePool([&] { return run(argc, argv); });
+    process::openStandardDescriptors();
+    const int exitStatus = inAutoreleasePool([&] { return run(argc, argv); });
+    const bool isWritten = process::isOutputWritten();
+    if (exitStatus == ExitStatus::interrupted)
+        process::endBySignal(SIGINT);
+    // Who stops reading what a session prints wants no more of it.
+    if (isWritten || !process::hasReader(STDOUT_FILENO))
+        return exitStatus;
+    std::fprintf(stderr, "vespra: cannot write all of it to standard output\n");
+    return exitStatus == ExitStatus::done ? ExitStatus::failed : exitStatus;
 }

@@ -7,6 +7,7 @@
 #include "App/Wording/Localized.h"
 #include "App/Wording/SessionReport.h"
 #include "App/Wording/SessionWording.h"
+#include "Control/Protocol/EndStatus.h"
 
 #include <cmath>
 
@@ -132,19 +133,28 @@ void HeadlessApplication::follow(const SessionEvent& event)
 {
     // What was to follow the session before may not end this one.
     if (std::holds_alternative<event::Started>(event))
-        delayedFinish_.reset();
+        goOn();
     const auto* ended = std::get_if<event::Ended>(&event);
     if (ended)
         output_.showLive({});
     output_.printLine(reportLine(event));
     if (!ended || isFinished_)
         return;
+    const auto& reason = ended->end.reason;
+    exitStatus_ = traits(reason).isGuardrail ? controlProtocol::exitStatusOfEnd(caseName(reason)) : ExitStatus::done;
     if (const auto& pending = model().forcedEndAction().pending())
         output_.printLine(notificationBody(pending->action));
-    else if (std::holds_alternative<end::Overheating>(ended->end.reason))
+    else if (std::holds_alternative<end::Overheating>(reason))
         finishAfter(SessionEventHandler::overheatingRestoreDelay);
     else
         finishAfter(0s);
+}
+
+/// One session has followed another, whose end is no longer the application's.
+void HeadlessApplication::goOn()
+{
+    delayedFinish_.reset();
+    exitStatus_ = ExitStatus::done;
 }
 
 void HeadlessApplication::finishAfter(Seconds delay)

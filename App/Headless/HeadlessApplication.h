@@ -35,6 +35,7 @@ private:
     void followClosedLid();
     void startSession();
     void startOnceReady();
+    void goOn();
     void finishAfter(Seconds delay);
     void finish();
     void drawLive();

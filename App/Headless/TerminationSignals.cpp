@@ -1,5 +1,8 @@
 #include "App/Headless/TerminationSignals.h"
 
+#include "HelperProtocol/Process.h"
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -11,14 +14,16 @@ namespace vespra {
 namespace {
 
     constexpr std::array handled{SIGINT, SIGTERM, SIGHUP};
+    static_assert(std::ranges::all_of(handled, [](int signal) { return signal < 128; }), "each is sent as a byte");
     /// Both ends of the pipe that carries a signal out of its handler; -1 while there is none.
     std::array<int, 2> signalPipe{-1, -1};
 
-    void handle(int)
+    void handle(int signal)
     {
         const int before = errno;
+        const char byte = static_cast<char>(signal);
         // Nothing can be done in a handler if the pipe is full, and nothing has to: a byte is waiting already.
-        [[maybe_unused]] const auto written = write(signalPipe[1], "s", 1);
+        [[maybe_unused]] const auto written = write(signalPipe[1], &byte, 1);
         errno = before;
     }
 
@@ -29,19 +34,25 @@ namespace {
         action.sa_flags = SA_RESTART;
         sigemptyset(&action.sa_mask);
         for (const int signal : handled)
-            sigaction(signal, &action, nullptr);
+            if (!process::isIgnored(signal))
+                sigaction(signal, &action, nullptr);
     }
 
-    void drain(int descriptor)
+    /// Takes all signals that wait, and returns the first; 0 if there is none.
+    int takeFirst(int descriptor)
     {
-        char bytes[16];
-        while (read(descriptor, bytes, sizeof bytes) > 0) {
+        char first = 0;
+        if (read(descriptor, &first, 1) != 1)
+            return 0;
+        char others[16];
+        while (read(descriptor, others, sizeof others) > 0) {
         }
+        return first;
     }
 
 } // namespace
 
-TerminationSignals::TerminationSignals(std::function<void()> onSignal)
+TerminationSignals::TerminationSignals(std::function<void(int)> onSignal)
 {
     if (pipe(signalPipe.data()) != 0)
         return;
@@ -51,8 +62,8 @@ TerminationSignals::TerminationSignals(std::function<void()> onSignal)
     }
     notifier_ = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [onSignal = std::move(onSignal)] {
-        drain(signalPipe[0]);
-        onSignal();
+        if (const int signal = takeFirst(signalPipe[0]); signal != 0)
+            onSignal(signal);
     });
     setHandler(handle);
 }

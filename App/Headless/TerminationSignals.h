@@ -6,11 +6,12 @@
 
 namespace vespra {
 
-/// Brings SIGINT, SIGTERM and SIGHUP to the main loop. One at a time in a process.
+/// Brings SIGINT, SIGTERM and SIGHUP to the main loop, except for those that were ignored when the program started, as
+/// SIGHUP is after nohup. One at a time in a process.
 class TerminationSignals {
 public:
-    /// `onSignal` runs on the main thread, once for all signals that came together.
-    explicit TerminationSignals(std::function<void()> onSignal);
+    /// `onSignal` runs on the main thread, once for all signals that came together, with the first of them.
+    explicit TerminationSignals(std::function<void(int signal)> onSignal);
     /// The signals end the process again.
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
