@@ -27,8 +27,12 @@ bool hasReader(int descriptor)
 
 bool isOutputWritten()
 {
-    errno = 0;
-    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    // A stream that has failed is emptied, and does not fail again for the same reason.
+    static int reason = 0;
+    if (std::fflush(stdout) != 0)
+        reason = errno;
+    errno = reason;
+    return std::ferror(stdout) == 0;
 }
 
 bool isIgnored(int signal)

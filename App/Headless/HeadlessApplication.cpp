@@ -132,8 +132,10 @@ void HeadlessApplication::startSession()
 void HeadlessApplication::follow(const SessionEvent& event)
 {
     // What was to follow the session before may not end this one.
-    if (std::holds_alternative<event::Started>(event))
-        goOn();
+    if (std::holds_alternative<event::Started>(event)) {
+        delayedFinish_.reset();
+        exitStatus_ = ExitStatus::done;
+    }
     const auto* ended = std::get_if<event::Ended>(&event);
     if (ended)
         output_.showLive({});
@@ -148,13 +150,6 @@ void HeadlessApplication::follow(const SessionEvent& event)
         finishAfter(SessionEventHandler::overheatingRestoreDelay);
     else
         finishAfter(0s);
-}
-
-/// One session has followed another, whose end is no longer the application's.
-void HeadlessApplication::goOn()
-{
-    delayedFinish_.reset();
-    exitStatus_ = ExitStatus::done;
 }
 
 void HeadlessApplication::finishAfter(Seconds delay)

@@ -35,7 +35,6 @@ private:
     void followClosedLid();
     void startSession();
     void startOnceReady();
-    void goOn();
     void finishAfter(Seconds delay);
     void finish();
     void drawLive();

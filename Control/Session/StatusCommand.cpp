@@ -12,7 +12,7 @@ namespace vespra::control {
 
 namespace {
 
-    bool print(const std::string& text) { return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0; }
+    bool print(const std::string& text) { return std::fputs(text.c_str(), stdout) >= 0 && process::isOutputWritten(); }
 
     bool hasReader() { return process::hasReader(STDOUT_FILENO); }
 

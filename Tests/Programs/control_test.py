@@ -4,10 +4,11 @@ import json
 import os
 import resource
 import signal
+import subprocess
 import sys
 import unittest
 
-from application import HELD_BY_A_SESSION, ON_BATTERY, SLOW, ApplicationTest
+from application import BIN, HELD_BY_A_SESSION, ON_BATTERY, SLOW, ApplicationTest
 
 KEYS = ["state", "mode", "endsAt", "remaining", "elapsed", "lastEnd", "deadline", "canExtend", "requirements",
         "guardrails", "closedLidStatus", "checklist", "phase", "agents", "lastFinished", "settings", "preferences",
@@ -31,7 +32,8 @@ class Verbs(ApplicationTest):
         self.expect(*((verb, 4, "", "Vespra is not running.\n") for verb in (
             "status", "status --json", "status --watch", "status --watch --json", "start", "start timer 45m", "stop",
             "toggle", "extend", "keep-awake", "cancel", "display on", "closed-lid off", "closed-lid set-up", "settings get",
-            "settings get agents.graceDelay", "settings set agents.graceDelay 2m", "wait", "run -- touch nothing")))
+            "settings get agents.graceDelay", "settings set agents.graceDelay 2m", "wait")))
+        self.expect(("run touch nothing", 125, "", "Vespra is not running.\n"))
         self.assertFalse(os.path.exists("nothing"))
         self.expect(("machine get", 4, "", "machine: no simulated laptop is running .*\n"),
                     ("machine set battery=5", 4, "", "machine: no simulated laptop is running .*\n"))
@@ -44,7 +46,7 @@ class Verbs(ApplicationTest):
             "start timer 59s": "timer: expected a length from 1m to 24h", "start timer 5m unlimited": "unlimited",
             "start until 24:00": "until: expected a time of day", "start --lid": "--lid",
             "display": "STATE is required", "display maybe": "maybe", "closed-lid 1": "1",
-            "run": "COMMAND is required", "settings": "A subcommand is required",
+            "settings": "A subcommand is required",
             "settings get agents.grace": 'expected one of these keys, not "agents.grace":',
             "settings set agents.grace 1m": 'expected one of energy.requiresACPower, ',
             "settings set agents.graceDelay": "VALUE is required",
@@ -92,7 +94,7 @@ class Verbs(ApplicationTest):
         self.done("machine", "set", "charger=off", "battery=15")
         self.expect(("start unlimited", 1, "", "Plug in the charger to start.\n"),
                     ("toggle", 1, "", "Plug in the charger to start.\n"),
-                    ("run -- touch started", 1, "", "Plug in the charger to start.\n"),
+                    ("run touch started", 125, "", "Plug in the charger to start.\n"),
                     ("settings set energy.requiresACPower off", 0, "", ""),
                     ("start unlimited", 1, "", "Battery at 15%, too low to start.\n"),
                     ("machine set helper=ready battery=90", 0, "", ""))
@@ -230,6 +232,37 @@ class Status(ApplicationTest):
         gone = "Vespra has gone without an answer.\n"
         self.assertEqual((watching.communicate(timeout=SLOW), watching.returncode), (("", gone), 4))
         self.assertEqual((reading.communicate(timeout=SLOW)[1], reading.returncode), (gone, 4))
+
+
+    def test_a_watch_ends_when_nobody_reads_it(self):
+        self.launch()
+        for options in ((), ("--json",)):
+            watching = self.ctl_later("status", "--watch", *options)
+            watching.stdout.readline()
+            watching.stdout.close()
+            self.assertEqual((watching.wait(SLOW), watching.stderr.read()), (0, ""))
+
+
+class Output(ApplicationTest):
+    def test_what_cannot_be_written_fails_every_verb(self):
+        self.launch()
+        for command in ("status", "status --json", "status --watch", "status --watch --json", "start timer 5m", "extend",
+                        "settings get", "settings get --json", "settings get agents.graceDelay", "machine get",
+                        "machine get --json", "hooks status", "hooks preview claude", "doctor", "--help"):
+            with self.subTest(command=command), open("/dev/full", "w") as full:
+                process = self.spawn(BIN / "vespractl", *command.split(), stdout=full, stderr=subprocess.PIPE)
+                self.assertEqual((process.wait(SLOW), process.stderr.read()), (
+                    1, "vespractl: cannot write to standard output: No space left on device\n"))
+
+    def test_no_file_takes_the_place_of_a_closed_descriptor(self):
+        for program in (("vespra", "--headless", "--platform", "simulated", "--unlimited"), ("vespractl", "status")):
+            process = self.spawn("sh", "-c", 'exec "$0" "$@" <&- >&- 2>&-', BIN / program[0], *program[1:])
+            self.wait_for(lambda: process.poll() is not None or self.ctl("status").returncode == 0)
+            for number in range(3):
+                if process.poll() is None:
+                    self.assertEqual(os.readlink(f"/proc/{process.pid}/fd/{number}"), "/dev/null")
+        self.assertEqual(process.wait(SLOW), 0)
+        self.assertEqual(self.status()["state"], "active")
 
 
 class Settings(ApplicationTest):

@@ -10,27 +10,30 @@ from application import BIN, SLOW, ApplicationTest
 
 
 class Run(ApplicationTest):
-    def test_the_commands_status_is_passed_on(self):
+    def test_the_command_is_started_as_it_stands_and_its_end_passed_on(self):
         self.launch()
-        (self.home / "text").write_text("no program")
-        for command, status in (
-            (["true"], 0), (["sh", "-c", "exit 7"], 7), (["sh", "-c", "kill -TERM $$"], 128 + signal.SIGTERM),
-            (["sh", "-c", "kill -KILL $$"], 128 + signal.SIGKILL), (["/none"], 127), ([str(self.home / "text")], 126),
-            (["echo", "--display", "-x"], 0),
+        text, script = self.home / "text", self.home / "script"
+        text.write_text("no program")
+        script.write_text("echo $1; exit 5\n")
+        script.chmod(0o700)
+        for arguments, status, output in (
+            (("true",), 0, ""), (("--", "sh", "-c", "exit 7"), 7, ""),
+            (("sh", "-c", "kill -TERM $$"), -signal.SIGTERM, ""), (("sh", "-c", "kill -KILL $$"), -signal.SIGKILL, ""),
+            (("/none",), 127, ""), (("--", "--"), 127, ""), (("",), 127, ""), ((text,), 126, ""),
+            ((script, "word"), 5, "word\n"),
+            (("--display", "printf", "%s|", "[1,2,3]", "[]", "", "--display", "--", "-x"), 0,
+             "[1,2,3]|[]||--display|--|-x|"),
+            ((), 125, ""), (("--none", "echo"), 125, ""),
         ):
-            with self.subTest(command=command):
-                result = self.ctl("run", "--", *command)
-                self.assertEqual(result.returncode, status, result.stderr)
+            with self.subTest(arguments=arguments):
+                result = self.ctl("run", *arguments)
+                self.assertEqual((result.returncode, result.stdout), (status, output), result.stderr)
                 self.wait_for(lambda: self.status()["state"] == "idle")
-        self.assertEqual(result.stdout, "--display -x\n")
-        self.done("start", "timer", "5m")
-        self.assertEqual(self.ctl("run", "--", "touch", self.home / "ran").returncode, 1)
-        self.assertFalse((self.home / "ran").exists())
 
-    def running(self, *options, script="echo up; exec sleep 60", prefix=()):
+    def running(self, *options, script="echo up; exec sleep 60", prefix=(), **more):
         """A run whose command has started."""
-        process = self.spawn(*prefix, BIN / "vespractl", "run", *options, "--", "sh", "-c", script,
-                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
+        process = self.spawn(*prefix, BIN / "vespractl", "run", *options, "sh", "-c", script, stdout=subprocess.PIPE,
+                             stderr=subprocess.PIPE, start_new_session=True, **more)
         self.addCleanup(lambda: self.kill_group(process))
         self.assertEqual(process.stdout.readline(), "up\n")
         return process
@@ -44,15 +47,22 @@ class Run(ApplicationTest):
 
     def test_runs_share_a_session_that_ends_with_the_last_of_them_also_when_it_is_killed(self):
         self.launch()
-        first, second = self.running("--display"), self.running()
+        first, second = self.running(), self.running("--display")
         status = self.status()
         self.assertEqual((status["mode"], status["requirements"]["preventsDisplaySleep"]), ("unlimited", True))
-        first.kill()
-        first.wait(SLOW)
-        self.assertEqual(self.status()["state"], "active")
         second.kill()
+        self.wait_for(lambda: not self.status()["requirements"]["preventsDisplaySleep"])
+        self.assertEqual(self.status()["state"], "active")
+        first.kill()
         self.wait_for(lambda: self.status()["state"] == "idle")
         self.assertEqual(self.machine()["held"], [])
+
+    def test_the_command_goes_on_when_the_application_has_gone(self):
+        application = self.launch()
+        run = self.running(script="echo up; read line; exit 3", stdin=subprocess.PIPE)
+        self.quit(application, signal.SIGKILL)
+        self.assertEqual(run.stderr.readline(), "vespractl: Vespra has gone; the command goes on.\n")
+        self.assertEqual((run.communicate("\n", timeout=SLOW), run.returncode), (("", ""), 3))
 
     def test_a_run_that_is_gone_before_it_is_answered_leaves_no_session(self):
         self.launch()
@@ -73,14 +83,6 @@ class Run(ApplicationTest):
         run.terminate()
         self.assertEqual((run.wait(SLOW), run.stdout.read()), (3, "told\n"))
         self.assertEqual(self.status()["mode"], "timer")
-
-    def test_a_command_that_outlived_its_session_has_no_part_in_the_next_one(self):
-        self.launch()
-        self.running()
-        self.done("stop")
-        second = self.running()
-        second.kill()
-        self.wait_for(lambda: self.status()["state"] == "idle")
 
     def test_a_signal_that_was_ignored_before_stays_ignored(self):
         self.launch()

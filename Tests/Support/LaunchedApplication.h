@@ -13,7 +13,7 @@ namespace vespra {
 /// The whole application on a virtual laptop, with a home directory of its own.
 class LaunchedApplication : public testing::Test {
 protected:
-    void launch(AppSurfaces* surfaces = nullptr)
+    void make(AppSurfaces* surfaces = nullptr)
     {
         delegate.emplace(
             AppEnvironment{
@@ -23,6 +23,10 @@ protected:
                 .supportDirectory = home / "support",
             },
             surfaces);
+    }
+    void launch(AppSurfaces* surfaces = nullptr)
+    {
+        make(surfaces);
         delegate->onEvent = [this](const SessionEvent& event) { events.emplace_back(caseName(event)); };
         delegate->didFinishLaunching();
         laptop.settle();

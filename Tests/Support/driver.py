@@ -19,8 +19,8 @@ class DriverTest(unittest.TestCase):
 
     def spawn(self, *command, **more):
         """A program that is killed at the end of the test, if it still runs."""
-        process = subprocess.Popen([*self.prefix, *command], env=self.environment, stdin=subprocess.DEVNULL, text=True,
-                                   **more)
+        more.setdefault("stdin", subprocess.DEVNULL)
+        process = subprocess.Popen([*self.prefix, *command], env=self.environment, text=True, **more)
         self.addCleanup(lambda: (process.kill(), process.communicate()))
         return process
 
