@@ -5,6 +5,7 @@
 #include "App/Model/UserDefaults.h"
 #include "App/Wording/Localized.h"
 #include "App/Wording/Translations.h"
+#include "Control/Arguments/CommandLine.h"
 #include "Control/Protocol/ControlRequest.h"
 #include "HelperProtocol/AutoreleasePool.h"
 #include "HelperProtocol/Brand.h"
@@ -15,7 +16,6 @@
 #include <QDir>
 
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -27,11 +27,11 @@ int runHeadless(QCoreApplication& application, const HeadlessOptions& options)
 {
     auto platform = makePlatform(options.platform);
     if (!platform) {
-        std::fprintf(stderr, "--platform: %s\n", platform.error().c_str());
+        commandLine::complain(programName, "--platform: " + platform.error());
         return ExitStatus::badArguments;
     }
     if (!platform->notice.empty())
-        std::fprintf(stderr, "%s\n", platform->notice.c_str());
+        commandLine::complain(programName, platform->notice);
 
     const auto defaults = makeUserDefaults();
     AppDelegate delegate{{.platform = *platform,
@@ -61,13 +61,13 @@ int handOver(const HeadlessOptions& options)
     if (!options.isPlain()) {
         const auto text
             = localized("%1 is already running. \"vespractl start\" starts a session in it.", {Brand::appName()});
-        std::fprintf(stderr, "%s\n", text.c_str());
+        commandLine::complain(programName, text);
         return ExitStatus::failed;
     }
     if (showRunningApplication(controlProtocol::defaultPath()))
         return ExitStatus::done;
     const auto text = localized("%1 is already running, but does not answer.", {Brand::appName()});
-    std::fprintf(stderr, "%s\n", text.c_str());
+    commandLine::complain(programName, text);
     return ExitStatus::failed;
 }
 
@@ -87,7 +87,7 @@ int run(int argc, char** argv)
     QCoreApplication application{plainArgumentCount, argv};
     QCoreApplication::setApplicationName(QString::fromStdString(Brand::appName()));
     if (const auto installed = installTranslation(application); !installed)
-        std::fprintf(stderr, "%s\n", installed.error().c_str());
+        commandLine::complain(programName, installed.error());
     const SingleInstance instance{SingleInstance::defaultPath()};
     if (instance.claim() == SingleInstance::Claim::taken)
         return handOver(options);

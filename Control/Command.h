@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "Control/Arguments/CommandLine.h"
 
 #include <string>
 #include <vector>
@@ -17,6 +17,15 @@ enum ExitStatus { done = 0, failed = 1, badInput = 2, notRunning = 4, noClosedLi
 inline constexpr int runFailed = 125;
 /// Cuts the command of `run` off the arguments: all that follows its options, as it stands. Empty for other verbs.
 std::vector<std::string> takeCommand(int& argc, char** argv);
+
+inline constexpr const char* programName = "vespractl";
+
+/// Complains with `message`, and returns `status`.
+inline int say(int status, const std::string& message)
+{
+    commandLine::complain(programName, message);
+    return status;
+}
 
 void addDoctorCommand(CLI::App& vespractl, int& exitStatus);
 void addMachineCommand(CLI::App& vespractl, int& exitStatus);

@@ -43,8 +43,6 @@ namespace {
         }
     };
 
-    void complain(const std::string& text) { std::fprintf(stderr, "vespractl: %s\n", text.c_str()); }
-
     /// Whether the home directory is this user's. In another's even root changes nothing: what it makes there would not
     /// be that user's to read, to change or to remove.
     bool isAllowed(const HooksArguments& arguments, const std::string& verb)
@@ -56,7 +54,8 @@ namespace {
         const auto* owner = getpwuid(status.st_uid);
         const auto user = owner ? std::string{owner->pw_name} : "'#" + std::to_string(status.st_uid) + "'";
         const auto agent = arguments.agent.empty() ? "" : " " + arguments.agent;
-        complain("hooks: " + home.string() + " belongs to another user. Run it as that user:\n  sudo -u " + user
+        say(failed,
+            "hooks: " + home.string() + " belongs to another user. Run it as that user:\n  sudo -u " + user
             + " vespractl hooks " + verb + agent + " --home '" + home.string() + "'");
         return false;
     }
@@ -101,8 +100,7 @@ namespace {
     {
         if (!result) {
             const std::string title{hookTexts::failureTitle}, message{systemText(hookTexts::message(result.error()))};
-            complain(title + "\n" + message);
-            return failed;
+            return say(failed, title + "\n" + message);
         }
         const auto integration = arguments.integration();
         const auto kind = arguments.kind();
@@ -116,9 +114,10 @@ namespace {
         if (installation == AgentIntegration::CommandInstallation::inPlace)
             return;
         const bool isMissing = installation == AgentIntegration::CommandInstallation::notFound;
-        complain("hooks: " + Brand::agentCLIName()
-            + (isMissing ? " is not installed with vespractl" : " could not be copied to the support folder")
-            + "; until it is, the hooks have nothing to run");
+        say(failed,
+            "hooks: " + Brand::agentCLIName()
+                + (isMissing ? " is not installed with vespractl" : " could not be copied to the support folder")
+                + "; until it is, the hooks have nothing to run");
     }
 
     int connect(const HooksArguments& arguments)
@@ -148,7 +147,8 @@ void addHooksCommand(CLI::App& vespractl, int& exitStatus)
     hooks->require_subcommand(1);
     hooks->fallthrough();
     hooks->add_option("--home", arguments->home, "Another home directory; it must be this user's own")
-        ->check(CLI::ExistingDirectory);
+        ->check(CLI::ExistingDirectory.description(""))
+        ->type_name("DIRECTORY");
 
     const auto add = [&](const char* name, const char* description, auto run) {
         auto* command = hooks->add_subcommand(name, description);

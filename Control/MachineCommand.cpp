@@ -35,26 +35,25 @@ namespace {
         return answer.ends_with('\n') ? std::optional{answer} : std::nullopt;
     }
 
-    int say(int status, const std::string& message)
-    {
-        std::fprintf(stderr, "machine: %s\n", message.c_str());
-        return status;
-    }
-
     /// Absent: the message has been written and `status` set.
     std::optional<JSON> ask(const MachineSettings& settings, int& status)
     {
         const auto path = machineProtocol::defaultPath();
         const auto answer = exchanged(path, machineProtocol::request(settings));
         if (!answer) {
+            const bool isSilent = errno == EAGAIN; // the limit of reading
+            const auto why = path + ": " + std::strerror(errno);
             status = say(notRunning,
-                "no simulated laptop is running (" + path + ": " + std::strerror(errno)
-                    + "); start one with: vespra --platform simulated");
+                isSilent ? "machine: the simulated laptop does not answer; it may have been stopped"
+                         : "machine: no simulated laptop is running (" + why
+                        + "); start one with: vespra --platform simulated");
             return {};
         }
+        const std::string unreadable = "unreadable answer";
         auto json = JSON::parse(*answer, nullptr, false);
         if (!json.is_object() || !json.contains("machine") || json.contains("error")) {
-            status = say(failed, json.is_object() ? json.value("error", "unreadable answer") : "unreadable answer");
+            status = say(
+                failed, "machine: " + (json.is_object() ? json.value("error", unreadable) : unreadable));
             return {};
         }
         return json;
@@ -66,11 +65,11 @@ namespace {
         for (const auto& text : texts) {
             const auto setting = machineSetting(text);
             if (!setting)
-                return say(badInput, setting.error());
+                return say(badInput, "machine: " + setting.error());
             settings.push_back(*setting);
         }
         if (const auto change = changed(MachineState{}, settings); !change)
-            return say(badInput, change.error());
+            return say(badInput, "machine: " + change.error());
         int status = done;
         ask(settings, status);
         return status;

@@ -13,10 +13,8 @@ namespace {
     {
         const auto text = arguments::fileContents(path);
         const auto scenario = text ? parsedScenario(*text) : std::unexpected{text.error()};
-        if (!scenario) {
-            std::fprintf(stderr, "scenario: %s\n", scenario.error().c_str());
-            return badInput;
-        }
+        if (!scenario)
+            return say(badInput, "scenario: " + scenario.error());
         play(*scenario, [](std::string_view line) {
             std::fwrite(line.data(), 1, line.size(), stdout);
             std::fputc('\n', stdout);

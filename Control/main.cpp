@@ -3,29 +3,20 @@
 #include "HelperProtocol/Process.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
-namespace {
-
-/// What is wrong; a subcommand that there is not by its name.
-std::string complaint(const CLI::App* vespractl, const CLI::Error& error)
-{
-    const auto unknown = vespractl->remaining(true);
-    if (error.get_name() != "RequiredError" || unknown.empty())
-        return CLI::FailureMessage::simple(vespractl, error);
-    return "There is no \"" + unknown.front() + "\" here.\nRun with --help for more information.\n";
-}
-
+using namespace vespra;
 using namespace vespra::control;
+
+namespace {
 
 /// Does what the arguments say and returns the exit status.
 int control(int argc, char** argv)
 {
     const auto command = takeCommand(argc, argv);
-    CLI::App vespractl{"Controls Vespra from a terminal or a script."};
+    CLI::App vespractl{"Controls Vespra from a terminal or a script.", programName};
+    commandLine::prepare(vespractl);
     vespractl.require_subcommand(1);
-    vespractl.failure_message(complaint);
     int exitStatus = done;
     addStatusCommand(vespractl, exitStatus);
     addSessionCommands(vespractl, exitStatus);
@@ -35,26 +26,22 @@ int control(int argc, char** argv)
     addMachineCommand(vespractl, exitStatus);
     addHooksCommand(vespractl, exitStatus);
     addSimulateCommand(vespractl, exitStatus);
-    try {
-        vespractl.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        // Help is a "parse error" of status 0.
-        if (vespractl.exit(error) == 0)
-            return done;
-        return vespractl.got_subcommand("run") ? runFailed : badInput;
-    }
-    return exitStatus;
+    const auto refused = commandLine::parse(vespractl, argc, argv);
+    // What is wrong with the words of `run` may not pass for a status of its command.
+    if (refused && *refused != done && vespractl.got_subcommand("run"))
+        return runFailed;
+    return refused.value_or(exitStatus);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    vespra::process::openStandardDescriptors();
-    const int exitStatus = vespra::inAutoreleasePool([&] { return control(argc, argv); });
-    if (vespra::process::isOutputWritten())
+    process::openStandardDescriptors();
+    const int exitStatus = inAutoreleasePool([&] { return control(argc, argv); });
+    if (process::isOutputWritten())
         return exitStatus;
     const char* const reason = errno == 0 ? "not all of it was written" : std::strerror(errno);
-    std::fprintf(stderr, "vespractl: cannot write to standard output: %s\n", reason);
+    commandLine::complain(programName, std::string{"cannot write to standard output: "} + reason);
     return exitStatus == done ? failed : exitStatus;
 }

@@ -4,14 +4,17 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace vespra::unixSocket {
 
 std::optional<sockaddr_un> address(std::string_view path)
 {
     static_assert(sizeof(sockaddr_un::sun_path) > longestPath);
-    if (path.empty() || path.size() > longestPath)
+    if (path.empty() || path.size() > longestPath) {
+        errno = path.empty() ? ENOENT : ENAMETOOLONG;
         return {};
+    }
     sockaddr_un result{};
     result.sun_family = AF_UNIX;
     std::ranges::copy(path, result.sun_path);

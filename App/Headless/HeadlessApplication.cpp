@@ -8,6 +8,7 @@
 #include "App/Wording/SessionReport.h"
 #include "App/Wording/SessionWording.h"
 #include "Control/Protocol/EndStatus.h"
+#include "HelperProtocol/Brand.h"
 
 #include <cmath>
 
@@ -118,13 +119,24 @@ void HeadlessApplication::startOnceReady()
 void HeadlessApplication::startSession()
 {
     const auto wanted = preferences();
+    if (wanted.mode == SessionMode::agent && !application_.isListeningToAgents())
+        return refuse(localized("No agent can report: %1 cannot be made.", {Brand::agentSocketPath()}));
     if (model().needsAgentConnection(wanted))
-        std::fprintf(stderr, "%s\n", localized("No agent is connected: only hooks of your own will report.").c_str());
+        complain(localized("No agent is connected: only hooks of your own will report. "
+                           "\"vespractl hooks connect\" connects one."));
     model().startUnconnected(wanted);
     if (model().coordinator().state().isActive())
         return;
-    if (const auto refusal = model().coordinator().refusal(wanted.options))
-        output_.printLine(message(*refusal));
+    const auto refusal = model().coordinator().refusal(wanted.options);
+    refuse(refusal ? message(*refusal) : std::string{});
+}
+
+void HeadlessApplication::complain(const std::string& text) { output_.printNote(programName + (": " + text)); }
+
+void HeadlessApplication::refuse(const std::string& reason)
+{
+    if (!reason.empty())
+        complain(reason);
     exitStatus_ = ExitStatus::refused;
     finish();
 }

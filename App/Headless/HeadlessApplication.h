@@ -34,6 +34,8 @@ private:
     void showNotifications();
     void followClosedLid();
     void startSession();
+    void complain(const std::string& text);
+    void refuse(const std::string& reason);
     void startOnceReady();
     void finishAfter(Seconds delay);
     void finish();

@@ -1,10 +1,9 @@
 #include "App/Headless/HeadlessOptions.h"
 
-#include "App/Headless/ExitStatus.h"
 #include "Control/Arguments/Arguments.h"
+#include "Control/Arguments/CommandLine.h"
+#include "Control/Protocol/SettingTexts.h"
 #include "Core/Session/SessionLimits.h"
-
-#include <CLI/CLI.hpp>
 
 namespace vespra {
 
@@ -20,7 +19,7 @@ namespace {
     };
 
     template <class Value, class Take>
-    void add(CLI::App& app, const Option& option, const Reader<Value>& read, Take take)
+    CLI::Option* add(CLI::App& app, const Option& option, const Reader<Value>& read, Take take)
     {
         const auto use = [name = option.name, read, take](const std::string& text) {
             const auto value = read(text);
@@ -28,7 +27,7 @@ namespace {
                 throw CLI::ValidationError{name, value.error()};
             take(*value);
         };
-        app.add_option_function<std::string>(option.name, use, option.help)->type_name(option.value);
+        return app.add_option_function<std::string>(option.name, use, option.help)->type_name(option.value);
     }
 
     Reader<Seconds> lengthWithin(ClosedRange<Seconds> range)
@@ -45,29 +44,33 @@ namespace {
 
     void addPlans(CLI::App& app, StartOptions& session, bool& isIdle)
     {
-        auto& plans = *app.add_option_group(
-            "How the session ends", "By default as the last time; at first a timer of one hour");
-        add<Seconds>(plans,
+        std::vector<CLI::Option*> plans;
+        const auto addPlan = [&plans](CLI::Option* plan) {
+            plan->group("How the session ends; by default as the last time, at first after one hour");
+            for (auto* other : plans)
+                plan->excludes(other);
+            plans.push_back(plan);
+        };
+        addPlan(add<Seconds>(app,
             {"--timer", "LENGTH", "After this time, such as 25m or 1h30m; from one minute to 24 hours"},
             lengthWithin({SessionLimits::minimumDuration, SessionLimits::maximumDuration}),
             [&](Seconds length) {
                 session.mode = SessionMode::timer;
                 session.timerDuration = length;
-            });
-        add<TimeOfDay>(plans,
+            }));
+        addPlan(add<TimeOfDay>(app,
             {"--until", "TIME", "At this time of day, such as 18:30"},
             arguments::timeOfDay,
             [&](TimeOfDay time) {
                 session.mode = SessionMode::until;
                 session.untilTime = time;
-            });
+            }));
         const auto addMode = [&](const char* name, SessionMode mode, const char* help) {
-            plans.add_flag_callback(name, [&session, mode] { session.mode = mode; }, help);
+            addPlan(app.add_flag_callback(name, [&session, mode] { session.mode = mode; }, help));
         };
         addMode("--unlimited", SessionMode::unlimited, "Only when you stop it");
         addMode("--agent", SessionMode::agent, "When your coding agents have finished");
-        plans.add_flag("--idle", isIdle, "Start no session, only listen to the agents");
-        plans.require_option(0, 1);
+        addPlan(app.add_flag("--idle", isIdle, "Start no session, only listen to the agents"));
     }
 
 } // namespace
@@ -76,7 +79,8 @@ std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
 {
     HeadlessOptions options;
     bool isHeadless = false;
-    CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep.", "vespra"};
+    CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep.", programName};
+    commandLine::prepare(app);
     app.add_flag("--headless", isHeadless, "Run in the terminal, without windows");
     addPlans(app, options.session, options.isIdle);
     add<Seconds>(app,
@@ -87,7 +91,7 @@ std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
     app.add_flag_callback("--closed-lid", [&] { options.session.closedLid = true; }, "Stay awake with the lid closed");
     add<SessionSettings>(app,
         {"--settings", "FILE", "Guardrails and agent settings, as JSON"},
-        arguments::settingsFile,
+        settingTexts::file,
         [&](const SessionSettings& settings) { options.settings = settings; });
     add<PlatformKind>(app,
         {"--platform",
@@ -95,12 +99,8 @@ std::variant<HeadlessOptions, int> parsedCommandLine(int argc, char** argv)
             "linux, macos or simulated; by default this system, or a simulated laptop where no power manager answers"},
         platformKind,
         [&](PlatformKind kind) { options.platform = kind; });
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        // Asking for help is a "parse error" of status 0.
-        return app.exit(error) == 0 ? ExitStatus::done : ExitStatus::badArguments;
-    }
+    if (const auto exitStatus = commandLine::parse(app, argc, argv))
+        return *exitStatus;
     return options;
 }
 

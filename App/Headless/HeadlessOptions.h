@@ -9,6 +9,8 @@
 
 namespace vespra {
 
+inline constexpr const char* programName = "vespra";
+
 /// What the command line asks of a run in the terminal.
 struct HeadlessOptions {
     StartOptions session;

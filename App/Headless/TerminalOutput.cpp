@@ -1,7 +1,15 @@
 #include "App/Headless/TerminalOutput.h"
 
+#include "App/System/StandardError.h"
+
+#include <QString>
+
 #include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <string_view>
 #include <sys/ioctl.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -16,26 +24,57 @@ namespace {
         return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
     }
 
-    /// The front of UTF-8 `text` with at most `count` characters.
-    std::string cut(const std::string& text, std::size_t count)
+    /// Columns that a character takes at the very most: two where the system does not know it.
+    std::size_t columns(char32_t character)
     {
-        std::size_t characters = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const bool continues = (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80U;
-            if (!continues && ++characters > count)
-                return text.substr(0, i);
-        }
-        return text;
+        // It makes the one before it wide, in some terminals.
+        constexpr char32_t emojiSelector = 0xFE0F;
+        if (character == emojiSelector)
+            return 1;
+        const int width = wcwidth(static_cast<wchar_t>(character));
+        return width < 0 ? 2 : static_cast<std::size_t>(width);
     }
+
+    /// The front of UTF-8 `text` that takes at most `width` columns.
+    std::string cut(const std::string& text, std::size_t width)
+    {
+        const auto characters = QString::fromStdString(text).toStdU32String();
+        std::size_t count = 0, taken = 0;
+        while (count < characters.size() && (taken += columns(characters[count])) <= width)
+            ++count;
+        return QString::fromStdU32String(characters.substr(0, count)).toStdString();
+    }
+
+    bool canEraseLines()
+    {
+        const char* const terminal = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe): nothing changes it
+        return isatty(STDOUT_FILENO) == 1 && terminal && *terminal && std::string_view{terminal} != "dumb";
+    }
+
+    /// In the background the terminal is another program's to draw on.
+    bool isInForeground() { return tcgetpgrp(STDOUT_FILENO) == getpgrp(); }
 
 } // namespace
 
 TerminalOutput::TerminalOutput()
-    : isTerminal_{isatty(STDOUT_FILENO) == 1}
+    : isTerminal_{canEraseLines()}
 {
+    if (!isTerminal_)
+        return;
+    standardError::redirect([this, thread = std::this_thread::get_id()](const std::string& line) {
+        if (std::this_thread::get_id() == thread)
+            printNote(line);
+        else
+            std::fprintf(stderr, "%s\n", line.c_str());
+    });
 }
 
-TerminalOutput::~TerminalOutput() { showLive({}); }
+TerminalOutput::~TerminalOutput()
+{
+    showLive({});
+    if (isTerminal_)
+        standardError::redirect({});
+}
 
 void TerminalOutput::printLine(const std::string& text)
 {
@@ -63,14 +102,15 @@ void TerminalOutput::showLive(const std::string& text)
 
 void TerminalOutput::eraseLive()
 {
-    if (!live_.empty())
+    if (std::exchange(isDrawn_, false) && isInForeground())
         std::fputs("\r\033[K", stdout);
 }
 
 void TerminalOutput::drawLive()
 {
     // One less than the width: a full line would wrap, and could not be erased.
-    if (!live_.empty())
+    isDrawn_ = !live_.empty() && isInForeground();
+    if (isDrawn_)
         std::fputs(cut(live_, terminalWidth() - 1).c_str(), stdout);
     std::fflush(stdout);
 }

@@ -4,7 +4,10 @@
 
 namespace vespra {
 
-/// Standard output: lines that stay, and on a terminal below them one live line that is drawn again and again.
+/// Standard output and standard error: lines that stay, and on a terminal below them one live line that is drawn again
+/// and again while the program is in the foreground. What else the program writes to standard error
+/// (`standardError::write`) stays apart from the live line as well, if the main thread writes it. One in a process; main
+/// thread only.
 class TerminalOutput {
 public:
     TerminalOutput();
@@ -13,7 +16,7 @@ public:
     TerminalOutput(const TerminalOutput&) = delete;
     TerminalOutput& operator=(const TerminalOutput&) = delete;
 
-    /// Whether somebody watches.
+    /// Whether somebody watches a terminal that can erase a line.
     bool isTerminal() const { return isTerminal_; }
 
     void printLine(const std::string& text);
@@ -28,6 +31,7 @@ private:
 
     bool isTerminal_;
     std::string live_;
+    bool isDrawn_ = false;
 };
 
 } // namespace vespra

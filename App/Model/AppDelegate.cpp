@@ -1,11 +1,11 @@
 #include "App/Model/AppDelegate.h"
 
 #include "App/Model/PreferencesStore.h"
+#include "App/System/StandardError.h"
 #include "App/Wording/Localized.h"
 #include "Core/Coding/DisplayText.h"
 #include "HelperProtocol/Brand.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 namespace vespra {
@@ -79,12 +79,9 @@ void AppDelegate::listenToAgents()
 void AppDelegate::receive(const AgentEvent& event)
 {
     if (tracesAgents_)
-        std::fprintf(stderr,
-            "agent-event %s %s %s %s\n",
-            std::string{rawValue(event.agent)}.c_str(),
-            std::string{rawValue(event.signal)}.c_str(),
-            displayText(event.sessionID).c_str(),
-            displayText(event.cwd.value_or("-")).c_str());
+        standardError::write("agent-event " + std::string{rawValue(event.agent)} + " "
+            + std::string{rawValue(event.signal)} + " " + displayText(event.sessionID) + " "
+            + displayText(event.cwd.value_or("-")));
     model_->agents().record(event);
 }
 

@@ -33,6 +33,8 @@ public:
     /// Quitting: ends the session and holds nothing any more. Once.
     void willTerminate();
 
+    /// The agents' events arrive. False where their socket could not be made.
+    bool isListeningToAgents() const { return agentSocket_ && agentSocket_->isListening(); }
     /// From launch on.
     AppModel& model() { return *model_; }
     ClosedLidController& closedLid() { return *closedLid_; }

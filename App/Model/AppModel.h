@@ -48,6 +48,7 @@ public:
     RunningCommands& commands() { return commands_; }
     LoginItem& loginItem() { return loginItem_; }
     AppUpdates& updates() { return updates_; }
+    PlatformKind platformKind() const { return environment_.platform.kind; }
     UserDefaults* store() const { return environment_.defaults; }
 
     /// The end condition of the running agent session; null otherwise.

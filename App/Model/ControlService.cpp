@@ -56,6 +56,14 @@ namespace {
             {timeText(end->date), shortDescription(end->reason)});
     }
 
+    /// For people who might rely on what is not real; empty on a laptop that is.
+    std::string simulationLine(const AppModel& model)
+    {
+        return model.platformKind() == PlatformKind::simulated
+            ? localized("This laptop is simulated: nothing keeps the real one awake.")
+            : "";
+    }
+
     std::string checkText(const std::string& name, ClosedLidChecklist::Item item)
     {
         switch (item) {
@@ -197,6 +205,7 @@ JSON ControlService::status() const
     json["helper"] = helperStatusJSON(conditions.helper);
     json["connections"] = connectionsJSON(model_.agentIntegration().connections());
     json["pendingAction"] = pendingActionJSON(model_.forcedEndAction().pending());
+    json["platform"] = rawValue(model_.platformKind());
     return {{"status", std::move(json)}};
 }
 
@@ -239,7 +248,7 @@ JSON ControlService::refusal(const SessionPreferences& preferences) const
 {
     if (const auto refused = model_.coordinator().refusal(preferences.options))
         return error(controlProtocol::refused, message(*refused));
-    return error(controlProtocol::refused, localized("No agent is connected."));
+    return error(controlProtocol::refused, localized("No agent is connected. \"vespractl hooks connect\" connects one."));
 }
 
 JSON ControlService::start(const SessionPreferences& preferences)
@@ -248,7 +257,13 @@ JSON ControlService::start(const SessionPreferences& preferences)
         return refusal(preferences);
     model_.start(preferences);
     const auto* session = model_.coordinator().state().activeSession();
-    return session ? done(startLine(*session)) : refusal(preferences);
+    return session ? started() : refusal(preferences);
+}
+
+JSON ControlService::started() const
+{
+    const auto simulation = simulationLine(model_);
+    return done(startLine(*model_.coordinator().state().activeSession()) + (simulation.empty() ? "" : "\n" + simulation));
 }
 
 JSON ControlService::toggle()
@@ -257,7 +272,7 @@ JSON ControlService::toggle()
     model_.toggleSession();
     const auto* session = model_.coordinator().state().activeSession();
     if (session)
-        return done(startLine(*session));
+        return started();
     return wasActive ? done() : refusal(model_.preferences());
 }
 
@@ -308,6 +323,8 @@ JSON ControlService::describe() const
     JSON lines{sessionLine(model_), closedLidLine(model_)};
     if (const auto& pending = model_.forcedEndAction().pending())
         lines.push_back(notificationBody(pending->action));
+    if (const auto simulation = simulationLine(model_); !simulation.empty())
+        lines.push_back(simulation);
     return {{"lines", std::move(lines)}};
 }
 

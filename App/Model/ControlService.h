@@ -48,6 +48,8 @@ private:
     JSON settings() const;
     JSON set(const std::string& key, const std::string& value);
     JSON describe() const;
+    /// The same for a session that has just been started.
+    JSON started() const;
     /// The same after something was to be kept, or that it is not.
     JSON kept() const;
     /// Why the session that was just asked for does not run.

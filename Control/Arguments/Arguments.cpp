@@ -1,7 +1,5 @@
 #include "Control/Arguments/Arguments.h"
 
-#include <nlohmann/json.hpp>
-
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -54,6 +52,17 @@ namespace {
         return sum;
     }
 
+    /// " such as 25m or 1h30m", as far as that lies within `range`.
+    std::string examples(ClosedRange<Seconds> range)
+    {
+        std::string list;
+        int count = 0;
+        for (const Seconds each : {Seconds{25min}, Seconds{90min}, Seconds{2min}, Seconds{30s}})
+            if (each >= range.lowest && each <= range.highest && ++count <= 2)
+                list += (list.empty() ? ", such as " : " or ") + lengthText(each);
+        return list;
+    }
+
 } // namespace
 
 std::string lengthText(Seconds length)
@@ -74,7 +83,7 @@ std::expected<Seconds, std::string> length(std::string_view text, ClosedRange<Se
     if (sum && *sum >= range.lowest && *sum <= range.highest)
         return *sum;
     return std::unexpected{"expected a length from " + lengthText(range.lowest) + " to " + lengthText(range.highest)
-        + ", such as 25m or 1h30m, not \"" + std::string{text} + "\""};
+        + examples(range) + ", not \"" + std::string{text} + "\""};
 }
 
 std::expected<TimeOfDay, std::string> timeOfDay(std::string_view text)
@@ -114,20 +123,6 @@ std::expected<std::string, std::string> fileContents(const std::string& path)
     if (!file || std::ferror(file.get()))
         return std::unexpected{"cannot read " + path + ": " + std::strerror(errno)};
     return text;
-}
-
-std::expected<SessionSettings, std::string> settingsFile(const std::string& path)
-{
-    const auto text = fileContents(path);
-    if (!text)
-        return std::unexpected{text.error()};
-    const auto json = parsedJSON(*text);
-    if (!json)
-        return std::unexpected{path + ": expected JSON"};
-    const auto settings = decoded(JSONSource{*json}, readSessionSettings);
-    if (!settings)
-        return std::unexpected{path + ": " + settings.error().description()};
-    return *settings;
 }
 
 } // namespace vespra::arguments

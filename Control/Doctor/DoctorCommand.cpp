@@ -2,7 +2,9 @@
 #include "Control/Doctor/DoctorReport.h"
 #include "HelperProtocol/Brand.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 
 namespace vespra::control {

@@ -16,9 +16,9 @@ namespace vespra {
 
 bool ControlClient::connect(const std::string& path)
 {
-    const auto address = unixSocket::address(path);
     socket_ = unixSocket::make();
-    if (!address || !socket_)
+    const auto address = unixSocket::address(path);
+    if (!socket_ || !address)
         return false;
     const timeval limit{.tv_sec = 5, .tv_usec = 0};
     setsockopt(socket_.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
@@ -60,11 +60,15 @@ std::optional<JSON> ControlClient::receive(std::optional<Seconds> limit, int out
 {
     while (received_.find('\n') == std::string::npos) {
         char bytes[4096];
-        if (!waitToRead(limit, output))
+        if (!waitToRead(limit, output)) {
+            errno = ETIMEDOUT;
             return {};
+        }
         const auto count = read(socket_.get(), bytes, sizeof bytes);
-        if (count <= 0)
+        if (count <= 0) {
+            errno = ECONNRESET;
             return {};
+        }
         received_.append(bytes, static_cast<std::size_t>(count));
     }
     const auto end = received_.find('\n');

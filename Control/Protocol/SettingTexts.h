@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Coding/JSON.h"
 #include "Core/Session/SessionSettings.h"
 
 #include <expected>
@@ -18,6 +19,14 @@ std::vector<std::pair<std::string, std::string>> all(const SessionSettings& sett
 /// was expected, for the key or for its value.
 std::expected<SessionSettings, std::string> changed(
     SessionSettings settings, std::string_view key, const std::string& text);
+
+/// The settings in a JSON object, each under its key or in objects below its parts: {"agentSafetyCap":"12h"} and
+/// {"energy":{"requiresACPower":false}}. A value is a text as above, or true and false, seconds, percent, null for off.
+/// What is not there has its default; anything else fails with a sentence that names the place.
+std::expected<SessionSettings, std::string> read(const JSON& json);
+
+/// The same from the file at `path`; "-" is standard input.
+std::expected<SessionSettings, std::string> file(const std::string& path);
 
 /// "KEY on|off ...", a line for each key: for help.
 std::string help();

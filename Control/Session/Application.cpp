@@ -2,25 +2,39 @@
 
 #include "HelperProtocol/Brand.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <nlohmann/json.hpp>
 
 namespace vespra::control {
 
 namespace {
 
-    int say(int status, const std::string& message)
+    std::string isSilent() { return Brand::appName() + " does not answer; it may have been stopped."; }
+
+    /// Why no connection was made, by the system's error number.
+    std::string isUnreachable(int reason)
     {
-        std::fprintf(stderr, "%s\n", message.c_str());
-        return status;
+        switch (reason) {
+        case ENOENT:
+        case ENOTDIR:
+        case ECONNREFUSED:
+            return Brand::appName() + " is not running.";
+        case EAGAIN: // nobody takes connections, and no more can wait
+            return isSilent();
+        default:
+            return Brand::appName() + " cannot be reached: " + controlProtocol::defaultPath() + ": "
+                + std::strerror(reason);
+        }
     }
 
 } // namespace
 
 std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus)
 {
-    // Whoever goes away is told of by what fails then.
+    // An application that goes away shows in what fails then.
     std::signal(SIGPIPE, SIG_IGN);
     ControlClient client;
     if (client.connect()) {
@@ -28,12 +42,14 @@ std::optional<ControlClient> connected(const ControlRequest& request, int& exitS
         client.send(request);
         return client;
     }
-    exitStatus = say(notRunning, Brand::appName() + " is not running.");
+    exitStatus = say(notRunning, isUnreachable(errno));
     return {};
 }
 
 std::optional<int> failure(const std::optional<JSON>& reply)
 {
+    if (!reply && errno == ETIMEDOUT)
+        return say(notRunning, isSilent());
     if (!reply || !reply->is_object())
         return say(notRunning, Brand::appName() + " has gone without an answer.");
     const auto error = reply->find("error");
@@ -48,7 +64,11 @@ int closedLidStatus(const JSON& reply)
     const auto told = reply.value("done", JSON::object()).value("closedLid", JSON::object());
     if (told.empty())
         return done;
-    return say(told.value("isPossible", false) ? done : noClosedLid, told.value("message", std::string{}));
+    const auto message = told.value("message", std::string{});
+    if (!told.value("isPossible", false))
+        return say(noClosedLid, message);
+    std::fprintf(stderr, "%s\n", message.c_str());
+    return done;
 }
 
 int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use, std::optional<Seconds> limit)

@@ -26,10 +26,14 @@ namespace {
 
     void addOptions(CLI::App& command, StartOptions& options)
     {
-        command.add_flag_callback("--display", [&] { options.keepsDisplayAwake = true; }, "Keep the display on too");
-        command.add_flag_callback("--no-display", [&] { options.keepsDisplayAwake = false; }, "Let the display go off");
-        command.add_flag_callback("--closed-lid", [&] { options.closedLid = true; }, "Stay awake with the lid closed");
-        command.add_flag_callback("--no-closed-lid", [&] { options.closedLid = false; }, "Sleep when the lid closes");
+        // In the order in which they are given: the last one counts.
+        const auto add = [&command](const char* name, std::optional<bool>& option, bool value, const char* help) {
+            command.add_flag_callback(name, [&option, value] { option = value; }, help)->trigger_on_parse();
+        };
+        add("--display", options.keepsDisplayAwake, true, "Keep the display on too");
+        add("--no-display", options.keepsDisplayAwake, false, "Let the display go off");
+        add("--closed-lid", options.closedLid, true, "Stay awake with the lid closed");
+        add("--no-closed-lid", options.closedLid, false, "Sleep when the lid closes");
     }
 
     void addStart(CLI::App& vespractl, int& exitStatus)

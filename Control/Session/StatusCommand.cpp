@@ -49,13 +49,15 @@ namespace {
         auto client = connected({.verb = ControlVerb::watch}, exitStatus);
         if (!client)
             return exitStatus;
-        while (const auto reply = client->receive({}, STDOUT_FILENO)) {
+        // The first line comes at once, the others when something has changed.
+        for (auto reply = client->receive();; reply = client->receive({}, STDOUT_FILENO)) {
+            if (!reply && !hasReader())
+                return ended();
             if (const auto failed = failure(reply))
                 return *failed;
             if (!print(statusLine(*reply)))
                 return ended();
         }
-        return hasReader() ? failure({}).value_or(done) : ended();
     }
 
     /// The description, anew whenever it reads otherwise: once a second while something is counted.
@@ -77,8 +79,8 @@ namespace {
             std::this_thread::sleep_for(std::chrono::seconds{1});
             if (!hasReader())
                 return ended();
-            if (!client->send({.verb = ControlVerb::describe}))
-                return failure({}).value_or(done);
+            // Whether it can be sent shows in the answer.
+            client->send({.verb = ControlVerb::describe});
         }
     }
 

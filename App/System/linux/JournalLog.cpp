@@ -1,10 +1,10 @@
+#include "App/System/StandardError.h"
 #include "App/System/SystemLog.h"
 
 // sd_journal_send_with_location takes the place; without this the macro would add this file's own.
 #define SD_JOURNAL_SUPPRESS_LOCATION
 #include <systemd/sd-journal.h>
 
-#include <cstdio>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -51,14 +51,9 @@ void writeToSystemLog(const SystemLog::Entry& entry)
                nullptr)
             >= 0)
         return;
-    std::fprintf(stderr,
-        "[%.*s:%.*s] %.*s\n",
-        length(entry.subsystem),
-        entry.subsystem.data(),
-        length(entry.category),
-        entry.category.data(),
-        length(entry.message),
-        entry.message.data());
+    std::string line{"["};
+    line.append(entry.subsystem).append(":").append(entry.category).append("] ").append(entry.message);
+    standardError::write(line);
 }
 
 } // namespace vespra
