@@ -16,6 +16,7 @@
 #include <QDir>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
 

@@ -2,9 +2,8 @@
 
 #include "Control/Arguments/Guess.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <sstream>
 
 namespace vespra::commandLine {
@@ -176,16 +175,17 @@ namespace {
 
     std::string complaint(const CLI::App& program, const CLI::ParseError& error)
     {
-        const bool isAboutCount = error.get_name() == "RequiredError";
-        if (isAboutCount || error.get_name() == "ExtrasError")
+        const bool isIncomplete = dynamic_cast<const CLI::RequiredError*>(&error);
+        if (isIncomplete || dynamic_cast<const CLI::ExtrasError*>(&error))
             if (const auto word = leftOver(program))
                 return isUnknown(program, *word);
         const auto chain = given(program);
-        if (isAboutCount && chain.back()->get_require_subcommand_min() > 0)
+        if (isIncomplete && chain.back()->get_require_subcommand_min() > 0)
             return "expected a verb; " + seeHelp(chain);
         return error.what();
     }
 
+    /// Through stdio, whose failures the programs look for at their end.
     void print(const CLI::App& program, const CLI::ParseError& asked)
     {
         std::ostringstream text;

@@ -14,8 +14,8 @@ void complain(std::string_view program, std::string_view message);
 /// Gives a program, whose name is set, its help and "--version". First of all: what is added later takes it over.
 void prepare(CLI::App& program);
 
-/// Reads the arguments. Absent: done. Else the status to exit with: 0 after help or the version,
-/// 2 after a complaint that names the argument, with the nearest one that there is.
+/// Reads the arguments. Absent: done. Else the status to exit with: 0 after help or the version, 2 after a
+/// complaint that names the argument, with the nearest one that there is.
 std::optional<int> parse(CLI::App& program, int argc, char** argv);
 
 } // namespace vespra::commandLine

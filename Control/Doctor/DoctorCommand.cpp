@@ -2,9 +2,7 @@
 #include "Control/Doctor/DoctorReport.h"
 #include "HelperProtocol/Brand.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
 namespace vespra::control {

@@ -165,10 +165,8 @@ namespace {
         if (const auto failed = failure(reply))
             return *failed;
         const auto ended = reply->value("ended", JSON::object());
-        if (ended.empty()) {
-            std::fprintf(stderr, "No session has run.\n");
-            return failed;
-        }
+        if (ended.empty())
+            return say(failed, "No session has run.");
         std::printf("%s\n", endMessage(*reply).c_str());
         return controlProtocol::exitStatusOfEnd(ended.value("reason", std::string{}));
     }

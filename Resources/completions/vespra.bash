@@ -13,7 +13,7 @@ _vespra()
         --until) candidates="" ;;
         --settings) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return ;;
         *) candidates="--headless --timer --until --unlimited --agent --idle --grace --display --closed-lid --settings
-            --platform --help" ;;
+            --platform --version --help" ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
 }

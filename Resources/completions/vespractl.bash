@@ -33,7 +33,7 @@ _vespractl()
         closedLid.continuesOnBattery agents.endAction agents.graceDelay agents.waitingCountsAsFinished agentSafetyCap"
     case "${words[*]}" in
         "") candidates="status start stop toggle extend keep-awake cancel display closed-lid run wait settings doctor
-            machine hooks simulate --help" ;;
+            machine hooks simulate --version --help" ;;
         status) candidates="--json --watch --help" ;;
         start) candidates="timer until unlimited agent --display --no-display --closed-lid --no-closed-lid --help" ;;
         "start "*) candidates="--display --no-display --closed-lid --no-closed-lid --help" ;;

@@ -1,11 +1,13 @@
 # Fish completion for vespractl.
 
-# Whether the words before the cursor that are no options are exactly these.
+# Whether the words before the cursor that are no options, nor the value of one, are exactly these.
 function __vespractl_at
     set -l words (commandline -opc)[2..-1]
     set -l plain
+    set -l before
     for word in $words
-        string match -q -- '-*' $word; or set -a plain $word
+        test "$before" = --home; or string match -q -- '-*' $word; or set -a plain $word
+        set before $word
     end
     test "$plain" = "$argv"
 end
@@ -32,6 +34,7 @@ set -l settings energy.requiresACPower energy.stopsOnLowBattery energy.lowBatter
 
 complete -c vespractl -f
 complete -c vespractl -l help -d 'Print help'
+complete -c vespractl -n '__vespractl_at' -l version -d 'Print the version'
 for verb in \
     'status	Tell how the session, the closed lid and the agents stand' \
     'start	Start a session' \
@@ -62,7 +65,7 @@ complete -c vespractl -n '__fish_seen_subcommand_from start' -l no-display -d 'L
 complete -c vespractl -n '__fish_seen_subcommand_from start' -l no-closed-lid -d 'Sleep when the lid closes'
 complete -c vespractl -n '__vespractl_at display; or __vespractl_at closed-lid' -a 'on off'
 complete -c vespractl -n '__vespractl_at closed-lid' -a 'set-up remove'
-complete -c vespractl -n '__fish_seen_subcommand_from run' -a '(__fish_complete_subcommand)'
+complete -c vespractl -n '__fish_seen_subcommand_from run' -a '(__fish_complete_subcommand --fcs-skip=2)'
 complete -c vespractl -n '__vespractl_at settings; or __vespractl_at machine' -a 'get set'
 complete -c vespractl -n '__vespractl_at settings get; or __vespractl_at settings set' -a "$settings"
 for setting in $settings

@@ -1,7 +1,5 @@
 #include "Control/Arguments/Arguments.h"
-
-#include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Support/TextFiles.h"
+#include "Control/Arguments/Guess.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +21,8 @@ TEST(Arguments, LengthsAreSumsOfHoursMinutesAndSeconds)
         EXPECT_FALSE(arguments::length(text, range)) << text;
     EXPECT_EQ(
         arguments::length("2d", range).error(), "expected a length from 1m to 24h, such as 25m or 1h30m, not \"2d\"");
+    EXPECT_EQ(arguments::length("1h", {0s, 15min}).error(),
+        "expected a length from 0s to 15m, such as 2m or 30s, not \"1h\"");
 }
 
 TEST(Arguments, TimesOfDayHaveTwoDigitsOfMinutes)
@@ -35,20 +35,13 @@ TEST(Arguments, TimesOfDayHaveTwoDigitsOfMinutes)
         EXPECT_FALSE(arguments::timeOfDay(text)) << text;
 }
 
-TEST(Arguments, SettingsFilesNameTheirFault)
+TEST(Guess, IsTheNearestWordThatIsAnother)
 {
-    const TemporaryDirectory directory;
-    const auto file = (directory / "settings.json").string();
-    const auto read = [&](const char* content) {
-        putText(file, content);
-        return arguments::settingsFile(file);
-    };
-    EXPECT_EQ(read(R"({"agentSafetyCap":null})")->agentSafetyCap, std::nullopt);
-    EXPECT_EQ(read("{").error(), file + ": expected JSON");
-    EXPECT_EQ(read("[]").error(), file + ": expected an object");
-    EXPECT_EQ(read(R"({"agentSafetyCap":"x"})").error(), file + ": agentSafetyCap: expected a number");
-    EXPECT_EQ(
-        arguments::settingsFile(file + ".none").error(), "cannot read " + file + ".none: No such file or directory");
+    const std::vector<std::string> known{"start", "status", "stop", "set", "--headless"};
+    for (const auto& [word, nearest] : std::map<std::string, std::optional<std::string>>{
+             {"statsu", "status"}, {"star", "start"}, {"stops", "stop"}, {"-headless", "--headless"}, {"get", "set"},
+             {"start", {}}, {"begin", {}}, {"xy", {}}, {"", {}}})
+        EXPECT_EQ(guess(word, known), nearest) << word;
 }
 
 } // namespace

@@ -1,6 +1,10 @@
 #include "Control/Protocol/SettingTexts.h"
 
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TextFiles.h"
+
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace vespra {
 
@@ -38,6 +42,46 @@ TEST(SettingTexts, TakeWhatTheSettingsWindowCouldSetAndChangeThatAlone)
     }
     EXPECT_THAT(
         settingTexts::changed({}, "energy", "on").error(), testing::StartsWith("expected one of energy.requires"));
+}
+
+TEST(SettingTexts, AreReadFromFilesInBothForms)
+{
+    const TemporaryDirectory directory;
+    const auto path = (directory / "settings.json").string();
+    const auto read = [&](const std::string& content) {
+        putText(path, content);
+        return settingTexts::file(path);
+    };
+    const SessionSettings changed{.energy = {.requiresACPower = false, .lowBatteryThreshold = 35, .batteryTimeLimit = 15min},
+        .agentSafetyCap = {},
+        .agents = {.graceDelay = 45s, .endAction = AgentEndAction::sleepNow}};
+    auto listed = JSON::object();
+    for (const auto& [key, text] : settingTexts::all(changed))
+        listed[key] = text;
+    EXPECT_EQ(read(listed.dump()), changed);
+    auto stored = toJSON(changed);
+    stored["agentSafetyCap"] = nullptr;
+    EXPECT_EQ(read(stored.dump()), changed);
+    EXPECT_EQ(read(R"({"agents":{"graceDelay":60.0}})")->agents.graceDelay, 60s);
+
+    EXPECT_EQ(settingTexts::file(path + ".no").error(), "cannot read " + path + ".no: No such file or directory");
+    for (const auto& [content, complaint] : std::vector<std::pair<const char*, const char*>>{
+             {"{", "expected JSON"},
+             {"[]", "expected an object"},
+             {R"({"energy":true})", "energy: expected an object"},
+             {R"({"energy":{"requiresACPower":1}})", "energy.requiresACPower: expected on or off, not \"1\""},
+             {R"({"energy.requiresACPower":null})", "energy.requiresACPower: expected on or off, not \"null\""},
+             {R"({"energy":{"lowBatteryThreshold":12}})", "energy.lowBatteryThreshold: expected a percentage from 10 to"},
+             {R"({"agents":{"graceDelay":901}})", "agents.graceDelay: expected a length from 0s to 15m"},
+             {R"({"agents":{"graceDelay":null}})", "agents.graceDelay: expected a length"},
+             {R"({"agents":{"graceDelay":0.5}})", "agents.graceDelay: expected a length"},
+             {R"({"agentSafetyCap":false})", "agentSafetyCap: expected a length"},
+             {R"({"agentSafetyCap":1e300})", "agentSafetyCap: expected a length from 1h to 24h, such as 1h30m, not"},
+             {R"({"agents":{"endAction":"sleep"}})", "agents.endAction: expected letSleep, sleepNow or shutDown"},
+             {R"({"agents":{"graceDelai":60}})", "expected one of energy.requiresACPower, "},
+             {R"({"agentsafetyCap":60})", "not \"agentsafetyCap\"; did you mean \"agentSafetyCap\"?"},
+         })
+        EXPECT_THAT(read(content).error(), testing::AllOf(testing::StartsWith(path + ": "), testing::HasSubstr(complaint)));
 }
 
 } // namespace vespra

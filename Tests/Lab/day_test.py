@@ -65,10 +65,10 @@ class Day(LabTest):
 
     def session_with_a_safety_limit(self):
         """In an application of its own, beside the other one, for a limit is at least a minute; and the wait for it."""
-        settings = self.folder / "limit.json"
-        settings.write_text(json.dumps({"agentSafetyCap": 60}))
+        self.store({"agentSafetyCap": 60})
+        self.addCleanup(self.stored.unlink)
         home = ("env", f"XDG_DATA_HOME={self.folder}/other")
-        self.spawn(*home, BIN / "vespra", "--headless", "--platform", "simulated", "--idle", "--settings", settings,
+        self.spawn(*home, BIN / "vespra", "--headless", "--platform", "simulated", "--idle",
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.wait_for((self.folder / "other/Vespra/control.sock").exists, "the other application")
         subprocess.run([LAB / "run", *home, BIN / "vespractl", "start", "agent"], env=self.environment, check=True,
@@ -100,7 +100,7 @@ class Day(LabTest):
 
     def run_down_the_battery(self):
         refused = self.ctl("start", "unlimited")
-        self.assertEqual((refused.returncode, refused.stderr), (1, "Plug in the charger to start.\n"))
+        self.assertEqual((refused.returncode, refused.stderr), (1, "vespractl: Plug in the charger to start.\n"))
         self.done("settings", "set", "energy.requiresACPower", "off")
         waiting = self.session("unlimited")
         for level in (55, 30, 21):
@@ -155,7 +155,9 @@ class Day(LabTest):
         self.expect_end(waiting, 17, "")
 
     def test_a_limit_on_battery_ends_the_session(self):
-        self.launch(settings={"energy": dict(ON_BATTERY, batteryTimeLimit=2)})
+        self.store({"energy": dict(ON_BATTERY, batteryTimeLimit=2)})
+        self.addCleanup(self.stored.unlink)
+        self.launch()
         waiting = self.session("unlimited")
         self.set(ac=0)
         self.expect_end(waiting, 13, " — battery time limit reached")

@@ -33,6 +33,7 @@ class LabTest(DriverTest):
         cls.addClassCleanup(folder.cleanup)
         cls.folder = pathlib.Path(folder.name) / "lab"
         cls.support = cls.folder / "home/.local/share/Vespra"
+        cls.stored = cls.folder / "home/.config/Vespra/Vespra.ini"
         cls.output = cls.folder / "output"
         cls.environment = dict(os.environ, LAB_DIR=str(cls.folder), LC_ALL="C", TZ="UTC")
         cls.addClassCleanup(lambda: cls.lab("down"))

@@ -18,14 +18,32 @@ class SecondStart(ApplicationTest):
     def test_it_shows_the_first_one_or_says_how_to_start_a_session(self):
         application = self.launch()
         self.assertEqual(self.start(), (0, "", ""))
-        refusal = 'Vespra is already running. "vespractl start" starts a session in it.\n'
+        refusal = 'vespra: Vespra is already running. "vespractl start" starts a session in it.\n'
         for options in (("--unlimited",), ("--headless", "--timer", "5m"), ("--idle",), ("--display",)):
             self.assertEqual(self.start(*options), (1, "", refusal))
         self.assertEqual(self.status()["state"], "idle")
         os.kill(application.pid, signal.SIGSTOP)
-        self.assertEqual(self.start(), (1, "", "Vespra is already running, but does not answer.\n"))
+        waiting = [self.ctl_later(*verb) for verb in (("status",), ("status", "--watch", "--json"), ("stop",))]
+        self.assertEqual(self.start(), (1, "", "vespra: Vespra is already running, but does not answer.\n"))
+        for each in waiting:
+            _, complaint = each.communicate(timeout=SLOW)
+            self.assertEqual((each.returncode, complaint),
+                             (4, "vespractl: Vespra does not answer; it may have been stopped.\n"))
         os.kill(application.pid, signal.SIGCONT)
         self.assertEqual(self.start(), (0, "", ""))
+
+    def test_a_socket_that_cannot_be_reached_is_no_application_that_does_not_run(self):
+        self.launch()
+        deep = self.home / ("x" * 90)
+        for folder, user, complaint in (
+            (deep, None, f"Vespra cannot be reached: {deep}/Vespra/control.sock: File name too long"),
+            (self.home, 1000, f"Vespra cannot be reached: {self.support}/control.sock: Permission denied"),
+        ):
+            if user and os.geteuid() != 0:
+                continue  # only root can be somebody else
+            result = subprocess.run([BIN / "vespractl", "status"], env=dict(self.environment, XDG_DATA_HOME=folder),
+                                    capture_output=True, text=True, timeout=SLOW, user=user)
+            self.assertEqual((result.returncode, result.stderr), (4, f"vespractl: {complaint}\n"))
 
     def test_of_several_at_once_one_stays_and_after_a_kill_the_next_one_may(self):
         command = [BIN / "vespra", "--headless", "--platform", "simulated", "--idle"]
@@ -120,7 +138,7 @@ class Clients(ApplicationTest):
         for connection in watching:
             self.assertIn("status", connection.ask({"request": "watch"}))
         result = self.ctl("status")
-        self.assertEqual((result.returncode, result.stderr), (1, "Too many programs are connected.\n"))
+        self.assertEqual((result.returncode, result.stderr), (1, "vespractl: Too many programs are connected.\n"))
         watching[0].close()
         self.wait_for(lambda: self.ctl("status").returncode == 0)
 

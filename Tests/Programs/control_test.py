@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import resource
 import signal
 import subprocess
@@ -12,21 +13,23 @@ from application import BIN, HELD_BY_A_SESSION, ON_BATTERY, SLOW, ApplicationTes
 
 KEYS = ["state", "mode", "endsAt", "remaining", "elapsed", "lastEnd", "deadline", "canExtend", "requirements",
         "guardrails", "closedLidStatus", "checklist", "phase", "agents", "lastFinished", "settings", "preferences",
-        "power", "thermal", "helper", "connections", "pendingAction"]
+        "power", "thermal", "helper", "connections", "pendingAction", "platform"]
 DATE = r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(\.\d+)?Z"
 TIME = r"\d\d?:\d\d( [AP]M)?"
-FOREVER = "Awake until you stop it.\n"
+SIMULATED = "This laptop is simulated: nothing keeps the real one awake.\n"
+FOREVER = f"Awake until you stop it.\n{SIMULATED}"
 
 
 class Verbs(ApplicationTest):
     def expect(self, *steps):
-        """Each step: a command, the exit status, and what its output and its complaint are like as a whole."""
+        """Each step: a command, the exit status, and what its output and its complaint are like as a whole, the latter
+        without the program's name."""
         for command, status, output, complaint in steps:
             with self.subTest(command=command):
                 result = self.ctl(*command.split())
                 self.assertEqual(result.returncode, status, result.stderr)
                 self.assertRegex(result.stdout, rf"\A(?:{output})\Z")
-                self.assertRegex(result.stderr, rf"\A(?:{complaint})\Z")
+                self.assertRegex(result.stderr, rf"\A(?:{complaint and 'vespractl: ' + complaint})\Z")
 
     def test_without_an_application_every_verb_says_so_and_exits_with_4(self):
         self.expect(*((verb, 4, "", "Vespra is not running.\n") for verb in (
@@ -41,12 +44,15 @@ class Verbs(ApplicationTest):
     def test_what_cannot_be_meant_names_the_place_and_exits_with_2(self):
         self.launch()
         for command, complaint in {
-            "": "A subcommand is required", "begin": 'There is no "begin" here.',
-            "machine turn": 'There is no "turn" here.', "status --all": "--all", "stop now": "now",
+            "": 'expected a verb; "vespractl --help" lists', "begin": 'no "begin"; "vespractl --help" lists',
+            "machine turn": 'there is no "turn"; "vespractl machine --help" lists what there is',
+            "status --all": '"--all"', "stop now": '"now"', "statsu --json": 'no "statsu"; did you mean "status"?',
+            "start timr 5m": 'did you mean "timer"?', "start timer --dispaly": 'did you mean "--display"?',
+            "-headless": 'there is no "-headless"; "vespractl --help"', "start -help": 'did you mean "--help"?',
             "start timer 59s": "timer: expected a length from 1m to 24h", "start timer 5m unlimited": "unlimited",
             "start until 24:00": "until: expected a time of day", "start --lid": "--lid",
             "display": "STATE is required", "display maybe": "maybe", "closed-lid 1": "1",
-            "settings": "A subcommand is required",
+            "settings": "expected a verb",
             "settings get agents.grace": 'expected one of these keys, not "agents.grace":',
             "settings set agents.grace 1m": 'expected one of energy.requiresACPower, ',
             "settings set agents.graceDelay": "VALUE is required",
@@ -56,12 +62,16 @@ class Verbs(ApplicationTest):
             with self.subTest(command=command):
                 result = self.ctl(*command.split())
                 self.assertEqual((result.returncode, result.stdout), (2, ""))
-                self.assertIn(complaint, result.stderr)
+                self.assertRegex(result.stderr, rf"\Avespractl: .*{re.escape(complaint)}")
+        for command in ([""], ["start", ""], ["settings", "get", ""]):
+            result = self.ctl(*command)
+            self.assertEqual((result.returncode, result.stdout), (2, ""), command)
+            self.assertIn('""', result.stderr)
         self.assertEqual((self.status()["state"], self.stored.exists()), ("idle", False))
 
     def test_each_verb_does_what_it_says_also_a_second_time(self):
         self.launch()
-        idle = "No session is running.*\nClosed lid: Not set up .*\n"
+        idle = f"No session is running.*\nClosed lid: Not set up .*\n{SIMULATED}"
         self.expect(
             ("status", 0, idle, ""), ("stop", 0, "", ""), ("cancel", 0, "", ""),
             ("extend", 1, "", "There is no session that can be extended.\n"),
@@ -71,23 +81,33 @@ class Verbs(ApplicationTest):
             ("start", 1, "", "A session is already running.\n"),
             ("start timer 5m", 1, "", "A session is already running.\n"),
             ("extend", 1, "", "There is no session that can be extended.\n"),
-            ("status", 0, r"Awake until you stop it. 0:0\d awake\nClosed lid: .*\n", ""))
+            ("status", 0, rf"Awake until you stop it. 0:0\d awake\nClosed lid: .*\n{SIMULATED}", ""))
         self.assertEqual([each["type"] for each in self.machine()["held"]],
                          ["activity", "PreventUserIdleSystemSleep", "PreventUserIdleDisplaySleep"])
         self.expect(("display off", 0, "", ""), ("display off", 0, "", ""))
         self.assertEqual(sorted(each["type"] for each in self.machine()["held"]), HELD_BY_A_SESSION)
         self.expect(
             ("stop", 0, "", ""), ("stop", 0, "", ""), ("wait", 10, "Session ended\n", ""),
-            ("status", 0, f"No session is running. The last one ended at {TIME}: Stopped.\nClosed lid: .*\n", ""),
-            ("start timer 23h55m", 0, f"Awake until {TIME}.\n", ""), ("extend", 0, f"Awake until {TIME}.\n", ""),
-            ("toggle", 0, "", ""), ("toggle", 0, f"Awake until {TIME}.\n", ""), ("stop", 0, "", ""),
-            ("start until 18:30", 0, "Awake until (18:30|6:30 PM).\n", ""), ("stop", 0, "", ""),
-            ("start agent", 1, "", "No agent is connected.\n"))
+            ("status", 0, f"No session is running. The last one ended at {TIME}: Stopped.\nClosed lid: .*\n{SIMULATED}", ""),
+            ("start timer 23h55m", 0, f"Awake until {TIME}.\n{SIMULATED}", ""), ("extend", 0, f"Awake until {TIME}.\n", ""),
+            ("toggle", 0, "", ""), ("toggle", 0, f"Awake until {TIME}.\n{SIMULATED}", ""), ("stop", 0, "", ""),
+            ("start until 18:30", 0, f"Awake until (18:30|6:30 PM).\n{SIMULATED}", ""), ("stop", 0, "", ""),
+            ("start agent", 1, "", 'No agent is connected. "vespractl hooks connect" connects one.\n'))
         self.assertEqual(self.machine()["held"], [])
         # A start is for once; what the panel remembers is another matter.
         self.assertEqual(self.status()["preferences"], {
             "mode": "timer", "timerDuration": 3600, "untilTime": {"hour": 18, "minute": 0},
             "options": {"keepsDisplayAwake": False, "closedLid": False}})
+
+    def test_of_opposite_options_the_last_one_counts_and_before_what_is_preferred(self):
+        self.launch()
+        for preferred, options, keeps in (("on", "", True), ("off", "", False), ("on", "--no-display", False),
+                                          ("on", "--display --no-display", False), ("off", "--display", True),
+                                          ("off", "--no-display --display", True)):
+            self.done("display", preferred)
+            self.done("start", "unlimited", *options.split())
+            self.assertEqual(self.status()["requirements"]["preventsDisplaySleep"], keeps, (preferred, options))
+            self.done("stop")
 
     def test_refusals_exit_with_1_and_their_text_and_change_nothing(self):
         self.launch()
@@ -129,7 +149,7 @@ class Verbs(ApplicationTest):
         self.launch()
         self.expect(("settings set agents.graceDelay 0s", 0, "", ""),
                     ("settings set agents.endAction sleepNow", 0, "", ""),
-                    ("start agent", 0, f"Awake until your agents have finished, until {TIME} at the latest.\n", ""))
+                    ("start agent", 0, f"Awake until your agents have finished, until {TIME} at the latest.\n{SIMULATED}", ""))
         self.hook("UserPromptSubmit")
         self.wait_for(lambda: self.status()["phase"] == "working")
         self.expect(("keep-awake", 0, "", ""), ("keep-awake", 0, "", ""))
@@ -137,7 +157,7 @@ class Verbs(ApplicationTest):
         self.wait_for(lambda: self.status()["agents"][0]["activity"] == "idle")
         status = self.status()
         self.assertEqual((status["state"], status["phase"]), ("active", "keptAwake"))
-        self.expect(("stop", 0, "", ""), ("start agent", 0, ".*\n", ""))
+        self.expect(("stop", 0, "", ""), ("start agent", 0, ".*\n.*\n", ""))
         self.hook("UserPromptSubmit")
         self.hook("Stop")
         self.wait_for(lambda: self.status()["pendingAction"])
@@ -161,7 +181,8 @@ class Verbs(ApplicationTest):
             ("appTerminated", 18, None, ["start unlimited"], None),
         ):
             with self.subTest(reason=reason):
-                application = self.launch(settings=settings)
+                self.store(settings or {})
+                application = self.launch()
                 for command in before:
                     self.done(*command.split())
                     if command.endswith("helper=ready"):
@@ -229,7 +250,7 @@ class Status(ApplicationTest):
                     line = line[key]
                 self.assertEqual(line, value, command)
         self.quit(application, signal.SIGKILL)
-        gone = "Vespra has gone without an answer.\n"
+        gone = "vespractl: Vespra has gone without an answer.\n"
         self.assertEqual((watching.communicate(timeout=SLOW), watching.returncode), (("", gone), 4))
         self.assertEqual((reading.communicate(timeout=SLOW)[1], reading.returncode), (gone, 4))
 
@@ -285,7 +306,7 @@ class Settings(ApplicationTest):
             self.assertEqual(self.done("settings", "get", key), value + "\n")
             result = self.ctl("settings", "set", key, "--", refused)
             self.assertEqual(result.returncode, 2, key)
-            self.assertRegex(result.stderr, rf'\A{key}: expected .*, not "{refused}".*\n\Z')
+            self.assertRegex(result.stderr, rf'\Avespractl: {key}: expected .*, not "{refused}".*\n\Z')
         self.done("display", "on")
         self.ctl("closed-lid", "on")
         self.quit(application, signal.SIGKILL)
@@ -316,7 +337,7 @@ class Settings(ApplicationTest):
         for command in ("settings set agents.graceDelay 4m", "display on"):
             result = self.ctl(*command.split())
             self.assertEqual((result.returncode, result.stdout), (1, ""))
-            self.assertEqual(result.stderr, "This counts until Vespra quits, but it could not be saved.\n")
+            self.assertEqual(result.stderr, "vespractl: This counts until Vespra quits, but it could not be saved.\n")
             self.assertEqual(self.done("settings", "get", "agents.graceDelay"), "4m\n")
         self.assertEqual(self.stored.read_bytes(), before)
         resource.prlimit(application.pid, resource.RLIMIT_FSIZE, limits)

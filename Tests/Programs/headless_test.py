@@ -1,8 +1,15 @@
 """vespra --headless and vespractl simulate as whole processes."""
 
+import fcntl
+import os
+import pty
+import re
+import select
 import signal
+import struct
 import subprocess
 import sys
+import termios
 import time
 import unittest
 
@@ -32,13 +39,14 @@ class Headless(ApplicationTest):
             ("--settings", "/none"): "--settings: cannot read /none",
             ("--platform", "amiga"): "--platform: expected linux, macos or simulated",
             ("--timer", "5m", "--unlimited"): "--timer",
-            ("--forever",): "--forever",
+            ("--headles",): 'there is no "--headles"; did you mean "--headless"?',
+            ("-headless",): 'there is no "-headless"; did you mean "--headless"?', ("",): 'there is no ""',
         }.items():
             with self.subTest(options=options):
                 status, out, err = self.finish(self.spawn(BIN / "vespra", *options, stdout=subprocess.PIPE,
                                                           stderr=subprocess.PIPE))
                 self.assertEqual((status, out), (2, ""))
-                self.assertIn(complaint, err)
+                self.assertTrue(err.startswith(f"vespra: {complaint}"), err)
 
     def test_signals_end_the_session_unless_they_were_ignored_and_control_c_is_passed_on(self):
         for number, status in ((signal.SIGINT, -signal.SIGINT), (signal.SIGTERM, 0), (signal.SIGHUP, 0)):
@@ -64,6 +72,54 @@ class Headless(ApplicationTest):
         self.assertIsNone(process.poll(), "ended while the second agent works")
         self.hook("Stop", agent="codex")
         self.assertEqual(self.finish(process), (0, "Session ended — agents finished\n", f"{FINISHED}\n"))
+
+    def test_where_agents_cannot_report_no_session_waits_for_them(self):
+        self.environment["XDG_DATA_HOME"] = "/dev/null"
+        status, out, err = self.finish(self.spawn(BIN / "vespra", "--headless", "--platform", "simulated", "--agent",
+                                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE))
+        self.assertEqual((status, out), (3, ""))
+        self.assertIn("vespra: No agent can report: /dev/null/Vespra/agent.sock cannot be made.\n", err)
+
+    def on_terminal(self, foreground=True, **variables):
+        """What an unlimited session draws on a terminal of 40 columns, from before an agent reports until its end."""
+        reader, terminal = pty.openpty()
+        self.addCleanup(os.close, reader)
+        fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("4H", 24, 40, 0, 0))
+        self.environment |= {"TERM": "xterm", "VESPRA_TRACE_AGENTS": "1", **variables}
+
+        def take_terminal():
+            os.setsid()
+            fcntl.ioctl(terminal, termios.TIOCSCTTY, 0)
+
+        in_background = () if foreground else ("bash", "-mc", '"$0" "$@" & wait $!')
+        process = self.spawn(*in_background, BIN / "vespra", "--headless", "--platform", "simulated", "--unlimited",
+                             stdout=terminal, stderr=terminal, preexec_fn=take_terminal)
+        os.close(terminal)
+        self.wait_for(lambda: self.ctl("status").returncode == 0)
+        self.hook("UserPromptSubmit", cwd="/" + "\u5bbf\U0001f469" * 20)
+        self.wait_for(lambda: self.status()["agents"])
+        time.sleep(1.1)
+        self.done("stop")
+        drawn = b""
+        while process.poll() is None or select.select([reader], [], [], 0)[0]:
+            try:
+                drawn += os.read(reader, 65536)
+            except OSError:  # nobody writes any more
+                break
+        return drawn.decode()
+
+    def test_the_live_line_is_drawn_in_the_foreground_and_mixes_with_nothing(self):
+        drawn = self.on_terminal()
+        pieces = re.split("\r\x1b\\[K|\r\n", drawn)
+        live = [each for each in pieces if re.match(r"0:\d\d awake", each)]
+        self.assertGreater(len(live), 2, drawn)
+        widths = [sum(2 if ord(letter) > 0x2fff else 1 for letter in each) for each in live]
+        self.assertTrue(max(widths) in (38, 39), drawn)
+        self.assertRegex(drawn, "\r\x1b\\[Kagent-event claude working a /[^\r]*\r\n0:")
+        for piece in pieces:
+            self.assertRegex(piece, r"\A(0:\d\d awake.*|agent-event .*|Awake until you stop it\.|Session ended|)\Z")
+        for more in ({"foreground": False}, {"TERM": "dumb"}):
+            self.assertRegex(self.on_terminal(**more), r"\AAwake until you stop it\.\r\nagent-event .*\r\nSession ended\r\n(\[1\].*)?\Z")
 
     def test_closed_lid_mode_is_told_of_and_ends_by_heat(self):
         process, line = self.started("--unlimited", "--closed-lid")
@@ -106,9 +162,9 @@ class Simulate(ApplicationTest):
 
     def test_bad_scenarios_print_one_line_and_exit_with_2(self):
         backwards = '{"steps":[{"at":1,"extend":true},{"at":0,"extend":true}]}'
-        self.assertEqual(self.simulate("-", backwards), (2, "", "scenario: steps[1].at: must not decrease\n"))
+        self.assertEqual(self.simulate("-", backwards), (2, "", "vespractl: scenario: steps[1].at: must not decrease\n"))
         self.assertEqual(self.simulate("/none", ""),
-                         (2, "", "scenario: cannot read /none: No such file or directory\n"))
+                         (2, "", "vespractl: scenario: cannot read /none: No such file or directory\n"))
 
 
 if __name__ == "__main__":

@@ -27,8 +27,10 @@ def output(*command):
 def help_of(program, *verbs):
     """The options and the verbs below these, as the help lists them."""
     text = output(BIN / program, *verbs, "--help")
-    options = re.findall(r"^ +(?:-\w,)?(--[a-z-]+)", text, re.MULTILINE)
-    _, _, below = text.partition("Subcommands:\n")
+    assert max(map(len, text.splitlines())) <= 80 and text.startswith(text[0].upper()), text
+    assert not re.search(r"REQUIRED|TEXT|Positionals|Subcommand|Option Group", text), text
+    options = re.findall(r"^  (?:-\w, )?(--[a-z-]+)", text, re.MULTILINE)
+    _, _, below = text.partition("Verbs:\n")
     return options, re.findall(r"^  ([a-z][a-z-]*)", below, re.MULTILINE)
 
 
@@ -70,6 +72,14 @@ class Completions(unittest.TestCase):
             with self.subTest(words=words):
                 self.assertEqual(bash(*words), expected)
         self.assertIn("mkfifo", bash("vespractl", "run", "--", "mkfif"))
+
+    def test_fish_completes_the_command_of_run_and_agents_of_another_home(self):
+        if not shutil.which("fish"):
+            self.skipTest("fish is not here")
+        for line, expected in (("run mkfif", ["mkfifo"]), ("run --display -- mkfif", ["mkfifo"]),
+                               ("hooks --home /x connect c", ["claude", "codex"]),
+                               ("hooks connect --home /x co", ["codex"]), ("hooks --home /x disc", ["disconnect"])):
+            self.assertEqual(fish(f"vespractl {line}"), expected, line)
 
     def test_every_verb_and_option_is_completed_in_its_place(self):
         for program in ("vespractl", "vespra"):

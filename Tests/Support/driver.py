@@ -12,7 +12,8 @@ ON_BATTERY = {"requiresACPower": False, "stopsOnLowBattery": True, "lowBatteryTh
 
 
 class DriverTest(unittest.TestCase):
-    """The programs run in `environment`; the application has `support` and prints into `output`."""
+    """The programs run in `environment`; the application has `support`, keeps its
+    settings in `stored` and prints into `output`."""
 
     prefix = ()  # what stands before each command
     slow = 60  # seconds; never waited for unless something is broken
@@ -40,6 +41,12 @@ class DriverTest(unittest.TestCase):
         file.write_text(json.dumps(settings))
         return "--settings", file
 
+    def store(self, settings):
+        """What the user has chosen before: unlike a file, it is believed also beyond the limits."""
+        text = json.dumps(settings).replace('"', '\\"')
+        self.stored.parent.mkdir(parents=True, exist_ok=True)
+        self.stored.write_text(f'[General]\nsessionSettings="@ByteArray({text})"\n')
+
     def ctl(self, *arguments):
         return subprocess.run([*self.prefix, BIN / "vespractl", *arguments], env=self.environment, capture_output=True,
                               text=True, timeout=self.slow, stdin=subprocess.DEVNULL)
@@ -63,10 +70,10 @@ class DriverTest(unittest.TestCase):
         self.wait_for(lambda: pathlib.Path("/proc/net/unix").read_text().count(path) > 1, "a connection")
         self.status()
 
-    def hook(self, event, agent="claude", session="a"):
+    def hook(self, event, agent="claude", session="a", cwd="/x"):
         subprocess.run([*self.prefix, BIN / "vespra-agent", agent], check=True, text=True, env=self.environment,
                        timeout=self.slow,
-                       input=json.dumps({"hook_event_name": event, "session_id": session, "cwd": "/x"}))
+                       input=json.dumps({"hook_event_name": event, "session_id": session, "cwd": cwd}))
 
     def wait_for(self, condition, what="it", limit=None):
         end = time.monotonic() + (limit or self.slow)
