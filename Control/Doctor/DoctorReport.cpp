@@ -115,9 +115,11 @@ std::string text(const Report& report, const std::string& application)
     const auto tellsAll = [](const Keeper& keeper) { return keeper.tellsAll; };
     if (report.facts.inhibitors.empty() && std::ranges::all_of(report.facts.keepers, tellsAll))
         text += "  nothing\n";
-    for (const auto& each : report.facts.keepers)
-        if (!each.tellsAll)
-            text += "  " + each.service + " does not answer, or does not say for whom\n";
+    for (const auto& each : report.facts.keepers) {
+        const auto isKnown = [&](const Inhibitor& held) { return held.service == each.service; };
+        if (!each.tellsAll && std::ranges::none_of(report.facts.inhibitors, isKnown))
+            text += "  " + each.service + " does not answer\n";
+    }
     text += "\nWhat could defeat a session\n";
     for (const auto& each : report.facts.threats)
         text += "  " + each + "\n";

@@ -5,7 +5,7 @@
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TextFiles.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace vespra::doctor {
 
@@ -60,80 +60,33 @@ TEST(Doctor, BelievesThatASessionIsHeldOnlyIfEachServiceSaysSo)
 TEST(LidRules, AreThoseThatApply)
 {
     const auto lock = [](const char* what, const char* who) {
-        return std::vector{Inhibitor{
-            .service = "logind", .what = what, .who = who, .why = "", .mode = "block", .pid = 9, .process = "p"}};
-    };
-    const auto rules = [](auto change) {
-        LidRules all{.isThere = true,
-            .isDocked = false,
-            .isOnExternalPower = false,
-            .action = "suspend",
-            .actionOnExternalPower = {},
-            .actionDocked = "ignore",
-            .desktop = {}};
-        change(all);
-        return all;
+        return std::vector<Inhibitor>{{"logind", what, who, "", "block", 9, {}, "p"}};
     };
     const std::vector<Inhibitor> none, sleep = lock("idle:sleep", "Other");
+    constexpr bool yes = true, no = false;
     struct Row {
         LidRules rules;
         std::vector<Inhibitor> held;
         const char* expected;
     };
-    for (const auto& row : std::vector<Row>{
-             {rules([](auto&) {}),
-                 sleep,
-                 "logind would act by HandleLidSwitch=suspend; only closed-lid mode could prevent it."},
-             {rules([](auto& all) { all.isThere = false; }), none, "this machine has none."},
-             {rules([](auto& all) {
-                  all.isThere.reset();
-                  all.action = "ignore";
-              }),
-                 none,
-                 "logind does nothing, by HandleLidSwitch=ignore. Whether there is a lid is not known."},
-             {rules([](auto& all) {
-                  all.isDocked.reset();
-                  all.hasHelper = true;
-              }),
-                 none,
-                 "logind does not answer, so nobody can tell what it would do; closed-lid mode prevents it."},
-             {rules([](auto& all) { all.isDocked = true; }),
-                 none,
-                 "logind does nothing, by HandleLidSwitchDocked=ignore (docked, or more than one display)."},
-             {rules([](auto& all) {
-                  all.isOnExternalPower = true;
-                  all.actionOnExternalPower = "lock";
-              }),
-                 none,
-                 "logind would act by HandleLidSwitchExternalPower=lock (on external power); only closed-lid mode "
-                 "could prevent it."},
-             {rules([](auto& all) { all.isOnExternalPower = true; }),
-                 none,
-                 "logind would act by HandleLidSwitch=suspend; only closed-lid mode could prevent it."},
-             {rules([](auto& all) { all.actionOnExternalPower = "ignore"; }),
-                 none,
-                 "logind would act by HandleLidSwitch=suspend; only closed-lid mode could prevent it."},
-             {rules([](auto& all) { all.ignoresSleepLocks = false; }),
-                 sleep,
-                 "logind would act by HandleLidSwitch=suspend, but LidSwitchIgnoreInhibited=no lets the sleep lock of "
-                 "Other (p 9) stop it."},
-             {rules([](auto&) {}),
-                 lock("handle-lid-switch", "PowerDevil"),
-                 "logind leaves it to PowerDevil (p 9), which holds handle-lid-switch and may act itself; only "
-                 "closed-lid mode could prevent it."},
-             {rules([](auto& all) { all.desktop = "xfpm"; }),
-                 lock("sleep:handle-lid-switch", "Vespra"),
-                 "closed-lid mode holds handle-lid-switch, so nothing happens."},
-             {rules([](auto& all) {
-                  all.isDocked = true;
-                  all.desktop = "xfpm";
-                  all.hasHelper = true;
-              }),
-                 none,
-                 "logind does nothing, by HandleLidSwitchDocked=ignore (docked, or more than one display); xfpm may "
-                 "act on it too, by its own settings; closed-lid mode prevents it."},
-         })
-        EXPECT_EQ(lidThreat(row.rules, row.held, "Vespra"), std::string{"Closing the lid: "} + row.expected);
+    for (const auto& [rules, held, expected] :
+        std::vector<Row>{
+            {{yes, no}, sleep, "logind would act by HandleLidSwitch=suspend; only closed-lid mode could prevent it."},
+            {{no, no}, none, "this machine has none."},
+            {{{}, no, no, "ignore"}, none, "by HandleLidSwitch=ignore. Whether there is a lid is not known."},
+            {{yes, {}}, none, "logind does not answer, so nobody can tell what it would do; only"},
+            {{yes, yes}, none, "logind does nothing, by HandleLidSwitchDocked=ignore (docked, or more"},
+            {{yes, no, yes, "off", "lock"}, none, "would act by HandleLidSwitchExternalPower=lock (on external"},
+            {{yes, no, yes, "off"}, none, "would act by HandleLidSwitch=off;"},
+            {{yes, no, no, "off", "lock"}, none, "would act by HandleLidSwitch=off;"},
+            {{.isThere = yes, .isDocked = no, .ignoresSleepLocks = no}, sleep, "sleep lock of Other (p 9) stop it."},
+            {{yes, no}, lock("handle-lid-switch", "Other"), "logind leaves it to Other (p 9), which holds"},
+            {{.isThere = yes, .isDocked = no, .desktop = "xfpm"}, lock("sleep:handle-lid-switch", "Vespra"), "nothing"},
+            {{.isThere = yes, .isDocked = yes, .desktop = "xfpm", .hasHelper = yes},
+                none,
+                "display); xfpm may act on it too, by its own settings; closed-lid mode prevents it."},
+        })
+        EXPECT_THAT(lidThreat(rules, held, "Vespra"), testing::HasSubstr(expected));
 }
 
 TEST(LogindSettings, ComeFromTheLastFileThatSetsThem)

@@ -3,6 +3,7 @@
 import os
 import signal
 import subprocess
+import time
 import unittest
 
 from lab import LAB, LabTest
@@ -52,7 +53,8 @@ class Assertions(LabTest):
         self.restart_services()
         self.set(desktop="gnome")
         self.wait_until_held(*expected)
-        self.assertEqual(self.doctor()[1]["verdict"], "listed")
+        services = {each["name"]: each["verdict"] for each in self.doctor()[1]["services"]}
+        self.assertEqual(services, {"logind": "listed", SESSION_MANAGER: "unknown"})  # this one does not say who
         self.set(ac=0)  # and the readings are followed again
         self.assertEqual(self.last_words(vespra), ["Session ended — charger unplugged"])
 
@@ -101,6 +103,11 @@ class Assertions(LabTest):
         self.wait_until_held(DELAY, IDLE)
         status, report = self.doctor()
         self.assertEqual((status, report["verdict"], report["session"]["pid"]), (0, "listed", vespra.pid))
+        os.kill(self.services(), signal.SIGSTOP)
+        begun = time.monotonic()
+        self.assertEqual(self.doctor()[1]["services"], [{"name": "logind", "isSilent": True, "verdict": "unknown"}])
+        self.assertLess(time.monotonic() - begun, 7, "UPower and logind were each asked once")
+        os.kill(self.services(), signal.SIGCONT)
         os.kill(vespra.pid, signal.SIGSTOP)
         self.restart_services()  # logind forgets, and the stopped process cannot ask again
         self.assertEqual(self.held(), [])

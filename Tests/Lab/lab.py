@@ -100,10 +100,14 @@ class LabTest(DriverTest):
     def wait_until_held(self, *expected):
         self.wait_for(lambda: self.held() == sorted(expected), f"that {sorted(expected)} alone are held")
 
+    def services(self):
+        """The process that is all of them."""
+        started = dict(line.split()[:2] for line in (self.folder / "pids").read_text().splitlines())
+        return int(started["labd"])
+
     def restart_services(self):
         """logind, UPower and the session's services crash, with all that they know, and are started again."""
-        started = dict(line.split()[:2] for line in (self.folder / "pids").read_text().splitlines())
-        os.kill(int(started["labd"]), 9)
+        os.kill(self.services(), 9)
         (self.folder / "ctl.sock").unlink()
         # In the shell that has the lab's environment, and remembered for `down`.
         script = f'. "{LAB}/common.sh"; load_env; start labd /usr/bin/python3 -B "{LAB}/labd.py" upower logind polkit'

@@ -11,9 +11,9 @@ struct LidRules {
     std::optional<bool> isDocked;
     std::optional<bool> isOnExternalPower;
     /// logind's settings: "suspend", "ignore" and so on. Without one of its own for external power it is `action`.
-    std::string action;
+    std::string action = "suspend";
     std::optional<std::string> actionOnExternalPower;
-    std::string actionDocked;
+    std::string actionDocked = "ignore";
     /// LidSwitchIgnoreInhibited: only locks of the lid itself stop logind, not those of sleep.
     bool ignoresSleepLocks = true;
     /// The program that manages power for the desktop, and acts on the lid by its own settings.

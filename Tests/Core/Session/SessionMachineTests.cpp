@@ -87,17 +87,6 @@ TEST(SessionMachine, EndsByTheFirstReasonThatHolds)
     }
 }
 
-TEST(SessionMachine, NumbersBeyondAllMeasureAreClamped)
-{
-    for (const auto& [duration, expected] : {std::pair{Seconds{1e300}, Seconds{24h}}, {Seconds{-1e300}, 1min}}) {
-        SessionMachine machine{{}, utc};
-        ASSERT_TRUE(machine.start(plan::Timer{duration}, lidOpen, on(charger()), start));
-        EXPECT_EQ(machine.state().activeSession()->endsAt, start + expected);
-    }
-    EXPECT_EQ(EnergyPolicy::normalizedThreshold(INT64_MIN), 10);
-    EXPECT_EQ(EnergyPolicy::normalizedThreshold(INT64_MAX), 80);
-}
-
 TEST(EndReason, TraitsOfEveryCase)
 {
     std::string notifying, guarding;
