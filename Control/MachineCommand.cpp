@@ -52,8 +52,7 @@ namespace {
         const std::string unreadable = "unreadable answer";
         auto json = JSON::parse(*answer, nullptr, false);
         if (!json.is_object() || !json.contains("machine") || json.contains("error")) {
-            status = say(
-                failed, "machine: " + (json.is_object() ? json.value("error", unreadable) : unreadable));
+            status = say(failed, "machine: " + (json.is_object() ? json.value("error", unreadable) : unreadable));
             return {};
         }
         return json;

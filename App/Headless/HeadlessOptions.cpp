@@ -58,10 +58,8 @@ namespace {
                 session.mode = SessionMode::timer;
                 session.timerDuration = length;
             }));
-        addPlan(add<TimeOfDay>(app,
-            {"--until", "TIME", "At this time of day, such as 18:30"},
-            arguments::timeOfDay,
-            [&](TimeOfDay time) {
+        addPlan(add<TimeOfDay>(
+            app, {"--until", "TIME", "At this time of day, such as 18:30"}, arguments::timeOfDay, [&](TimeOfDay time) {
                 session.mode = SessionMode::until;
                 session.untilTime = time;
             }));

@@ -6,8 +6,8 @@ namespace vespra {
 
 /// Standard output and standard error: lines that stay, and on a terminal below them one live line that is drawn again
 /// and again while the program is in the foreground. What else the program writes to standard error
-/// (`standardError::write`) stays apart from the live line as well, if the main thread writes it. One in a process; main
-/// thread only.
+/// (`standardError::write`) stays apart from the live line as well, if the main thread writes it. One in a process;
+/// main thread only.
 class TerminalOutput {
 public:
     TerminalOutput();

@@ -248,7 +248,8 @@ JSON ControlService::refusal(const SessionPreferences& preferences) const
 {
     if (const auto refused = model_.coordinator().refusal(preferences.options))
         return error(controlProtocol::refused, message(*refused));
-    return error(controlProtocol::refused, localized("No agent is connected. \"vespractl hooks connect\" connects one."));
+    return error(
+        controlProtocol::refused, localized("No agent is connected. \"vespractl hooks connect\" connects one."));
 }
 
 JSON ControlService::start(const SessionPreferences& preferences)
@@ -263,7 +264,8 @@ JSON ControlService::start(const SessionPreferences& preferences)
 JSON ControlService::started() const
 {
     const auto simulation = simulationLine(model_);
-    return done(startLine(*model_.coordinator().state().activeSession()) + (simulation.empty() ? "" : "\n" + simulation));
+    return done(
+        startLine(*model_.coordinator().state().activeSession()) + (simulation.empty() ? "" : "\n" + simulation));
 }
 
 JSON ControlService::toggle()

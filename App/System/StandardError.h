@@ -9,8 +9,8 @@ namespace vespra::standardError {
 /// Writes `line` and a line feed. Any thread.
 void write(const std::string& line);
 
-/// Gives each line to `sink` instead, on the thread that writes it; empty puts standard error back. Before other threads
-/// write.
+/// Gives each line to `sink` instead, on the thread that writes it; empty puts standard error back. Before other
+/// threads write.
 void redirect(std::function<void(const std::string&)> sink);
 
 } // namespace vespra::standardError

@@ -11,8 +11,8 @@ namespace vespra::control {
 /// Connects and sends `request`. Absent: no application can be reached; why has been said and `exitStatus` set.
 std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus);
 
-/// The exit status for a reply that is an error, whose message has been said, or that never came, which `errno` tells as
-/// `ControlClient::receive` has left it; absent for any other.
+/// The exit status for a reply that is an error, whose message has been said, or that never came, which `errno` tells
+/// as `ControlClient::receive` has left it; absent for any other.
 std::optional<int> failure(const std::optional<JSON>& reply);
 
 /// Says how closed-lid mode stands if the reply tells. Returns the exit status for that.

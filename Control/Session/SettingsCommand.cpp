@@ -3,8 +3,8 @@
 
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 namespace vespra::control {
 

@@ -52,7 +52,8 @@ TEST(SettingTexts, AreReadFromFilesInBothForms)
         putText(path, content);
         return settingTexts::file(path);
     };
-    const SessionSettings changed{.energy = {.requiresACPower = false, .lowBatteryThreshold = 35, .batteryTimeLimit = 15min},
+    const SessionSettings changed{
+        .energy = {.requiresACPower = false, .lowBatteryThreshold = 35, .batteryTimeLimit = 15min},
         .agentSafetyCap = {},
         .agents = {.graceDelay = 45s, .endAction = AgentEndAction::sleepNow}};
     auto listed = JSON::object();
@@ -71,7 +72,8 @@ TEST(SettingTexts, AreReadFromFilesInBothForms)
              {R"({"energy":true})", "energy: expected an object"},
              {R"({"energy":{"requiresACPower":1}})", "energy.requiresACPower: expected on or off, not \"1\""},
              {R"({"energy.requiresACPower":null})", "energy.requiresACPower: expected on or off, not \"null\""},
-             {R"({"energy":{"lowBatteryThreshold":12}})", "energy.lowBatteryThreshold: expected a percentage from 10 to"},
+             {R"({"energy":{"lowBatteryThreshold":12}})",
+                 "energy.lowBatteryThreshold: expected a percentage from 10 to"},
              {R"({"agents":{"graceDelay":901}})", "agents.graceDelay: expected a length from 0s to 15m"},
              {R"({"agents":{"graceDelay":null}})", "agents.graceDelay: expected a length"},
              {R"({"agents":{"graceDelay":0.5}})", "agents.graceDelay: expected a length"},
@@ -81,7 +83,8 @@ TEST(SettingTexts, AreReadFromFilesInBothForms)
              {R"({"agents":{"graceDelai":60}})", "expected one of energy.requiresACPower, "},
              {R"({"agentsafetyCap":60})", "not \"agentsafetyCap\"; did you mean \"agentSafetyCap\"?"},
          })
-        EXPECT_THAT(read(content).error(), testing::AllOf(testing::StartsWith(path + ": "), testing::HasSubstr(complaint)));
+        EXPECT_THAT(
+            read(content).error(), testing::AllOf(testing::StartsWith(path + ": "), testing::HasSubstr(complaint)));
 }
 
 } // namespace vespra

@@ -119,7 +119,7 @@ class Headless(ApplicationTest):
         for piece in pieces:
             self.assertRegex(piece, r"\A(0:\d\d awake.*|agent-event .*|Awake until you stop it\.|Session ended|)\Z")
         for more in ({"foreground": False}, {"TERM": "dumb"}):
-            self.assertRegex(self.on_terminal(**more), r"\AAwake until you stop it\.\r\nagent-event .*\r\nSession ended\r\n(\[1\].*)?\Z")
+            self.assertRegex(self.on_terminal(**more), r"\AAwake until you stop it\.\r\nagent-event .*\r\nSession ended\r\n(\[1\].*\s*)?\Z")
 
     def test_closed_lid_mode_is_told_of_and_ends_by_heat(self):
         process, line = self.started("--unlimited", "--closed-lid")
