@@ -5,7 +5,7 @@ SHELL := /bin/sh
 CMAKE_BUILD_PARALLEL_LEVEL ?= $(shell getconf _NPROCESSORS_ONLN)
 export CMAKE_BUILD_PARALLEL_LEVEL
 
-.PHONY: help setup build run demo test test-lab sanitize bench fuzz format lint install clean
+.PHONY: help setup build run demo test test-lab sanitize bench fuzz format lint layers install clean
 
 help: ## List these commands
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-10s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
@@ -57,6 +57,11 @@ lint: ## Check the sources with clang-tidy
 	@scripts/setup build test lint
 	@scripts/build dev
 	@scripts/lint
+
+layers: ## Draw which folder knows which, and fail on an arrow that points up
+	@scripts/setup build test
+	@cmake --preset dev >/dev/null
+	@scripts/layers
 
 install: build ## Install the programs (PREFIX=/usr/local)
 	@cmake --install build/release --prefix "$(or $(PREFIX),/usr/local)"

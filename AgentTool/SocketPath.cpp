@@ -1,6 +1,7 @@
 #include "AgentTool/SocketPath.h"
 
 #include "HelperProtocol/Brand.h"
+#include "Host/Host.h"
 
 #include <sys/stat.h>
 
@@ -23,7 +24,7 @@ std::string socketPath()
     if (const char* given = std::getenv("VESPRA_AGENT_SOCKET"); given && *given)
         return given;
     if (const auto directory = executableDirectory())
-        if (auto beside = *directory + "/agent.sock"; isSocket(beside))
+        if (auto beside = directory->string() + "/agent.sock"; isSocket(beside))
             return beside;
     return Brand::agentSocketPath();
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 namespace vespra {
@@ -9,8 +8,5 @@ namespace vespra {
 /// program, which the application copies into its support folder, whatever HOME an agent runs with; else the socket in
 /// the user's support folder.
 std::string socketPath();
-
-/// The folder of this program, links resolved; absent if the system does not tell. One per system.
-std::optional<std::string> executableDirectory();
 
 } // namespace vespra

@@ -4,7 +4,7 @@
 #include "Core/Agents/AgentEvent.h"
 #include "Core/Agents/HookInput.h"
 #include "Core/Scheduling/WallClock.h"
-#include "HelperProtocol/AutoreleasePool.h"
+#include "Host/Host.h"
 #include "HelperProtocol/Process.h"
 
 #include <csignal>

@@ -1,13 +1,13 @@
-#include "App/Headless/ExitStatus.h"
+#include "App/Launch/ExitStatus.h"
 #include "App/Headless/HeadlessApplication.h"
 #include "App/Headless/TerminationSignals.h"
-#include "App/Model/SingleInstance.h"
+#include "App/Launch/SingleInstance.h"
 #include "App/Model/UserDefaults.h"
 #include "App/Wording/Localized.h"
 #include "App/Wording/Translations.h"
-#include "Control/Arguments/CommandLine.h"
-#include "Control/Protocol/ControlRequest.h"
-#include "HelperProtocol/AutoreleasePool.h"
+#include "ControlProtocol/CommandLine.h"
+#include "ControlProtocol/ControlRequest.h"
+#include "Host/Host.h"
 #include "HelperProtocol/Brand.h"
 #include "HelperProtocol/Process.h"
 #include "HelperProtocol/PropertyList.h"
@@ -24,7 +24,7 @@ namespace {
 
 using namespace vespra;
 
-int runHeadless(QCoreApplication& application, const HeadlessOptions& options)
+int runHeadless(QCoreApplication& application, const LaunchOptions& options)
 {
     auto platform = makePlatform(options.platform);
     if (!platform) {
@@ -57,7 +57,7 @@ int runHeadless(QCoreApplication& application, const HeadlessOptions& options)
 }
 
 /// A second start shows the first one. It does nothing else, so what else it was asked for is refused.
-int handOver(const HeadlessOptions& options)
+int handOver(const LaunchOptions& options)
 {
     if (!options.isPlain()) {
         const auto text
@@ -78,7 +78,7 @@ int run(int argc, char** argv)
     const auto parsed = parsedCommandLine(argc, argv);
     if (const auto* exitStatus = std::get_if<int>(&parsed))
         return *exitStatus;
-    const auto& options = std::get<HeadlessOptions>(parsed);
+    const auto& options = std::get<LaunchOptions>(parsed);
     // Whoever reads the output may go away; the session goes on.
     std::signal(SIGPIPE, SIG_IGN);
     // Qt asks the environment alone.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Control/Arguments/CommandLine.h"
+#include "ControlProtocol/CommandLine.h"
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "Control/Arguments/Arguments.h"
+#include "ControlProtocol/Arguments.h"
 #include "Control/Command.h"
 #include "Control/Scenario/ScenarioPlayer.h"
 

@@ -1,5 +1,5 @@
 #include "Control/Command.h"
-#include "HelperProtocol/AutoreleasePool.h"
+#include "Host/Host.h"
 #include "HelperProtocol/Process.h"
 
 #include <cerrno>

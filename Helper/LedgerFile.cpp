@@ -1,5 +1,7 @@
 #include "Helper/LedgerFile.h"
 
+#include "Host/Host.h"
+
 #include <nlohmann/json.hpp>
 
 #include <array>

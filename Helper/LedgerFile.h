@@ -30,7 +30,4 @@ private:
     FileDescriptor claim_;
 };
 
-/// Returns once the file's content is on the disk. False with errno on an error. One per system.
-bool syncToDisk(int descriptor);
-
 } // namespace vespra

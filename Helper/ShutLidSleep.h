@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Helper/PowerControl.h"

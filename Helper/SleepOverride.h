@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Scheduling/WallClock.h"
 #include "Helper/LedgerStorage.h"
 

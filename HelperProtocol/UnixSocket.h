@@ -23,9 +23,6 @@ FileDescriptor make();
 /// inherits the descriptor; all it could do is hold open a connection on which nobody waits for the end.
 void closeOnExec(int descriptor);
 
-/// Whose program is at the other end of a connection; absent if the system does not tell.
-std::optional<uid_t> peerUser(int descriptor);
-
 /// False if the mode could not be changed.
 bool setBlocking(int descriptor, bool blocks);
 

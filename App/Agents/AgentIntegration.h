@@ -1,7 +1,7 @@
 #pragma once
 
-#include "App/Agents/AuxiliaryExecutable.h"
-#include "App/System/SystemLog.h"
+#include "Host/Host.h"
+#include "Log/SystemLog.h"
 #include "Core/Agents/AgentKind.h"
 #include "Core/Agents/HookSettingsFile.h"
 #include "Core/Observation/Observed.h"

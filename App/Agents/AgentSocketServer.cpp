@@ -1,7 +1,7 @@
 #include "App/Agents/AgentSocketServer.h"
 
 #include "App/Agents/AgentSocketReceiver.h"
-#include "App/Agents/ThreadName.h"
+#include "Host/Host.h"
 #include "HelperProtocol/Brand.h"
 #include "HelperProtocol/UnixSocket.h"
 

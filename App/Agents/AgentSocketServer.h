@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Agents/AgentEvent.h"
 #include "Core/Scheduling/MainLoop.h"
 #include "Core/Scheduling/WallClock.h"

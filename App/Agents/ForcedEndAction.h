@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Agents/AgentPolicy.h"
+#include "Core/Session/AgentPolicy.h"
 #include "Core/Lifetime.h"
 #include "Core/Observation/Observed.h"
 #include "Core/Scheduling/TaskScheduling.h"

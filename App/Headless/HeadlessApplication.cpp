@@ -1,13 +1,13 @@
 #include "App/Headless/HeadlessApplication.h"
 
-#include "App/Headless/ExitStatus.h"
+#include "App/Launch/ExitStatus.h"
 #include "App/System/simulated/SimulatedMachine.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/ClosedLidWording.h"
 #include "App/Wording/Localized.h"
 #include "App/Wording/SessionReport.h"
 #include "App/Wording/SessionWording.h"
-#include "Control/Protocol/EndStatus.h"
+#include "ControlProtocol/EndStatus.h"
 #include "HelperProtocol/Brand.h"
 
 #include <cmath>
@@ -31,7 +31,7 @@ namespace {
 
 } // namespace
 
-HeadlessApplication::HeadlessApplication(AppDelegate& application, Platform& platform, const HeadlessOptions& options,
+HeadlessApplication::HeadlessApplication(AppDelegate& application, Platform& platform, const LaunchOptions& options,
     TerminalOutput& output, std::function<void(int)> onFinish)
     : application_{application}
     , platform_{platform}

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "App/Headless/HeadlessOptions.h"
+#include "App/Launch/LaunchOptions.h"
 #include "App/Headless/TerminalOutput.h"
-#include "App/Model/AppDelegate.h"
+#include "App/Launch/AppDelegate.h"
 
 #include <functional>
 #include <memory>
@@ -14,7 +14,7 @@ namespace vespra {
 class HeadlessApplication {
 public:
     /// The arguments outlive it. `onFinish` gets the exit status once the session has ended.
-    HeadlessApplication(AppDelegate& application, Platform& platform, const HeadlessOptions& options,
+    HeadlessApplication(AppDelegate& application, Platform& platform, const LaunchOptions& options,
         TerminalOutput& output, std::function<void(int exitStatus)> onFinish);
     ~HeadlessApplication();
     HeadlessApplication(const HeadlessApplication&) = delete;
@@ -43,7 +43,7 @@ private:
 
     AppDelegate& application_;
     Platform& platform_;
-    HeadlessOptions options_;
+    LaunchOptions options_;
     TerminalOutput& output_;
     std::function<void(int)> onFinish_;
     int exitStatus_;

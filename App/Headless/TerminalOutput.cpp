@@ -1,6 +1,6 @@
 #include "App/Headless/TerminalOutput.h"
 
-#include "App/System/StandardError.h"
+#include "Log/StandardError.h"
 
 #include <QString>
 

@@ -1,10 +1,8 @@
 #include "App/Model/AppModel.h"
 
+#include "App/Model/PanelFacts.h"
 #include "App/Model/PreferencesStore.h"
-#include "App/Model/SessionNotifier.h"
 #include "App/System/ClosedLidController.h"
-#include "App/Wording/AgentWording.h"
-#include "App/Wording/Localized.h"
 
 #include <algorithm>
 
@@ -25,6 +23,7 @@ AppModel::AppModel(const AppEnvironment& environment)
     , loginItem_{environment.platform.login.get()}
     , updates_{environment.platform.updater.get()}
     , forcedEndAction_{*environment.platform.time.tasks, *environment.platform.time.clock}
+    , clock_{*environment.platform.time.clock, *environment.platform.time.tasks}
     , keptSettings_{coordinator_.settings()}
     , preferences_{PreferencesStore::load(environment.defaults)}
     , playsHeatAlarm_{PreferencesStore::playsHeatAlarm(environment.defaults)}
@@ -152,41 +151,17 @@ bool AppModel::needsAgentConnection(const SessionPreferences& preferences) const
             agentIntegration_.connections(), [](const auto& agent) { return agent.second == Connection::connected; });
 }
 
-std::optional<SessionEnd> AppModel::visibleGuardrailEnd() const
-{
-    const auto end = coordinator_.state().lastEnd();
-    return end && traits(end->reason).isGuardrail && end != dismissedEnd_.get() ? end : std::nullopt;
-}
-
 void AppModel::dismissEnd()
 {
-    if (const auto end = visibleGuardrailEnd())
+    if (const auto end = panelFacts::visibleGuardrailEnd(*this))
         dismissedEnd_.set(end);
 }
 
-std::string AppModel::agentsFinishedTitle() const
-{
-    const auto& session = agents_.lastFinished();
-    if (!session)
-        return localized("Your agents are done");
-    const std::string agent{displayName(session->agent)};
-    if (const auto folder = session->folderName())
-        return localized("%1 finished in %2", {agent, *folder});
-    return localized("%1 is done", {agent});
-}
-
-void AppModel::agentsFinished(SessionNotifier& notifier)
+AgentEndAction AppModel::endAction() const
 {
     // What still runs is not to be cut off.
     const bool isSkipped = skipsForcedActionThisSession() || commands_.isAnyRunning();
-    const auto action = isSkipped ? AgentEndAction::letSleep : coordinator_.settings().agents.endAction;
-    forcedEndAction_.schedule(action, coordinator_.now());
-    postAgentsFinished(notifier, action);
-}
-
-void AppModel::postAgentsFinished(SessionNotifier& notifier, AgentEndAction action) const
-{
-    notifier.postAgentsFinished(agentsFinishedTitle(), notificationBody(action), action != AgentEndAction::letSleep);
+    return isSkipped ? AgentEndAction::letSleep : coordinator_.settings().agents.endAction;
 }
 
 } // namespace vespra

@@ -2,20 +2,20 @@
 
 #include "App/Agents/AgentIntegration.h"
 #include "App/Agents/ForcedEndAction.h"
-#include "App/General/AppUpdates.h"
-#include "App/General/LoginItem.h"
+#include "App/Updates/AppUpdates.h"
+#include "App/LoginItem/LoginItem.h"
 #include "App/Model/RunningCommands.h"
 #include "App/Model/SettingsTab.h"
 #include "App/Model/UserDefaults.h"
 #include "App/System/Platform.h"
 #include "Core/Agents/AgentEndCondition.h"
+#include "Core/Observation/ObservedClock.h"
 #include "Core/Session/SessionCoordinator.h"
 #include "Core/Session/SessionPreferences.h"
 
 namespace vespra {
 
 class ClosedLidController;
-class SessionNotifier;
 
 /// Where the model gets its readings and keeps what the user chose.
 struct AppEnvironment {
@@ -58,6 +58,9 @@ public:
     bool skipsForcedActionThisSession() const { return skipsForcedActionThisSession_.get(); }
     void setSkipsForcedActionThisSession(bool skips) { skipsForcedActionThisSession_.set(skips); }
 
+    /// The date, for what shows passing seconds.
+    const ObservedClock& clock() const { return clock_; }
+
     SettingsTab settingsTab() const { return settingsTab_.get(); }
     void setSettingsTab(SettingsTab tab) { settingsTab_.set(tab); }
 
@@ -97,16 +100,14 @@ public:
     bool needsAgentConnection() const { return needsAgentConnection(preferences()); }
     bool needsAgentConnection(const SessionPreferences& preferences) const;
 
-    /// The end by a guardrail that the user has not dismissed yet, while no session runs.
-    std::optional<SessionEnd> visibleGuardrailEnd() const;
+    /// The last end that the user has dismissed; absent before the first.
+    const std::optional<SessionEnd>& dismissedEnd() const { return dismissedEnd_.get(); }
+    /// The notice of the end that is shown goes; another end shows again.
     void dismissEnd();
 
-    /// "Claude Code finished in project".
-    std::string agentsFinishedTitle() const;
-    /// The agents have ended their session: starts the countdown of what is to follow, and tells the user.
-    void agentsFinished(SessionNotifier& notifier);
-    /// Tells the user what follows the agents' session now.
-    void postAgentsFinished(SessionNotifier& notifier, AgentEndAction action) const;
+    /// What follows when the agents end this session: the action of the settings, unless this session is to skip it or a
+    /// command still runs.
+    AgentEndAction endAction() const;
     /// Some session has ended.
     void sessionEnded() { agentCondition_.set(nullptr); }
 
@@ -127,6 +128,7 @@ private:
     AppUpdates updates_;
     AgentTracker agents_;
     ForcedEndAction forcedEndAction_;
+    ObservedClock clock_;
     RunningCommands commands_{*this};
     SessionSettings keptSettings_;
     Observed<std::shared_ptr<AgentEndCondition>> agentCondition_;

@@ -16,9 +16,9 @@
 #include "Core/RawValue.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
 #include "Core/Scheduling/MainLoop.h"
-#include "Core/Scheduling/PowerSourceMonitoring.h"
+#include "Core/Energy/PowerSourceMonitoring.h"
 #include "Core/Scheduling/TaskScheduling.h"
-#include "Core/Scheduling/ThermalMonitoring.h"
+#include "Core/Energy/ThermalMonitoring.h"
 #include "Core/Scheduling/WallClock.h"
 
 #include <expected>

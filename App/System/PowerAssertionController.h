@@ -3,7 +3,7 @@
 #include "App/System/DisplayControl.h"
 #include "App/System/LidMonitoring.h"
 #include "App/System/PowerAssertionBackend.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Core/Session/PowerRequirements.h"

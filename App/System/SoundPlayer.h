@@ -4,6 +4,9 @@
 
 namespace vespra {
 
+/// The sound of the heat alarm, among the files that ship with the program.
+inline constexpr auto heatAlarmSound = "sounds/heat-alarm.wav";
+
 /// Plays the alarm that tells of a hot machine. Main thread only.
 class SoundPlayer {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Agents/AgentPolicy.h"
+#include "Core/Session/AgentPolicy.h"
 #include "Core/Agents/AgentTracker.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #include "Control/Scenario/ScenarioPlayer.h"
 
-#include "Control/Protocol/SnapshotJSON.h"
-#include "Core/Scheduling/ScriptedMonitors.h"
+#include "ControlProtocol/SnapshotJSON.h"
+#include "Core/Energy/ScriptedMonitors.h"
 #include "Core/Scheduling/VirtualTime.h"
 
 #include <nlohmann/json.hpp>

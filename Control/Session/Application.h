@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Control/Command.h"
-#include "Control/Protocol/ControlClient.h"
+#include "ControlProtocol/ControlClient.h"
 
 #include <functional>
 

@@ -1,4 +1,4 @@
-#include "Control/Protocol/EndStatus.h"
+#include "ControlProtocol/EndStatus.h"
 #include "Control/Session/Application.h"
 #include "HelperProtocol/Brand.h"
 #include "HelperProtocol/Process.h"

@@ -1,4 +1,4 @@
-#include "Control/Arguments/Arguments.h"
+#include "ControlProtocol/Arguments.h"
 #include "Control/Session/Application.h"
 #include "Core/Session/SessionLimits.h"
 

@@ -1,4 +1,4 @@
-#include "Control/Protocol/SettingTexts.h"
+#include "ControlProtocol/SettingTexts.h"
 #include "Control/Session/Application.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "Control/Protocol/SnapshotJSON.h"
+#include "ControlProtocol/SnapshotJSON.h"
 #include "Control/Session/Application.h"
 #include "HelperProtocol/Process.h"
 

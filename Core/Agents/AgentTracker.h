@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Agents/AgentEvent.h"
-#include "Core/Agents/AgentPolicy.h"
+#include "Core/Session/AgentPolicy.h"
 #include "Core/Observation/Observed.h"
 
 #include <functional>

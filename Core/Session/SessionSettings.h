@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Agents/AgentPolicy.h"
+#include "Core/Session/AgentPolicy.h"
 #include "Core/ClosedLid/ClosedLidPolicy.h"
 #include "Core/Coding/JSONSource.h"
 #include "Core/Energy/EnergyPolicy.h"

@@ -1,10 +1,10 @@
-#include "App/System/macos/MacAdapters.h"
 #include "Helper/LedgerFile.h"
 #include "Helper/macos/MacMachine.h"
 #include "Helper/macos/MainQueueWatchdog.h"
 #include "Helper/macos/XPCService.h"
 #include "HelperProtocol/Brand.h"
 #include "HelperProtocol/Process.h"
+#include "Host/macos/DispatchTaskScheduler.h"
 
 #import <Foundation/Foundation.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Scheduling/ScriptedMonitors.h"
+#include "Core/Energy/ScriptedMonitors.h"
 
 namespace vespra {
 

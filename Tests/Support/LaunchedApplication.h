@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/Model/AppDelegate.h"
+#include "App/Launch/AppDelegate.h"
 #include "Core/Agents/HookSettingsFile.h"
 #include "Tests/Support/QtApplication.h"
 #include "Tests/Support/TemporaryDirectory.h"

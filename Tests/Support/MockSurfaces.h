@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/Model/AppSurfaces.h"
+#include "App/Launch/AppSurfaces.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "App/Model/UserDefaults.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 
 #include <QSettings>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "App/System/linux/DBus.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "App/System/UserNotificationCenter.h"
 
 #include <map>

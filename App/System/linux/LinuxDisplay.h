@@ -3,7 +3,7 @@
 #include "App/System/DisplayControl.h"
 #include "App/System/linux/DBus.h"
 #include "App/System/linux/X11.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Scheduling/TaskScheduling.h"
 
 namespace vespra {

@@ -5,7 +5,7 @@
 #include "App/System/linux/UPower.h"
 #include "App/System/Reading.h"
 #include "Core/Lifetime.h"
-#include "Core/Scheduling/PowerSourceMonitoring.h"
+#include "Core/Energy/PowerSourceMonitoring.h"
 #include "Core/Scheduling/TaskScheduling.h"
 
 #include <filesystem>

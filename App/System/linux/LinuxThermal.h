@@ -2,9 +2,9 @@
 
 #include "App/System/Reading.h"
 #include "App/System/ThermalEstimate.h"
-#include "Core/Scheduling/PowerSourceMonitoring.h"
+#include "Core/Energy/PowerSourceMonitoring.h"
 #include "Core/Scheduling/TaskScheduling.h"
-#include "Core/Scheduling/ThermalMonitoring.h"
+#include "Core/Energy/ThermalMonitoring.h"
 
 #include <filesystem>
 #include <memory>

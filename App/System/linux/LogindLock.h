@@ -2,7 +2,7 @@
 
 #include "App/System/linux/DBus.h"
 #include "App/System/linux/Inhibition.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Scheduling/TaskScheduling.h"
 
 #include <optional>

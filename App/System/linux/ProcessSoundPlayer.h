@@ -1,7 +1,7 @@
 #pragma once
 
 #include "App/System/SoundPlayer.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainLoop.h"
 

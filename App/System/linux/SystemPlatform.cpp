@@ -15,7 +15,7 @@
 #include "App/System/linux/SessionInhibitor.h"
 #include "App/System/linux/TimerfdScheduler.h"
 #include "App/System/QtMainLoop.h"
-#include "App/System/ResourceFile.h"
+#include "Host/Host.h"
 #include "HelperProtocol/Brand.h"
 
 #include <QCoreApplication>

@@ -10,9 +10,8 @@
 #include "App/System/UserNotificationCenter.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
 #include "Core/Scheduling/MainLoop.h"
-#include "Core/Scheduling/PowerSourceMonitoring.h"
-#include "Core/Scheduling/TaskScheduling.h"
-#include "Core/Scheduling/ThermalMonitoring.h"
+#include "Core/Energy/PowerSourceMonitoring.h"
+#include "Core/Energy/ThermalMonitoring.h"
 
 #include <memory>
 
@@ -20,8 +19,6 @@ namespace vespra {
 
 /// One-shot dispatch timers against the wall clock, on the main queue.
 std::unique_ptr<DeadlineScheduling> makeDispatchDeadlineScheduler();
-/// The same against the continuous clock.
-std::unique_ptr<TaskScheduling> makeDispatchTaskScheduler();
 
 std::unique_ptr<PowerSourceMonitoring> makeIOPSPowerSource();
 std::unique_ptr<ThermalMonitoring> makeThermalStateMonitor();

@@ -1,5 +1,5 @@
 #include "App/System/macos/MacAdapters.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainThread.h"
 #include "HelperProtocol/Brand.h"

@@ -1,6 +1,6 @@
 #include "App/System/macos/MacAdapters.h"
-#include "App/System/ResourceFile.h"
-#include "App/System/SystemLog.h"
+#include "Host/Host.h"
+#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainThread.h"
 #include "HelperProtocol/Brand.h"

@@ -3,6 +3,7 @@
 #include "App/System/macos/MacAdapters.h"
 #include "App/System/macos/MacHelper.h"
 #include "App/System/QtMainLoop.h"
+#include "Host/macos/DispatchTaskScheduler.h"
 
 #include <cstdlib>
 

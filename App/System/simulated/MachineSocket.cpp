@@ -1,7 +1,7 @@
 #include "App/System/simulated/MachineSocket.h"
 
 #include "App/System/simulated/MachineProtocol.h"
-#include "App/System/SystemLog.h"
+#include "Log/SystemLog.h"
 #include "HelperProtocol/Brand.h"
 
 #include <algorithm>

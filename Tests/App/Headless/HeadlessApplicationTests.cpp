@@ -8,7 +8,7 @@ namespace {
 
     class HeadlessApplicationTest : public LaunchedApplication {
     protected:
-        void start(const HeadlessOptions& options)
+        void start(const LaunchOptions& options)
         {
             exitStatus.reset();
             headless.reset();

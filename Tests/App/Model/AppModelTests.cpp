@@ -1,4 +1,4 @@
-#include "App/Model/AppModel.h"
+#include "App/Model/PanelFacts.h"
 
 #include "App/Model/PreferencesStore.h"
 #include "Tests/Support/LaunchedApplication.h"
@@ -231,28 +231,28 @@ TEST_F(AppModelTest, ShowsTheEndByAGuardrailUntilItIsDismissed)
         laptop.set({{"charger", "off"}});
     };
     endByCharger();
-    ASSERT_TRUE(model().visibleGuardrailEnd());
+    ASSERT_TRUE(panelFacts::visibleGuardrailEnd(model()));
     model().dismissEnd();
-    EXPECT_FALSE(model().visibleGuardrailEnd());
+    EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model()));
     laptop.advance(1s);
     endByCharger();
-    EXPECT_TRUE(model().visibleGuardrailEnd()) << "another end";
+    EXPECT_TRUE(panelFacts::visibleGuardrailEnd(model())) << "another end";
     laptop.set({{"charger", "on"}});
     model().start();
-    EXPECT_FALSE(model().visibleGuardrailEnd()) << "a session runs";
+    EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model())) << "a session runs";
     model().toggleSession();
-    EXPECT_FALSE(model().visibleGuardrailEnd()) << "no guardrail's";
+    EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model())) << "no guardrail's";
 }
 
 TEST_F(AppModelTest, NamesTheAgentThatFinished)
 {
-    EXPECT_EQ(model().agentsFinishedTitle(), "Your agents are done");
+    EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), "Your agents are done");
     agent(AgentSignal::working);
     agent(AgentSignal::finished);
-    EXPECT_EQ(model().agentsFinishedTitle(), "Claude Code finished in project");
+    EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), "Claude Code finished in project");
     model().agents().record({.agent = AgentKind::codex, .sessionID = "b", .signal = AgentSignal::working});
     model().agents().record({.agent = AgentKind::codex, .sessionID = "b", .signal = AgentSignal::finished});
-    EXPECT_EQ(model().agentsFinishedTitle(), "Codex is done");
+    EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), "Codex is done");
 }
 
 TEST_F(AppModelTest, WhatFollowsTheAgentsIsSkippedOnceOrCalledOff)

@@ -1,6 +1,6 @@
 #include "App/System/linux/ProcessSoundPlayer.h"
 #include "App/System/QtMainLoop.h"
-#include "App/System/ResourceFile.h"
+#include "Host/Host.h"
 #include "Tests/Support/QtApplication.h"
 #include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ranges>
+
 using namespace vespra;
 using namespace std::string_literals;
 
@@ -68,29 +70,12 @@ TEST(AgentEvent, NeedsOnlyTheFormOfWhatIsNotWanted)
              R"(,"numbers":[0,-1.50,1E+2,2e-3,12345678901234567890],"words":[true,false,null],"lists":[[],[{}]]})"s,
              ",\"deep\":" + opened + closed + "}"})
         EXPECT_TRUE(isRead(rest)) << rest.substr(0, 80);
-    for (const std::string rest : {"",
-             "}}",
-             "} x",
-             ",}",
-             " \"a\":1}",
-             ",\"a\"}",
-             ",\"a\":}",
-             ",a:1}",
-             ",\"a\":tru}",
-             ",\"a\":01}",
-             ",\"a\":-}",
-             ",\"a\":1.}",
-             ",\"a\":.5}",
-             ",\"a\":1e}",
-             ",\"a\":[1,]}",
-             ",\"a\":[1}]",
-             ",\"a\":[1 2]}",
-             ",\"a\":{\"b\"}}",
-             ",\"a\":{\"b\":1,}}",
-             ",\"a\":{1:1}}",
-             R"(,"a":"\"})",
-             R"(,"a":"\)"})
-        EXPECT_FALSE(isRead(rest)) << rest;
+    constexpr std::string_view wrong
+        = R"(~}}~} x~,}~ "a":1}~,"a"}~,"a":}~,a:1}~,"a":tru}~,"a":01}~,"a":-}~,"a":1.}~,"a":.5})"
+          R"(~,"a":1e}~,"a":[1,]}~,"a":[1}]~,"a":[1 2]}~,"a":{"b"}}~,"a":{"b":1,}}~,"a":{1:1}})"
+          R"(~,"a":"\"}~,"a":"\)";
+    for (const auto rest : std::views::split(wrong, '~'))
+        EXPECT_FALSE(isRead({rest.begin(), rest.end()})) << std::string_view{rest.begin(), rest.end()};
     EXPECT_FALSE(isRead(",\"deep\":" + opened));
 }
 
@@ -104,10 +89,7 @@ TEST(AgentEvent, OfANotificationFollowsItsTypeAndElseItsMessage)
              {R"("notification_type":"agent_completed")", AgentSignal::finished},
              {R"("notification_type":"auth_success","message":"needs your permission")", {}},
              {R"("notification_type":"","message":"needs your permission")", {}},
-             {R"("notification_type":null,"message":"needs your permission")", AgentSignal::waitingForApproval},
              {R"("message":"Claude needs your PERMISSION to use Bash")", AgentSignal::waitingForApproval},
-             {R"("message":"Claude is Waiting for your input")", AgentSignal::finished},
-             {R"("message":"waiting for your input: permission")", AgentSignal::waitingForApproval},
              {R"("message":"waiting for input")", {}},
              {R"("message":["permission"])", {}},
              {R"("title":"permission")", {}},
@@ -117,17 +99,6 @@ TEST(AgentEvent, OfANotificationFollowsItsTypeAndElseItsMessage)
         const auto event = agentEvent(input, AgentKind::claudeCode, now);
         EXPECT_EQ(event ? std::optional{event->signal} : std::nullopt, signal);
     }
-}
-
-TEST(AgentEvent, TakesTheWorkingDirectoryOnlyFromAText)
-{
-    const auto cwd = [](const std::string& member) {
-        return agentEvent(R"({"session_id":"s","hook_event_name":"Stop")" + member + "}", AgentKind::codex, now)->cwd;
-    };
-    EXPECT_EQ(cwd(R"(,"cwd":"/home/zoé/p")"), "/home/zoé/p");
-    EXPECT_EQ(cwd(R"(,"cwd":"")"), "");
-    EXPECT_EQ(cwd(R"(,"cwd":null)"), std::nullopt);
-    EXPECT_EQ(cwd(""), std::nullopt);
 }
 
 TEST(AgentEvent, IsOneLineOfJSON)

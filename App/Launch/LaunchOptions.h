@@ -1,0 +1,33 @@
+#pragma once
+
+#include "App/System/Platform.h"
+#include "ControlProtocol/StartOptions.h"
+#include "Core/Session/SessionSettings.h"
+
+#include <optional>
+#include <variant>
+
+namespace vespra {
+
+inline constexpr const char* programName = "vespra";
+
+/// What the command line asks of a run in the terminal.
+struct LaunchOptions {
+    StartOptions session;
+    /// For this run; absent: those that are kept.
+    std::optional<SessionSettings> settings;
+    /// The agents' grace delay, whatever the settings say.
+    std::optional<Seconds> grace;
+    /// Absent: the system's own, or a simulated laptop where no power manager answers.
+    std::optional<PlatformKind> platform;
+    /// Start no session: listen to the agents and wait for the end.
+    bool isIdle = false;
+
+    /// Nothing was asked for but that the application runs.
+    bool isPlain() const { return session == StartOptions{} && !settings && !grace && !platform && !isIdle; }
+};
+
+/// The options, or the status to exit with after help or a complaint has been printed.
+std::variant<LaunchOptions, int> parsedCommandLine(int argc, char** argv);
+
+} // namespace vespra

@@ -1,0 +1,31 @@
+#include "App/LoginItem/LoginItem.h"
+
+#include "HelperProtocol/Brand.h"
+
+namespace vespra {
+
+LoginItem::LoginItem(LoginService* service)
+    : service_{service}
+    , log_{Brand::appBundleID(), "login"}
+{
+}
+
+void LoginItem::refresh()
+{
+    if (!service_)
+        return;
+    const auto status = service_->status();
+    isEnabled_.set(status == LoginServiceStatus::enabled);
+    requiresApproval_.set(status == LoginServiceStatus::requiresApproval);
+}
+
+void LoginItem::setEnabled(bool enabled)
+{
+    if (!service_)
+        return;
+    if (const auto done = enabled ? service_->registerApplication() : service_->unregisterApplication(); !done)
+        log_.error("Ouverture à la connexion : " + done.error());
+    refresh();
+}
+
+} // namespace vespra

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "App/System/LoginService.h"
+#include "Log/SystemLog.h"
+#include "Core/Observation/Observed.h"
+
+namespace vespra {
+
+/// Whether the application opens when the user logs in. Main thread only.
+class LoginItem {
+public:
+    /// `service` outlives it; null: a preview, which never touches the system.
+    explicit LoginItem(LoginService* service);
+
+    bool isPreview() const { return !service_; }
+
+    // As of the last `refresh`; false before the first.
+    bool isEnabled() const { return isEnabled_.get(); }
+    /// Registered, but the user still has to allow it in the system's settings.
+    bool requiresApproval() const { return requiresApproval_.get(); }
+    void refresh();
+
+    /// Then refreshes: how it stands tells whether it worked. A failure is logged.
+    void setEnabled(bool enabled);
+
+private:
+    LoginService* service_;
+    SystemLog log_;
+    Observed<bool> isEnabled_{false};
+    Observed<bool> requiresApproval_{false};
+};
+
+} // namespace vespra

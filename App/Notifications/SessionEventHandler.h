@@ -1,0 +1,40 @@
+#pragma once
+
+#include "App/Notifications/HeatAlarm.h"
+#include "App/Notifications/SessionNotifier.h"
+#include "App/System/Platform.h"
+#include "Core/Session/SessionEvent.h"
+
+namespace vespra {
+
+class AppModel;
+class ClosedLidController;
+
+/// Turns what happens to the session into notifications, an alarm, and what the closed lid needs. Main thread only.
+class SessionEventHandler {
+public:
+    /// A closed machine that was too hot stays awake this long, so that the alarm can be heard.
+    static constexpr Seconds overheatingRestoreDelay = 3s;
+
+    /// All of them outlive it.
+    SessionEventHandler(AppModel& model, ClosedLidController& closedLid, Platform& platform);
+
+    SessionNotifier& notifier() { return notifier_; }
+
+    void handle(const SessionEvent& event);
+    /// Tells the user what follows the agents' session.
+    void postAgentsFinished(AgentEndAction action);
+
+private:
+    void handleEnd(const SessionEnd& end);
+    void handleAgentsFinished();
+    void playAlarm();
+
+    AppModel& model_;
+    ClosedLidController& closedLid_;
+    TaskScheduling& tasks_;
+    SessionNotifier notifier_;
+    HeatAlarm alarm_;
+};
+
+} // namespace vespra

@@ -1,0 +1,43 @@
+#include "App/Updates/AppUpdates.h"
+
+namespace vespra {
+
+AppUpdates::AppUpdates(Updater* updater)
+    : updater_{updater}
+{
+    if (!updater_)
+        return;
+    updater_->onWillShowUpdate = lifetime_.guard([this](const std::string& version, bool isAskedFor) {
+        if (!isAskedFor)
+            notify(onUpdateFound, version);
+    });
+    updater_->onUpdateSeen = lifetime_.guard([this] { notify(onUpdateSeen); });
+    updater_->onCycleFinished = lifetime_.guard([this] { lastCheck_.set(updater_->lastCheck()); });
+    automaticallyChecks_.set(updater_->automaticallyChecks());
+    automaticallyInstalls_.set(updater_->automaticallyInstalls());
+    lastCheck_.set(updater_->lastCheck());
+}
+
+void AppUpdates::setAutomaticallyChecks(bool checks)
+{
+    if (!updater_)
+        return;
+    updater_->setAutomaticallyChecks(checks);
+    automaticallyChecks_.set(checks);
+}
+
+void AppUpdates::setAutomaticallyInstalls(bool installs)
+{
+    if (!updater_)
+        return;
+    updater_->setAutomaticallyInstalls(installs);
+    automaticallyInstalls_.set(installs);
+}
+
+void AppUpdates::checkForUpdates()
+{
+    if (updater_)
+        updater_->checkForUpdates();
+}
+
+} // namespace vespra

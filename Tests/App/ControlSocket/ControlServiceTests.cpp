@@ -1,0 +1,75 @@
+#include "App/ControlSocket/ControlService.h"
+
+#include "Tests/Support/LaunchedApplication.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace vespra {
+
+namespace {
+
+    using testing::HasSubstr;
+
+    /// What terminals get is tested from there.
+    class ControlServiceTest : public LaunchedApplication {
+    protected:
+        void SetUp() override { launch(); }
+    };
+
+} // namespace
+
+TEST_F(ControlServiceTest, StartsEveryPlanForThisTimeOnly)
+{
+    struct Start {
+        const char* request;
+        SessionPlan plan;
+        bool keepsDisplayAwake = false;
+    };
+    connectClaudeElsewhere();
+    setSettings([](auto& settings) { settings.agentSafetyCap = 3h; });
+    const auto before = model().preferences();
+    ControlService service{model()};
+    for (const auto& [request, plan, keepsDisplayAwake] : {
+             Start{R"({"request":"start"})", plan::Timer{1h}},
+             Start{R"({"request":"start","mode":"timer","timerDuration":"1m"})", plan::Timer{1min}},
+             Start{R"({"request":"start","mode":"until","untilTime":"06:05"})", plan::Until{{6, 5}}},
+             Start{R"({"request":"start","mode":"unlimited","keepsDisplayAwake":true})", plan::Unlimited{}, true},
+             Start{R"({"request":"start","mode":"agent"})", plan::Agent{3h}},
+         }) {
+        SCOPED_TRACE(request);
+        service.reply(*controlProtocol::request(request));
+        ASSERT_TRUE(isActive());
+        const auto* session = coordinator().state().activeSession();
+        EXPECT_EQ(session->plan, plan);
+        EXPECT_EQ(session->options, (SessionOptions{.keepsDisplayAwake = keepsDisplayAwake}));
+        coordinator().stop(end::StoppedByUser{});
+    }
+    EXPECT_EQ(model().preferences(), before);
+}
+
+TEST(ControlRequest, NamesItsFault)
+{
+    for (const auto& [line, complaint] :
+        std::initializer_list<std::pair<std::string, std::string>>{
+            {"", "request: expected a JSON object in one line"},
+            {"{", "request: expected a JSON object in one line"},
+            {"[]", "request: expected an object"},
+            {"{}", "request.request:"},
+            {R"({"request":"fly"})", R"(request.request: expected one of "status")"},
+            {R"({"request":"stop","mode":"timer"})", R"(does not take "mode" with "stop")"},
+            {R"({"request":"start","mode":"soon"})", R"(request.mode: expected one of "timer")"},
+            {R"({"request":"start","timerDuration":"59s"})", "request.timerDuration: expected a length from 1m to 24h"},
+            {R"({"request":"start","timerDuration":60})", "request.timerDuration:"},
+            {R"({"request":"start","untilTime":"24:00"})", "request.untilTime: expected a time of day"},
+            {R"({"request":"display"})", "request.on:"},
+            {R"({"request":"display","on":"yes"})", "request.on:"},
+            {R"({"request":"set","key":"energy"})", "request.value:"},
+        }) {
+        const auto request = controlProtocol::request(line);
+        ASSERT_FALSE(request) << line;
+        EXPECT_THAT(request.error(), HasSubstr(complaint)) << line;
+    }
+}
+
+} // namespace vespra
