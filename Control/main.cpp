@@ -11,7 +11,7 @@ using namespace vespra::control;
 namespace {
 
 /// Does what the arguments say and returns the exit status.
-int control(int argc, char** argv)
+int runVerb(int argc, char** argv)
 {
     const auto command = takeCommand(argc, argv);
     CLI::App vespractl{"Controls Vespra from a terminal or a script.", programName};
@@ -38,7 +38,7 @@ int control(int argc, char** argv)
 int main(int argc, char** argv)
 {
     process::openStandardDescriptors();
-    const int exitStatus = inAutoreleasePool([&] { return control(argc, argv); });
+    const int exitStatus = inAutoreleasePool([&] { return runVerb(argc, argv); });
     if (process::isOutputWritten())
         return exitStatus;
     const char* const reason = errno == 0 ? "not all of it was written" : std::strerror(errno);

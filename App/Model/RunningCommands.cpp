@@ -102,7 +102,7 @@ bool RunningCommands::startOwnSession(const SessionOptions& options)
 
 bool RunningCommands::isWanted(std::optional<bool> Wishes::* wish) const
 {
-    return std::ranges::any_of(commands_, [wish](const auto& each) { return each.second.wishes.*wish == true; });
+    return std::ranges::any_of(commands_, [wish](const auto& each) { return (each.second.wishes.*wish).value_or(false); });
 }
 
 /// Takes back what no command wants any more. Switching off is never refused.
@@ -114,7 +114,7 @@ void RunningCommands::lower()
     }
     if (raised_.closedLid && !isWanted(&Wishes::closedLid)) {
         raised_.closedLid = false;
-        model_.coordinator().setClosedLid(false);
+        static_cast<void>(model_.coordinator().setClosedLid(false));
     }
 }
 

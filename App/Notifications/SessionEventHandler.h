@@ -3,6 +3,7 @@
 #include "App/Notifications/HeatAlarm.h"
 #include "App/Notifications/SessionNotifier.h"
 #include "App/System/Platform.h"
+#include "Core/Session/AgentPolicy.h"
 #include "Core/Session/SessionEvent.h"
 
 namespace vespra {
