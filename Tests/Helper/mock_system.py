@@ -117,11 +117,6 @@ class Mock(dbus.service.Object):
     def Set(self, changes):
         state.update(json.loads(changes))
         deeds.clear()
-        if state.pop("forgets", False):
-            for read in list(locks):
-                GLib.source_remove(watches[read])
-                os.close(read)
-                del locks[read]
 
     @dbus.service.method("app.vespra.Mock", "", "")
     def ForgetLocks(self):

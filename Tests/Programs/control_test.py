@@ -142,7 +142,7 @@ class Verbs(ApplicationTest):
                     ("machine set helper=refusing", 0, "", ""), ("closed-lid remove", 1, "", "The component is still .*\n"),
                     ("closed-lid on", 5, "", no("Component not responding")),
                     ("stop", 0, "", ""), ("machine set helper=stuck", 0, "", ""),
-                    ("toggle", 5, "Awake until .*\n", no("Component not responding")))
+                    ("toggle", 5, "Awake until .*\n.*\n", no("Component not responding")))
 
     def test_an_agent_session_is_kept_awake_and_its_forced_action_cancelled(self):
         self.connect_agent()
@@ -279,9 +279,9 @@ class Output(ApplicationTest):
         for program in (("vespra", "--headless", "--platform", "simulated", "--unlimited"), ("vespractl", "status")):
             process = self.spawn("sh", "-c", 'exec "$0" "$@" <&- >&- 2>&-', BIN / program[0], *program[1:])
             self.wait_for(lambda: process.poll() is not None or self.ctl("status").returncode == 0)
-            for number in range(3):
-                if process.poll() is None:
-                    self.assertEqual(os.readlink(f"/proc/{process.pid}/fd/{number}"), "/dev/null")
+            if program[0] == "vespra":
+                files = [os.readlink(f"/proc/{process.pid}/fd/{number}") for number in range(3)]
+                self.assertEqual(files, ["/dev/null"] * 3)
         self.assertEqual(process.wait(SLOW), 0)
         self.assertEqual(self.status()["state"], "active")
 
