@@ -1,7 +1,5 @@
 #include "AgentTool/HookInputReader.h"
 
-#include "Core/Agents/HookInput.h"
-
 #include <poll.h>
 #include <unistd.h>
 
@@ -12,23 +10,26 @@ namespace vespra {
 
 namespace {
 
-    /// What a pipe holds.
+    /// As much as a pipe holds on Linux: most inputs take one read.
     using Piece = std::array<char, 65'536>;
 
 } // namespace
 
-std::optional<std::string> HookInputReader::read()
+std::optional<HookInput> HookInputReader::read()
 {
-    std::string input;
-    HookInputProgress progress;
+    using Progress = HookInputParser::Progress;
+    HookInputParser parser;
     Piece piece;
+    std::size_t total = 0;
     while (const auto size = readPiece(piece.data(), piece.size())) {
-        if (input.size() + size > sizeLimit)
+        total += size;
+        if (total > sizeLimit)
             return {};
-        input.append(piece.data(), size);
-        progress.add({piece.data(), size});
-        if (progress.isComplete())
-            return input;
+        const auto progress = parser.add({piece.data(), size});
+        if (progress == Progress::complete)
+            return parser.input();
+        if (progress == Progress::invalid)
+            return {};
     }
     return {};
 }
@@ -42,7 +43,8 @@ void HookInputReader::drain()
 
 std::size_t HookInputReader::readPiece(char* into, std::size_t size)
 {
-    // The agent may share the open file, so its mode stays as it is: poll tells when a read does not block.
+    // The agent may share the open file description, so it must not be set to non-blocking; poll tells when a read will
+    // not block.
     while (!deadline_.hasPassed()) {
         pollfd input{descriptor_, POLLIN, 0};
         if (poll(&input, 1, deadline_.remaining()) <= 0)

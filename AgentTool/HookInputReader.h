@@ -1,17 +1,18 @@
 #pragma once
 
 #include "AgentTool/Deadline.h"
+#include "Core/Agents/HookInput.h"
 
+#include <cstddef>
 #include <optional>
-#include <string>
 
 namespace vespra {
 
-/// Reads what an agent gives its hook on standard input. Never waits for the end of the input: some agents leave it
+/// Reads what an agent writes to its hook's standard input. Never waits for the end of the input: some agents leave it
 /// open.
 class HookInputReader {
 public:
-    static constexpr std::size_t sizeLimit = std::size_t{16} << 20;
+    static constexpr std::size_t sizeLimit = std::size_t{16} << 20; // bytes
     static constexpr auto timeLimit = std::chrono::milliseconds{1000};
 
     /// The time runs from here on. `descriptor` stays the caller's.
@@ -20,15 +21,15 @@ public:
     {
     }
 
-    /// The input up to the piece that completes its JSON object. Absent if the object did not end before the input, the
-    /// time or the size limit.
-    std::optional<std::string> read();
+    /// What the JSON object says, as soon as its end has arrived. Absent if the input is invalid, or if the end of the
+    /// input, the time limit or the size limit comes first.
+    std::optional<HookInput> read();
 
-    /// Takes and drops what still comes until the input or the time ends, so that the agent's writing does not fail.
+    /// Reads and discards the rest of the input, within the time limit, so that the agent's write does not fail.
     void drain();
 
 private:
-    /// The number of bytes; 0 at the end, after a failure, and when the time has passed.
+    /// The number of bytes read; 0 at the end of the input, after a failure and when the time is up.
     std::size_t readPiece(char* into, std::size_t size);
 
     int descriptor_;

@@ -2,10 +2,9 @@
 #include "AgentTool/HookInputReader.h"
 #include "AgentTool/SocketPath.h"
 #include "Core/Agents/AgentEvent.h"
-#include "Core/Agents/HookInput.h"
 #include "Core/Scheduling/WallClock.h"
-#include "Host/Host.h"
 #include "HelperProtocol/Process.h"
+#include "Host/Host.h"
 
 #include <csignal>
 #include <exception>
@@ -19,16 +18,15 @@ namespace {
 void report(HookInputReader& reader, std::string_view agentName)
 {
     const auto agent = fromRawValue<AgentKind>(agentName);
-    const auto text = reader.read();
-    const auto input = text ? parsedHookInput(*text) : std::nullopt;
+    const auto input = reader.read();
     if (!input)
         return reader.drain();
     if (const auto event = agent ? agentEvent(*input, *agent, SystemClock{}.now()) : std::nullopt)
         sendLine(encoded(*event), socketPath());
 }
 
-/// Ends the program, come what may: its own limits end waiting, but a read that another reader of the same input was
-/// quicker with blocks.
+/// Ends the program after two seconds, whatever blocks. Its other limits bound only the waiting in `poll`: a read
+/// blocks all the same if another process that shares the input takes the bytes first.
 void limitTime()
 {
     constexpr timeval limit{.tv_sec = 2, .tv_usec = 0};
@@ -46,8 +44,8 @@ void limitTime()
 } // namespace
 
 /// Passes one event of an agent on to the application: `vespra-agent claude` or `vespra-agent codex`, with the hook's
-/// JSON on standard input. Whatever happens it says nothing and exits with 0: agents take other statuses for orders,
-/// and text for words to their model.
+/// JSON on standard input. Whatever happens, it prints nothing and exits with 0: agents treat other statuses as
+/// instructions, and pass output on to their model.
 int main(int argc, char** argv)
 {
     process::openStandardDescriptors();
@@ -59,10 +57,10 @@ int main(int argc, char** argv)
         try {
             report(reader, argc == 2 ? argv[1] : "");
         } catch (...) {
-            // Out of memory: the input was too much.
+            // Out of memory.
             reader.drain();
         }
-        // Past the clean-up at exit, which costs time and has nothing to do.
+        // Skips the destructors of globals: they take time and nothing depends on them.
         _exit(0);
     });
 }

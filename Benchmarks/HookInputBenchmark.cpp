@@ -17,11 +17,10 @@ void hookInput(benchmark::State& state, std::string_view repeated)
         text += repeated;
     const std::string_view input = text += "\"}";
     for (auto _ : state) {
-        HookInputProgress progress;
+        HookInputParser parser;
         for (std::size_t read = 0; read < input.size(); read += pieceSize)
-            progress.add(input.substr(read, pieceSize));
-        benchmark::DoNotOptimize(progress.isComplete());
-        benchmark::DoNotOptimize(agentEvent(input, AgentKind::claudeCode, Instant{}));
+            benchmark::DoNotOptimize(parser.add(input.substr(read, pieceSize)));
+        benchmark::DoNotOptimize(agentEvent(parser.input(), AgentKind::claudeCode, Instant{}));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(input.size()));
 }

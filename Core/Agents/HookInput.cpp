@@ -5,275 +5,282 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace vespra {
 
 namespace {
 
-    /// The one place that says which key goes where; nothing for any other key.
-    std::optional<std::string>* memberFor(HookInput& input, std::string_view key)
+    using Member = std::optional<std::string> HookInput::*;
+
+    /// The one place that says which key goes where; null for any other key.
+    Member memberFor(std::string_view key)
     {
-        constexpr std::pair<std::string_view, std::optional<std::string> HookInput::*> members[]{
+        constexpr std::pair<std::string_view, Member> members[]{
             {"hook_event_name", &HookInput::hookEventName},
             {"session_id", &HookInput::sessionID},
             {"cwd", &HookInput::cwd},
             {"notification_type", &HookInput::notificationType},
             {"message", &HookInput::message},
         };
-        for (const auto& [name, member] : members)
-            if (name == key)
-                return &(input.*member);
-        return nullptr;
+        const auto* found = std::ranges::find(members, key, &std::pair<std::string_view, Member>::first);
+        return found == std::end(members) ? nullptr : found->second;
     }
 
-    /// Every operation begins at `position_` and leaves it behind what it has read or passed over; false if the input
-    /// is not JSON there. Of what is not wanted only the form counts: what an agent cuts off within a character leaves
-    /// half of a pair of escapes in its texts, and its numbers may be larger than any that a program holds.
-    class HookInputParser {
-    public:
-        explicit HookInputParser(std::string_view text)
-            : text_{text}
-        {
-        }
+    /// `key` is in its quotes.
+    Member memberNamed(std::string_view key)
+    {
+        if (!key.contains('\\'))
+            return memberFor(key.substr(1, key.size() - 2));
+        const auto name = parsedJSON(key);
+        return name ? memberFor(name->get_ref<const std::string&>()) : nullptr;
+    }
 
-        std::optional<HookInput> document()
-        {
-            constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-            if (text_.starts_with(byteOrderMark))
-                position_ = byteOrderMark.size();
-            skipWhitespace();
-            if (!readObject())
-                return {};
-            skipWhitespace();
-            return position_ == text_.size() ? std::optional{std::move(input_)} : std::nullopt;
-        }
+    /// Of a key that comes twice the last value counts, whatever it is. False if `json` is none.
+    bool read(std::string_view json, std::optional<std::string>& member)
+    {
+        auto value = parsedJSON(json);
+        if (!value)
+            return false;
+        member = value->is_string() ? std::optional{std::move(value->get_ref<std::string&>())} : std::nullopt;
+        return true;
+    }
 
-    private:
-        bool readObject()
-        {
-            if (!take('{'))
+    bool isWhitespace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+    bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+    /// Whether a number or literal may hold `c`.
+    bool isOfWord(char c)
+    {
+        return isDigit(c) || c == '-' || c == '+' || c == '.' || c == 'E' || (c >= 'a' && c <= 'z');
+    }
+
+    bool take(std::string_view& text, std::string_view characters)
+    {
+        if (text.empty() || !characters.contains(text.front()))
+            return false;
+        text.remove_prefix(1);
+        return true;
+    }
+
+    bool takeDigits(std::string_view& text)
+    {
+        const auto end = std::ranges::find_if_not(text, isDigit);
+        const auto count = static_cast<std::size_t>(end - text.begin());
+        text.remove_prefix(count);
+        return count > 0;
+    }
+
+    bool isNumber(std::string_view text)
+    {
+        take(text, "-");
+        if (!take(text, "0") && !takeDigits(text))
+            return false;
+        if (take(text, ".") && !takeDigits(text))
+            return false;
+        if (take(text, "eE")) {
+            take(text, "+-");
+            if (!takeDigits(text))
                 return false;
-            skipWhitespace();
-            if (take('}'))
-                return true;
-            do {
-                skipWhitespace();
-                if (!readMember())
-                    return false;
-                skipWhitespace();
-            } while (take(','));
-            return take('}');
         }
+        return text.empty();
+    }
 
-        bool readMember()
-        {
-            const auto keyBegin = position_;
-            if (!skipText())
-                return false;
-            auto* wanted = memberNamed(since(keyBegin));
-            if (!skipColon())
-                return false;
-            const auto valueBegin = position_;
-            return skipValue() && (!wanted || read(since(valueBegin), *wanted));
-        }
-
-        /// `key` is in its quotes.
-        std::optional<std::string>* memberNamed(std::string_view key)
-        {
-            if (!key.contains('\\'))
-                return memberFor(input_, key.substr(1, key.size() - 2));
-            const auto name = parsedJSON(key);
-            return name ? memberFor(input_, name->get_ref<const std::string&>()) : nullptr;
-        }
-
-        /// Of a key that comes twice the last value counts, whatever it is.
-        static bool read(std::string_view json, std::optional<std::string>& member)
-        {
-            auto value = parsedJSON(json);
-            if (!value)
-                return false;
-            if (value->is_string())
-                member = std::move(value->get_ref<std::string&>());
-            else
-                member.reset();
-            return true;
-        }
-
-        /// Without recursion: how deep an agent's values nest is not for this program to trust.
-        bool skipValue()
-        {
-            do {
-                if (next() == '{' || next() == '[') {
-                    if (!open())
-                        return false;
-                } else if (!(next() == '"' ? skipText() : skipWord())) {
-                    return false;
-                } else if (!skipToNextValue()) {
-                    return false;
-                }
-            } while (!closings_.empty());
-            return true;
-        }
-
-        /// Up to the first value in the list, or behind the list and what ends with it.
-        bool open()
-        {
-            const char closing = next() == '{' ? '}' : ']';
-            ++position_;
-            skipWhitespace();
-            if (take(closing))
-                return skipToNextValue();
-            closings_ += closing;
-            return closing == ']' || skipKey();
-        }
-
-        /// From the end of a value to the next one in the same list or in one further out.
-        bool skipToNextValue()
-        {
-            while (!closings_.empty()) {
-                skipWhitespace();
-                if (take(',')) {
-                    skipWhitespace();
-                    return closings_.back() == ']' || skipKey();
-                }
-                if (!take(closings_.back()))
-                    return false;
-                closings_.pop_back();
-            }
-            return true;
-        }
-
-        bool skipKey() { return skipText() && skipColon(); }
-
-        bool skipColon()
-        {
-            skipWhitespace();
-            if (!take(':'))
-                return false;
-            skipWhitespace();
-            return true;
-        }
-
-        bool skipText()
-        {
-            if (!take('"'))
-                return false;
-            while (true) {
-                position_ += lengthToQuoteOrBackslash(text_.substr(position_));
-                if (take('"'))
-                    return true;
-                if (text_.size() - position_ < 2)
-                    return false;
-                position_ += 2; // the backslash and what it escapes
-            }
-        }
-
-        /// A number or literal.
-        bool skipWord()
-        {
-            for (const std::string_view literal : {"true", "false", "null"})
-                if (text_.substr(position_).starts_with(literal)) {
-                    position_ += literal.size();
-                    return true;
-                }
-            return skipNumber();
-        }
-
-        bool skipNumber()
-        {
-            take('-');
-            if (!take('0') && !skipDigits())
-                return false;
-            if (take('.') && !skipDigits())
-                return false;
-            if (!take('e') && !take('E'))
-                return true;
-            if (!take('+'))
-                take('-');
-            return skipDigits();
-        }
-
-        bool skipDigits()
-        {
-            const auto begin = position_;
-            while (next() >= '0' && next() <= '9')
-                ++position_;
-            return position_ > begin;
-        }
-
-        void skipWhitespace()
-        {
-            while (next() == ' ' || next() == '\n' || next() == '\t' || next() == '\r')
-                ++position_;
-        }
-
-        /// Zero, which stands nowhere outside a text, at the end.
-        char next() const { return position_ < text_.size() ? text_[position_] : '\0'; }
-
-        bool take(char c)
-        {
-            if (next() != c)
-                return false;
-            ++position_;
-            return true;
-        }
-
-        std::string_view since(std::size_t begin) const { return text_.substr(begin, position_ - begin); }
-
-        std::string_view text_;
-        std::size_t position_ = 0;
-        std::string closings_; // of the lists that are open, the innermost last
-        HookInput input_;
-    };
+    bool isWord(std::string_view text) { return text == "true" || text == "false" || text == "null" || isNumber(text); }
 
 } // namespace
 
-std::optional<HookInput> parsedHookInput(std::string_view json) { return HookInputParser{json}.document(); }
+std::optional<HookInput> parsedHookInput(std::string_view json)
+{
+    HookInputParser parser;
+    if (parser.add(json) != HookInputParser::Progress::complete)
+        return {};
+    return parser.input();
+}
 
 HookInput hookInput(const JSON& object)
 {
     HookInput input;
     for (const auto& [key, value] : object.items())
-        if (auto* member = memberFor(input, key); member && value.is_string())
-            *member = value.get<std::string>();
+        if (const auto member = memberFor(key); member && value.is_string())
+            input.*member = value.get<std::string>();
     return input;
 }
 
-void HookInputProgress::add(std::string_view piece)
+HookInputParser::Progress HookInputParser::add(std::string_view piece)
 {
-    while (!piece.empty())
-        piece.remove_prefix(inText_ ? passText(piece) : passStructure(piece));
+    while (!piece.empty() && place_ != Place::wrong)
+        if (place_ == Place::insideKey || place_ == Place::insideText) {
+            piece.remove_prefix(takeText(piece));
+        } else if (place_ == Place::word) {
+            piece.remove_prefix(takeWord(piece));
+        } else {
+            if (!isWhitespace(piece.front()) || place_ == Place::start)
+                takeByte(piece.front());
+            piece.remove_prefix(1);
+        }
+    if (place_ == Place::wrong)
+        return Progress::invalid;
+    return place_ == Place::end ? Progress::complete : Progress::incomplete;
 }
 
 /// How many bytes of `piece` belong to the text, its closing quote included.
-std::size_t HookInputProgress::passText(std::string_view piece)
+std::size_t HookInputParser::takeText(std::string_view piece)
 {
-    if (std::exchange(afterBackslash_, false))
-        return 1;
-    const auto length = lengthToQuoteOrBackslash(piece);
-    if (length == piece.size())
-        return length;
-    afterBackslash_ = piece[length] == '\\';
-    inText_ = afterBackslash_;
-    return length + 1;
+    const bool isEscaped = std::exchange(afterBackslash_, false);
+    auto length = isEscaped ? 1 : lengthToQuoteOrBackslash(piece);
+    bool isOver = false;
+    if (!isEscaped && length < piece.size()) {
+        afterBackslash_ = piece[length] == '\\';
+        isOver = !afterBackslash_;
+        ++length;
+    }
+    keep(piece.substr(0, length));
+    if (isOver && place_ == Place::insideKey)
+        place_ = Place::colon;
+    else if (isOver)
+        endValue();
+    return length;
 }
 
-/// How many bytes of `piece` stand before the next text, its opening quote included.
-std::size_t HookInputProgress::passStructure(std::string_view piece)
+/// How many bytes of `piece` belong to the number or literal; its end shows in the byte behind it.
+std::size_t HookInputParser::takeWord(std::string_view piece)
 {
-    for (std::size_t i = 0; i < piece.size(); ++i) {
-        const char c = piece[i];
-        if (c == '"') {
-            inText_ = true;
-            return i + 1;
-        }
-        if (c == '{' || c == '[')
-            ++depth_;
-        else if ((c == '}' || c == ']') && --depth_ <= 0)
-            isComplete_ = true;
+    const auto length = static_cast<std::size_t>(std::ranges::find_if_not(piece, isOfWord) - piece.begin());
+    word_ += piece.substr(0, length);
+    if (length == piece.size())
+        return length;
+    keep(word_);
+    const bool isRight = isWord(word_);
+    word_.clear();
+    if (isRight)
+        endValue();
+    else
+        place_ = Place::wrong;
+    return length;
+}
+
+/// White space comes here only at the start.
+void HookInputParser::takeByte(char byte)
+{
+    switch (place_) {
+    case Place::start:
+        return takeStart(byte);
+    case Place::firstKey:
+        if (byte == '}')
+            return close(byte);
+        [[fallthrough]];
+    case Place::key:
+        if (byte == '"')
+            return beginText(Place::insideKey);
+        break;
+    case Place::colon:
+        if (byte == ':')
+            return takeColon();
+        break;
+    case Place::firstElement:
+        if (byte == ']')
+            return close(byte);
+        [[fallthrough]];
+    case Place::value:
+        return beginValue(byte);
+    case Place::afterValue:
+        return byte == ',' ? separate() : close(byte);
+    case Place::insideKey:
+    case Place::insideText:
+    case Place::word:
+    case Place::end:
+    case Place::wrong:
+        break;
     }
-    return piece.size();
+    place_ = Place::wrong;
+}
+
+void HookInputParser::takeStart(char byte)
+{
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (markLength_ < byteOrderMark.size() && byte == byteOrderMark[markLength_]) {
+        ++markLength_;
+        return;
+    }
+    const bool isMarkCut = markLength_ % byteOrderMark.size() != 0;
+    markLength_ = byteOrderMark.size();
+    if (!isMarkCut && byte == '{')
+        open('}', Place::firstKey);
+    else if (isMarkCut || !isWhitespace(byte))
+        place_ = Place::wrong;
+}
+
+void HookInputParser::beginText(Place place)
+{
+    place_ = place;
+    keep("\"");
+}
+
+void HookInputParser::beginValue(char byte)
+{
+    if (byte == '{')
+        return open('}', Place::firstKey);
+    if (byte == '[')
+        return open(']', Place::firstElement);
+    if (byte == '"')
+        return beginText(Place::insideText);
+    if (!isOfWord(byte)) {
+        place_ = Place::wrong;
+        return;
+    }
+    place_ = Place::word;
+    word_ = byte;
+}
+
+void HookInputParser::open(char closing, Place place)
+{
+    keep(closing == '}' ? "{" : "[");
+    // A list of its own instead of recursion: how deep an agent's values nest is not for this program to trust.
+    closings_ += closing;
+    place_ = place;
+}
+
+void HookInputParser::close(char closing)
+{
+    if (closings_.back() != closing) {
+        place_ = Place::wrong;
+        return;
+    }
+    keep({&closing, 1});
+    closings_.pop_back();
+    endValue();
+}
+
+void HookInputParser::takeColon()
+{
+    if (closings_.size() == 1)
+        wanted_ = memberNamed(std::exchange(kept_, {}));
+    else
+        keep(":");
+    place_ = Place::value;
+}
+
+void HookInputParser::separate()
+{
+    keep(",");
+    place_ = closings_.back() == '}' ? Place::key : Place::value;
+}
+
+void HookInputParser::endValue()
+{
+    place_ = closings_.empty() ? Place::end : Place::afterValue;
+    if (!wanted_ || closings_.size() > 1)
+        return;
+    if (!read(std::exchange(kept_, {}), input_.*std::exchange(wanted_, nullptr)))
+        place_ = Place::wrong;
+}
+
+void HookInputParser::keep(std::string_view bytes)
+{
+    if (wanted_ || (place_ == Place::insideKey && closings_.size() == 1))
+        kept_ += bytes;
 }
 
 } // namespace vespra

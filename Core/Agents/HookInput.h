@@ -8,8 +8,8 @@
 
 namespace vespra {
 
-/// What Vespra reads of a hook's input. A member is absent when its key is missing or holds something else than a
-/// text; the megabytes that may stand beside it are passed over.
+/// What Vespra reads of a hook's input. A member is absent when its key is missing or holds anything but a string; the
+/// megabytes that may stand beside it are skipped.
 struct HookInput {
     std::optional<std::string> hookEventName; // "hook_event_name"
     std::optional<std::string> sessionID; // "session_id"
@@ -20,29 +20,64 @@ struct HookInput {
     bool operator==(const HookInput&) const = default;
 };
 
-/// Absent if `json` is not one JSON object. Under these keys every value must be right; of all others only the form
-/// counts, not which escapes, bytes and sizes their texts and numbers hold.
+/// Absent if `json` is not one JSON object. The values of these keys must be valid JSON in every respect. Of all other
+/// values only the structure is checked: agents cut texts in the middle of a character, which leaves half a pair of
+/// escapes behind, and write numbers larger than any program holds.
 std::optional<HookInput> parsedHookInput(std::string_view json);
 /// The same of an object that has been parsed already.
 HookInput hookInput(const JSON& object);
 
-/// Tells, while a hook's input arrives piece by piece, when its JSON object is complete: agents do not always close
-/// the hook's input.
-class HookInputProgress {
+/// Reads a hook's input while it arrives, every byte once. The end of the JSON object is the end of the input: agents
+/// do not always close the stream. Nothing is kept but what the members above need.
+class HookInputParser {
 public:
-    /// Takes the next piece.
-    void add(std::string_view piece);
-    /// The braces and brackets opened first have all been closed.
-    bool isComplete() const { return isComplete_; }
+    enum class Progress { incomplete, complete, invalid };
+
+    /// Takes the next piece, cut anywhere. An invalid input stays so; behind the object only white space may follow.
+    Progress add(std::string_view piece);
+    /// What has been read so far; all of it once `add` has returned `complete`.
+    const HookInput& input() const { return input_; }
 
 private:
-    std::size_t passText(std::string_view piece);
-    std::size_t passStructure(std::string_view piece);
+    /// What the next byte belongs to, or what may begin with it.
+    enum class Place {
+        start,
+        firstKey,
+        key,
+        insideKey,
+        colon,
+        firstElement,
+        value,
+        insideText,
+        word,
+        afterValue,
+        end,
+        wrong
+    };
+    using Member = std::optional<std::string> HookInput::*;
 
-    long depth_ = 0;
-    bool inText_ = false;
+    std::size_t takeText(std::string_view piece);
+    std::size_t takeWord(std::string_view piece);
+    void takeByte(char byte);
+    void takeStart(char byte);
+    void beginText(Place place);
+    void beginValue(char byte);
+    void open(char closing, Place place);
+    void close(char closing);
+    void takeColon();
+    void separate();
+    void endValue();
+    void keep(std::string_view bytes);
+
+    Place place_ = Place::start;
+    std::size_t markLength_ = 0; // of the byte order mark, as far as it has come
     bool afterBackslash_ = false;
-    bool isComplete_ = false;
+    std::string closings_; // of the objects and arrays that are open, the innermost last
+    std::string word_; // the number or literal that is arriving
+    /// The outermost object's key, or the value of `wanted_`, as it is written.
+    std::string kept_;
+    Member wanted_ = nullptr;
+    HookInput input_;
 };
 
 } // namespace vespra

@@ -19,10 +19,10 @@ namespace {
 
 const std::string stop = R"({"session_id":"s","cwd":"/p","hook_event_name":"Stop"})";
 
-/// A "PostToolUse" of `size` bytes.
-std::string hookInput(std::size_t size)
+/// A "PostToolUse" of `size` bytes, nearly all of them under `key`.
+std::string hookInput(std::size_t size, const std::string& key = "tool_response")
 {
-    const std::string head = R"({"session_id":"s","hook_event_name":"PostToolUse","tool_response":")", tail = "\"}";
+    const std::string head = R"({"session_id":"s","hook_event_name":"PostToolUse",")" + key + R"(":")", tail = "\"}";
     return head + std::string(size - head.size() - tail.size(), 'x') + tail;
 }
 
@@ -260,11 +260,16 @@ TEST_F(VespraAgentTest, TakesTheInputAlsoWithoutTheMemoryForIt)
         GTEST_SKIP() << "needs a limit of address space, which sanitizers exceed and macOS does not have";
     const Application application{path};
     // The shell sets the limit, in kilobytes, for the program that takes its place.
-    const auto limited = run(
-        hookInput(8'000'000), End::closed, {"-c", "ulimit -v 8192 && exec \"$0\" claude", VESPRA_AGENT}, {}, "/bin/sh");
-    expectSilence(limited);
-    EXPECT_FALSE(limited.inputBroke);
-    EXPECT_FALSE(application.received());
+    for (const std::string key : {"tool_response", "message"}) {
+        const auto limited = run(hookInput(8'000'000, key),
+            End::closed,
+            {"-c", "ulimit -v 8192 && exec \"$0\" claude", VESPRA_AGENT},
+            {},
+            "/bin/sh");
+        expectSilence(limited);
+        EXPECT_FALSE(limited.inputBroke);
+        EXPECT_EQ(application.received().has_value(), key == "tool_response") << "only what is wanted takes memory";
+    }
 }
 
 TEST_F(VespraAgentTest, FindsTheSocketBesideItselfBeforeTheSupportFolder)

@@ -17,16 +17,16 @@ static void checkAgainstLibrary(std::string_view input)
         check(parsedHookInput(input) == (json->is_object() ? std::optional{hookInput(*json)} : std::nullopt));
 }
 
-/// An input that can be read is known to be complete at its last bracket and not before, wherever it is cut.
-static void checkProgress(std::string_view input)
+/// An input that can be read is complete at its last bracket and not before, and reads alike wherever it is cut.
+static void checkPieces(std::string_view input)
 {
+    using Progress = HookInputParser::Progress;
     const auto last = input.rfind('}');
-    HookInputProgress progress;
-    progress.add(input.substr(0, last / 2));
-    progress.add(input.substr(last / 2, last - last / 2));
-    check(!progress.isComplete());
-    progress.add(input.substr(last));
-    check(progress.isComplete());
+    HookInputParser parser;
+    check(parser.add(input.substr(0, last / 2)) == Progress::incomplete);
+    check(parser.add(input.substr(last / 2, last - last / 2)) == Progress::incomplete);
+    check(parser.add(input.substr(last)) == Progress::complete);
+    check(parser.input() == parsedHookInput(input));
 }
 
 /// An event that the hook command makes of its input reaches the application as it was.
@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view input{reinterpret_cast<const char*>(data), size};
     checkAgainstLibrary(input);
     if (parsedHookInput(input))
-        checkProgress(input);
+        checkPieces(input);
     const auto event = agentEvent(input, allAgentKinds[size % 2], Instant{});
     if (!event)
         return 0;

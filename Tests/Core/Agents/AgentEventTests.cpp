@@ -137,31 +137,40 @@ TEST(AgentEvent, DecodingNamesWhatIsWrong)
     }
 }
 
-TEST(HookInputProgress, IsCompleteWithTheLastBracketHoweverTheInputIsCut)
+TEST(HookInputParser, IsCompleteWithTheLastBracketHoweverTheInputIsCut)
 {
+    using enum HookInputParser::Progress;
     for (const std::string_view input : {
              R"({})",
-             R"([])",
-             R"( {"a":{"b":[1,{"c":2}]}})",
-             R"({"text":"}]{[","more":"0123456789\"}01234567","end":"\\"})",
-             R"({"\\\"}":"\u007d","é":"}"})",
+             "\xEF\xBB\xBF { }",
+             R"( {"a":{"b":[1,{"c":2}, -0.5e+7 ]}})",
+             R"({"text":"}]{[","cwd":"0123456789\"}01234567","end":"\\"})",
+             R"({"\\\"}":"\u007d","é":"}","c\u0077d":"/","message":{"cwd":[true , null]}})",
          }) {
         SCOPED_TRACE(input);
         for (std::size_t cut = 0; cut < input.size(); ++cut) {
-            HookInputProgress progress;
-            progress.add(input.substr(0, cut));
-            ASSERT_FALSE(progress.isComplete()) << "after " << cut;
-            progress.add(input.substr(cut));
-            ASSERT_TRUE(progress.isComplete()) << "cut at " << cut;
-            progress.add("\n{");
-            ASSERT_TRUE(progress.isComplete());
+            HookInputParser parser;
+            ASSERT_EQ(parser.add(input.substr(0, cut)), incomplete) << "after " << cut;
+            ASSERT_EQ(parser.add(input.substr(cut)), complete) << "cut at " << cut;
+            ASSERT_EQ(parser.input(), parsedHookInput(input)) << "cut at " << cut;
+            ASSERT_EQ(parser.add("\n"), complete);
+            ASSERT_EQ(parser.add("{"), invalid);
         }
     }
-    for (const std::string_view input : {"", " \n", "null", R"("{}")", R"({"a":"\"})", "{[}"}) {
-        HookInputProgress progress;
-        progress.add(input);
-        EXPECT_FALSE(progress.isComplete()) << input;
-    }
+    for (const std::string_view input : {"", " \n", "\xEF\xBB", R"({"a":"\"})", R"({"a":tru)"})
+        EXPECT_EQ(HookInputParser{}.add(input), incomplete) << input;
+    for (const std::string_view input : {"[]",
+             "null",
+             "{[}",
+             R"({"a":tru})",
+             R"({"a":1.})",
+             R"({"a" "b"})",
+             "\xEF{}",
+             R"({"a":[}})",
+             R"({"a":1,})",
+             R"({"cwd":"\ud800"})",
+             " \xEF\xBB\xBF{}"})
+        EXPECT_EQ(HookInputParser{}.add(input), invalid) << input;
 }
 
 } // namespace
