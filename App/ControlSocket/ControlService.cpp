@@ -93,8 +93,6 @@ namespace {
 
 JSON ControlService::reply(const ControlRequest& request)
 {
-    // An agent may have been connected from a terminal in the meantime.
-    model_.agentIntegration().refresh();
     switch (request.verb) {
     case ControlVerb::describe:
         return describe();
@@ -128,6 +126,7 @@ JSON ControlService::reply(const ControlRequest& request)
     case ControlVerb::set:
         return set(request.key, request.value);
     case ControlVerb::showPanel:
+        readConnections();
         notify(model_.showPanel);
         return done();
     case ControlVerb::status:
@@ -136,6 +135,7 @@ JSON ControlService::reply(const ControlRequest& request)
     case ControlVerb::wait:
         break;
     }
+    readConnections();
     return status();
 }
 
@@ -252,10 +252,16 @@ JSON ControlService::refusal(const SessionPreferences& preferences) const
         controlProtocol::refused, localized("No agent is connected. \"vespractl hooks connect\" connects one."));
 }
 
+/// An agent may have been connected from a terminal in the meantime. Only for what asks about connections: parsing large
+/// settings files takes tens of milliseconds.
+void ControlService::readConnections() const { model_.agentIntegration().refresh(); }
+
 JSON ControlService::start(const SessionPreferences& preferences)
 {
     if (model_.coordinator().state().isActive())
         return refusal(preferences);
+    if (preferences.mode == SessionMode::agent)
+        readConnections();
     model_.start(preferences);
     const auto* session = model_.coordinator().state().activeSession();
     return session ? started() : refusal(preferences);
@@ -271,6 +277,8 @@ JSON ControlService::started() const
 JSON ControlService::toggle()
 {
     const bool wasActive = model_.coordinator().state().isActive();
+    if (!wasActive && model_.preferences().mode == SessionMode::agent)
+        readConnections();
     model_.toggleSession();
     const auto* session = model_.coordinator().state().activeSession();
     if (session)

@@ -40,6 +40,7 @@ public:
     JSON done(const std::string& message = {}) const;
 
 private:
+    void readConnections() const;
     JSON start(const SessionPreferences& preferences);
     JSON toggle();
     JSON extend();

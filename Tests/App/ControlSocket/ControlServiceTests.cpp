@@ -30,6 +30,8 @@ TEST_F(ControlServiceTest, StartsEveryPlanForThisTimeOnly)
     setSettings([](auto& settings) { settings.agentSafetyCap = 3h; });
     const auto before = model().preferences();
     ControlService service{model()};
+    service.reply({.verb = ControlVerb::display});
+    EXPECT_TRUE(model().needsAgentConnection({.mode = SessionMode::agent})) << "read only when it matters";
     for (const auto& [request, plan, keepsDisplayAwake] : {
              Start{R"({"request":"start"})", plan::Timer{1h}},
              Start{R"({"request":"start","mode":"timer","timerDuration":"1m"})", plan::Timer{1min}},
