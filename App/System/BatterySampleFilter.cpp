@@ -1,29 +1,36 @@
 #include "App/System/BatterySampleFilter.h"
 
-#include "Core/Lifetime.h"
-
 #include <cstdlib>
 
 namespace vespra {
 
+namespace {
+
+    PowerSnapshot withoutEmptyLevel(PowerSnapshot reading)
+    {
+        if (reading.batteryLevel == 0)
+            reading.batteryLevel.reset();
+        return reading;
+    }
+
+} // namespace
+
 BatterySampleFilter::BatterySampleFilter(
-    PowerSnapshot first, TaskScheduling& tasks, std::function<void(PowerSnapshot)> accept)
+    PowerSnapshot first, TaskScheduling& tasks, std::function<void(PowerSnapshot)> onChange)
     : tasks_{tasks}
-    , accept_{std::move(accept)}
-    , believed_{first}
+    , onChange_{std::move(onChange)}
+    , believed_{withoutEmptyLevel(first)}
     , latest_{first}
 {
-    if (first.batteryLevel == 0) {
-        believed_.batteryLevel.reset();
+    if (first.batteryLevel == 0)
         doubt(first);
-    }
 }
 
 void BatterySampleFilter::sample(PowerSnapshot reading)
 {
     latest_ = reading;
     const bool jumps = isJump(reading);
-    const bool isBroken = reading.batteryLevel == 0 && believed_.batteryLevel != 0;
+    const bool isBroken = reading.batteryLevel == 0 && believed().batteryLevel != 0;
     if (!isBroken && (!jumps || hasJustWoken())) {
         if (jumps)
             wokeAt_.reset();
@@ -32,13 +39,13 @@ void BatterySampleFilter::sample(PowerSnapshot reading)
     }
     if (!secondLook_)
         doubt(reading);
-    believe({.isOnACPower = reading.isOnACPower, .batteryLevel = believed_.batteryLevel});
+    believe({.isOnACPower = reading.isOnACPower, .batteryLevel = believed().batteryLevel});
 }
 
 bool BatterySampleFilter::isJump(const PowerSnapshot& reading) const
 {
-    return reading.batteryLevel && believed_.batteryLevel
-        && std::abs(*reading.batteryLevel - *believed_.batteryLevel) > largestJump;
+    return reading.batteryLevel && believed().batteryLevel
+        && std::abs(*reading.batteryLevel - *believed().batteryLevel) > largestJump;
 }
 
 bool BatterySampleFilter::hasJustWoken() const
@@ -58,12 +65,6 @@ void BatterySampleFilter::lookAgain()
         return doubt(latest_);
     secondLook_.reset();
     believe(latest_);
-}
-
-void BatterySampleFilter::believe(PowerSnapshot reading)
-{
-    believed_ = reading;
-    notify(accept_, reading);
 }
 
 } // namespace vespra

@@ -8,8 +8,7 @@ LinuxPowerSource::LinuxPowerSource(std::shared_ptr<UPower> upower, TaskSchedulin
     : upower_{std::move(upower)}
     , tasks_{tasks}
     , sysfs_{std::move(sysfs)}
-    , filter_{read(), tasks, [this](PowerSnapshot believed) { reading_.update(believed, onChange); }}
-    , reading_{filter_.believed()}
+    , filter_{read(), tasks, [this](PowerSnapshot believed) { notify(onChange, believed); }}
 {
     followKernel();
     upower_->onChange(lifetime_.guard([this] { sourceChanged(); }));
@@ -32,7 +31,7 @@ void LinuxPowerSource::sourceChanged()
     followKernel();
 }
 
-/// The kernel's events and files are followed only in UPower's place.
+/// The kernel's events and files are a substitute: they are followed only while UPower does not answer.
 void LinuxPowerSource::followKernel()
 {
     if (upower_->answers())

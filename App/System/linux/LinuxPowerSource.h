@@ -3,22 +3,21 @@
 #include "App/System/BatterySampleFilter.h"
 #include "App/System/linux/UdevMonitor.h"
 #include "App/System/linux/UPower.h"
-#include "App/System/Reading.h"
-#include "Core/Lifetime.h"
 #include "Core/Energy/PowerSourceMonitoring.h"
+#include "Core/Lifetime.h"
 #include "Core/Scheduling/TaskScheduling.h"
 
 #include <filesystem>
 
 namespace vespra {
 
-/// UPower's reading, or, while it does not answer, that of the kernel's files: at their events and, while a session
-/// runs, every 30 s.
+/// UPower's reading. While UPower does not answer, the kernel's files are read instead: at each kernel event and, while
+/// a session runs, every 30 s.
 class LinuxPowerSource final : public PowerSourceMonitoring {
 public:
     LinuxPowerSource(std::shared_ptr<UPower> upower, TaskScheduling& tasks, std::filesystem::path sysfs);
 
-    PowerSnapshot snapshot() const override { return reading_.value(); }
+    PowerSnapshot snapshot() const override { return filter_.believed(); }
     void sessionRuns(bool runs);
     void refresh() { filter_.sample(read()); }
     void didSleep() { filter_.didSleep(); }
@@ -35,7 +34,6 @@ private:
     TaskScheduling& tasks_;
     std::filesystem::path sysfs_;
     BatterySampleFilter filter_;
-    Reading<PowerSnapshot> reading_;
     std::unique_ptr<UdevMonitor> kernel_;
     bool sessionRuns_ = false;
     std::unique_ptr<ScheduledTask> poll_;
