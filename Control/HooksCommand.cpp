@@ -48,11 +48,11 @@ namespace {
     bool isAllowed(const HooksArguments& arguments, const std::string& verb)
     {
         const auto home = arguments.homeFolder();
-        struct stat status{};
-        if (stat(home.c_str(), &status) != 0 || status.st_uid == geteuid())
+        struct stat directory{};
+        if (stat(home.c_str(), &directory) != 0 || directory.st_uid == geteuid())
             return true;
-        const auto* owner = getpwuid(status.st_uid);
-        const auto user = owner ? std::string{owner->pw_name} : "'#" + std::to_string(status.st_uid) + "'";
+        const auto* owner = getpwuid(directory.st_uid);
+        const auto user = owner ? std::string{owner->pw_name} : "'#" + std::to_string(directory.st_uid) + "'";
         const auto agent = arguments.agent.empty() ? "" : " " + arguments.agent;
         say(failed,
             "hooks: " + home.string() + " belongs to another user. Run it as that user:\n  sudo -u " + user

@@ -35,15 +35,15 @@ namespace {
         return answer.ends_with('\n') ? std::optional{answer} : std::nullopt;
     }
 
-    /// Absent: the message has been written and `status` set.
-    std::optional<JSON> ask(const MachineSettings& settings, int& status)
+    /// Absent after a failure: it has been reported and `exitStatus` is set.
+    std::optional<JSON> ask(const MachineSettings& settings, int& exitStatus)
     {
         const auto path = machineProtocol::defaultPath();
         const auto answer = exchanged(path, machineProtocol::request(settings));
         if (!answer) {
             const bool isSilent = errno == EAGAIN; // the limit of reading
             const auto why = path + ": " + std::strerror(errno);
-            status = say(notRunning,
+            exitStatus = say(notRunning,
                 isSilent ? "machine: the simulated laptop does not answer; it may have been stopped"
                          : "machine: no simulated laptop is running (" + why
                         + "); start one with: vespra --platform simulated");
@@ -52,7 +52,7 @@ namespace {
         const std::string unreadable = "unreadable answer";
         auto json = JSON::parse(*answer, nullptr, false);
         if (!json.is_object() || !json.contains("machine") || json.contains("error")) {
-            status = say(failed, "machine: " + (json.is_object() ? json.value("error", unreadable) : unreadable));
+            exitStatus = say(failed, "machine: " + (json.is_object() ? json.value("error", unreadable) : unreadable));
             return {};
         }
         return json;
@@ -69,17 +69,17 @@ namespace {
         }
         if (const auto change = changed(MachineState{}, settings); !change)
             return say(badInput, "machine: " + change.error());
-        int status = done;
-        ask(settings, status);
-        return status;
+        int exitStatus = done;
+        ask(settings, exitStatus);
+        return exitStatus;
     }
 
     int get(bool asJSON)
     {
-        int status = done;
-        const auto answer = ask({}, status);
+        int exitStatus = done;
+        const auto answer = ask({}, exitStatus);
         if (!answer)
-            return status;
+            return exitStatus;
         if (asJSON)
             std::printf("%s\n", answer->dump().c_str());
         else

@@ -26,11 +26,11 @@ int runVerb(int argc, char** argv)
     addMachineCommand(vespractl, exitStatus);
     addHooksCommand(vespractl, exitStatus);
     addSimulateCommand(vespractl, exitStatus);
-    const auto refused = commandLine::parse(vespractl, argc, argv);
-    // What is wrong with the words of `run` may not pass for a status of its command.
-    if (refused && *refused != done && vespractl.got_subcommand("run"))
+    const auto parseStatus = commandLine::parse(vespractl, argc, argv);
+    // A wrong option of `run` must not look like a status of the command that was to run.
+    if (parseStatus && *parseStatus != done && vespractl.got_subcommand("run"))
         return runFailed;
-    return refused.value_or(exitStatus);
+    return parseStatus.value_or(exitStatus);
 }
 
 } // namespace

@@ -38,8 +38,8 @@ namespace {
                 sigaction(signal, &action, nullptr);
     }
 
-    /// Takes all signals that wait, and returns the first; 0 if there is none.
-    int takeFirst(int descriptor)
+    /// Takes all pending signals and returns the first; 0 if there is none.
+    int takePending(int descriptor)
     {
         char first = 0;
         if (read(descriptor, &first, 1) != 1)
@@ -62,7 +62,7 @@ TerminationSignals::TerminationSignals(std::function<void(int)> onSignal)
     }
     notifier_ = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [onSignal = std::move(onSignal)] {
-        if (const int signal = takeFirst(signalPipe[0]); signal != 0)
+        if (const int signal = takePending(signalPipe[0]); signal != 0)
             onSignal(signal);
     });
     setHandler(handle);

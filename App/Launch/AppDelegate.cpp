@@ -39,7 +39,10 @@ void AppDelegate::didFinishLaunching()
     model_->forcedEndAction().perform = closedLid_->performer();
     handleEvents();
     followSystem();
-    holdAssertions();
+    makeAssertions();
+    if (surfaces_)
+        surfaces_->makePanel(*model_);
+    followRequirements();
     if (surfaces_)
         makeSurfaces();
     listenToTerminals();
@@ -56,7 +59,7 @@ void AppDelegate::makeClosedLid()
             .power = *platform.helper.power,
             .tasks = *platform.time.tasks,
             .mainLoop = *platform.time.mainLoop,
-            // A computer whose lid is shut would sleep before it is shut down.
+            // With its lid closed the computer would otherwise fall asleep before it has shut down.
             .keepsOverride =
                 [this] {
                     const auto& pending = model_->forcedEndAction().pending();
@@ -119,7 +122,7 @@ void AppDelegate::followSystem()
     platform.lid->onChange = lifetime_.guard([this](bool closed) { model_->coordinator().updateLid(closed); });
 }
 
-void AppDelegate::holdAssertions()
+void AppDelegate::makeAssertions()
 {
     auto& platform = environment_.platform;
     assertions_.emplace(localized("%1: keeping the Mac awake", {Brand::appName()}),
@@ -130,8 +133,12 @@ void AppDelegate::holdAssertions()
             .lid = *platform.lid,
             .tasks = *platform.time.tasks,
         });
-    if (surfaces_)
-        surfaces_->makePanel(*model_);
+}
+
+/// From now on the assertions that are held are those that the session requires.
+void AppDelegate::followRequirements()
+{
+    auto& platform = environment_.platform;
     assertionLoop_.emplace(*platform.time.mainLoop, [this, &session = *platform.session] {
         session.sessionRuns(model_->coordinator().state().isActive());
         assertions_->apply(model_->coordinator().requirements());
@@ -160,7 +167,7 @@ void AppDelegate::makeSurfaces()
     surfaces_->registerShortcut(lifetime_.guard([this] { model_->toggleSession(); }));
 }
 
-/// Last: who gets an answer meets the whole application.
+/// Comes last, so that every request finds the application complete.
 void AppDelegate::listenToTerminals()
 {
     controlServer_.emplace(*model_,

@@ -46,7 +46,8 @@ private:
     void handleEvents();
     void openUpdate();
     void followSystem();
-    void holdAssertions();
+    void makeAssertions();
+    void followRequirements();
     void makeSurfaces();
     void listenToTerminals();
 

@@ -11,19 +11,19 @@ namespace vespra {
 
 inline constexpr const char* programName = "vespra";
 
-/// What the command line asks of a run in the terminal.
+/// What the command line asks of this launch, with windows or without.
 struct LaunchOptions {
     StartOptions session;
-    /// For this run; absent: those that are kept.
+    /// For this run only; absent: the settings that are stored.
     std::optional<SessionSettings> settings;
     /// The agents' grace delay, whatever the settings say.
     std::optional<Seconds> grace;
-    /// Absent: the system's own, or a simulated laptop where no power manager answers.
+    /// Absent: the system's own platform, or a simulated laptop where no power manager answers.
     std::optional<PlatformKind> platform;
     /// Start no session: listen to the agents and wait for the end.
     bool isIdle = false;
 
-    /// Nothing was asked for but that the application runs.
+    /// Nothing is asked for but that the application runs.
     bool isPlain() const { return session == StartOptions{} && !settings && !grace && !platform && !isIdle; }
 };
 

@@ -23,8 +23,9 @@ void LoginItem::setEnabled(bool enabled)
 {
     if (!service_)
         return;
-    if (const auto done = enabled ? service_->registerApplication() : service_->unregisterApplication(); !done)
-        log_.error("Ouverture à la connexion : " + done.error());
+    const auto changed = enabled ? service_->registerApplication() : service_->unregisterApplication();
+    if (!changed)
+        log_.error("Ouverture à la connexion : " + changed.error());
     refresh();
 }
 

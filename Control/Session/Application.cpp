@@ -15,7 +15,7 @@ namespace {
     std::string isSilent() { return Brand::appName() + " does not answer; it may have been stopped."; }
 
     /// Why no connection was made, by the system's error number.
-    std::string isUnreachable(int reason)
+    std::string whyUnreachable(int reason)
     {
         switch (reason) {
         case ENOENT:
@@ -42,7 +42,7 @@ std::optional<ControlClient> connected(const ControlRequest& request, int& exitS
         client.send(request);
         return client;
     }
-    exitStatus = say(notRunning, isUnreachable(errno));
+    exitStatus = say(notRunning, whyUnreachable(errno));
     return {};
 }
 
@@ -78,8 +78,8 @@ int ask(const ControlRequest& request, const std::function<void(const JSON&)>& u
     if (!client)
         return exitStatus;
     const auto reply = client->receive(limit);
-    if (const auto failed = failure(reply))
-        return *failed;
+    if (const auto failureStatus = failure(reply))
+        return *failureStatus;
     use(*reply);
     return closedLidStatus(*reply);
 }
@@ -87,8 +87,8 @@ int ask(const ControlRequest& request, const std::function<void(const JSON&)>& u
 int ask(const ControlRequest& request, std::optional<Seconds> limit)
 {
     const auto print = [](const JSON& reply) {
-        if (const auto done = reply.find("done"); done != reply.end() && done->contains("message"))
-            std::printf("%s\n", done->value("message", std::string{}).c_str());
+        if (const auto found = reply.find("done"); found != reply.end() && found->contains("message"))
+            std::printf("%s\n", found->value("message", std::string{}).c_str());
     };
     return ask(request, print, limit);
 }

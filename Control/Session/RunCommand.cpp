@@ -162,8 +162,8 @@ namespace {
         if (!client)
             return exitStatus;
         const auto reply = client->receive({});
-        if (const auto failed = failure(reply))
-            return *failed;
+        if (const auto failureStatus = failure(reply))
+            return *failureStatus;
         const auto ended = reply->value("ended", JSON::object());
         if (ended.empty())
             return say(failed, "No session has run.");

@@ -53,8 +53,8 @@ namespace {
         for (auto reply = client->receive();; reply = client->receive({}, STDOUT_FILENO)) {
             if (!reply && !hasReader())
                 return ended();
-            if (const auto failed = failure(reply))
-                return *failed;
+            if (const auto failureStatus = failure(reply))
+                return *failureStatus;
             if (!print(statusLine(*reply)))
                 return ended();
         }
@@ -69,8 +69,8 @@ namespace {
             return exitStatus;
         for (std::string shown;;) {
             const auto reply = client->receive();
-            if (const auto failed = failure(reply))
-                return *failed;
+            if (const auto failureStatus = failure(reply))
+                return *failureStatus;
             if (auto text = description(*reply); text != shown) {
                 shown = std::move(text);
                 if (!print(shown))

@@ -7,7 +7,7 @@ bool needsCharger(bool engaged, const SessionSettings& settings)
     return engaged ? !settings.closedLid.continuesOnBattery : settings.energy.requiresACPower;
 }
 
-std::optional<ClosedLidBlocker> powerViolation(
+std::optional<Violation> powerViolation(
     bool engaged, const PowerSnapshot& power, const SessionSettings& settings)
 {
     if (power.isOnACPower)
@@ -20,7 +20,7 @@ std::optional<ClosedLidBlocker> powerViolation(
     return {};
 }
 
-std::optional<ClosedLidBlocker> violation(
+std::optional<Violation> violation(
     bool engaged, const SessionConditions& conditions, const SessionSettings& settings)
 {
     if (engaged && isHot(conditions.thermal))

@@ -19,15 +19,15 @@ namespace {
         return wouldEngage(session.options.closedLid, conditions);
     }
 
-    StartRefusal asRefusal(const ClosedLidBlocker& blocker)
+    StartRefusal asRefusal(const Violation& violation)
     {
-        return match(blocker, [](const auto& reason) -> StartRefusal { return reason; });
+        return match(violation, [](const auto& reason) -> StartRefusal { return reason; });
     }
 
-    EndReason asEndReason(const ClosedLidBlocker& blocker)
+    EndReason asEndReason(const Violation& violation)
     {
         return match(
-            blocker,
+            violation,
             [](blocker::BatteryTooLow low) -> EndReason { return end::LowBattery{low.level}; },
             [](blocker::ChargerRequired) -> EndReason { return end::ChargerDisconnected{}; },
             [](blocker::TooHot) -> EndReason { return end::Overheating{}; });

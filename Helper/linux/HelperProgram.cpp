@@ -73,16 +73,16 @@ namespace {
 
     int serve(sd_event& event, sd_bus& bus, const HelperProgramOptions& options, const SystemLog& log)
     {
-        const auto failed = [&](const std::string& reason) {
+        const auto giveUp = [&](const std::string& reason) {
             log.error("Démarrage impossible : " + reason);
             return EXIT_FAILURE;
         };
         if (const auto isOnlyOne = BusService::takeName(bus); !isOnlyOne)
-            return failed(isOnlyOne.error());
+            return giveUp(isOnlyOne.error());
         EventTaskScheduler tasks{event};
         SystemClock clock;
         LedgerFile ledger{options.stateDirectory};
-        // Without the lock, a process that has ended is what every client notices at once.
+        // Without the lock nothing is in force: ending the process is what every client notices at once.
         LogindSleepSetting setting{bus, [&](const std::string& reason) {
                                        log.error("Verrou perdu : " + reason);
                                        sd_event_exit(&event, EXIT_FAILURE);
@@ -96,7 +96,7 @@ namespace {
         const auto sleepSlot = power.onPrepareForSleep([&] { daemon.systemWillSleep(); });
         if (const auto published = service.publish(); !published) {
             daemon.onChange = nullptr;
-            return failed(published.error());
+            return giveUp(published.error());
         }
         idle.update(daemon.isIdle());
         sd_event_set_watchdog(&event, 1);

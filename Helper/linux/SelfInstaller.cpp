@@ -144,12 +144,12 @@ HelperResult SelfInstaller::replace(std::vector<File> files) const
             return replaced;
         return verify(files);
     };
-    auto done = run();
-    if (done)
+    auto result = run();
+    if (result)
         return replacement.settle();
     if (const auto takenBack = replacement.takeBack(); !takenBack)
-        done.error() += " " + takenBack.error();
-    return done;
+        result.error() += " " + takenBack.error();
+    return result;
 }
 
 HelperResult SelfInstaller::verify(const fs::path& program) const

@@ -34,7 +34,7 @@ TEST(Violation, FirstRuleThatHoldsWins)
         PowerSnapshot power;
         ThermalLevel thermal;
         SessionSettings settings;
-        std::optional<ClosedLidBlocker> expected;
+        std::optional<Violation> expected;
     };
     for (const auto& row : std::vector<Row>{
              {"heat stops an engaged session first", true, battery(5), hot, {}, blocker::TooHot{}},
