@@ -17,7 +17,7 @@ namespace {
         return reason == EAGAIN || reason == EINPROGRESS || reason == EALREADY || reason == EINTR;
     }
 
-    /// A full backlog announces no room in it, so connecting is tried again in small steps.
+    /// `poll` does not announce room in a full backlog, so connecting is tried again in small steps.
     bool connected(int socket, const sockaddr_un& address, const Deadline& deadline)
     {
         constexpr int step = 5; // milliseconds

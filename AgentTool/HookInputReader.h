@@ -1,5 +1,7 @@
 #pragma once
 
+// AgentTool: the hook command, a small static program: input, one event, one line to the application's socket.
+
 #include "AgentTool/Deadline.h"
 #include "Core/Agents/HookInput.h"
 

@@ -56,7 +56,7 @@ int runHeadless(QCoreApplication& application, const LaunchOptions& options)
     return isInterrupted ? ExitStatus::interrupted : exitStatus;
 }
 
-/// A second start shows the first one. It does nothing else, so what else it was asked for is refused.
+/// A second launch only shows the running application, so any option besides is refused.
 int handOver(const LaunchOptions& options)
 {
     if (!options.isPlain()) {
@@ -79,9 +79,9 @@ int run(int argc, char** argv)
     if (const auto* exitStatus = std::get_if<int>(&parsed))
         return *exitStatus;
     const auto& options = std::get<LaunchOptions>(parsed);
-    // Whoever reads the output may go away; the session goes on.
+    // The session goes on even if nobody reads the output any more.
     std::signal(SIGPIPE, SIG_IGN);
-    // Qt asks the environment alone.
+    // Qt looks for the home directory in the environment only.
     if (QDir::homePath() == QDir::rootPath())
         setenv("HOME", homeDirectory().c_str(), /*overwrite=*/1);
     int plainArgumentCount = 1;
@@ -104,7 +104,7 @@ int main(int argc, char** argv)
     const bool isWritten = process::isOutputWritten();
     if (exitStatus == ExitStatus::interrupted)
         process::endBySignal(SIGINT);
-    // Who stops reading what a session prints wants no more of it.
+    // A reader that has closed the pipe wants no more output: that is no failure.
     if (isWritten || !process::hasReader(STDOUT_FILENO))
         return exitStatus;
     std::fprintf(stderr, "vespra: cannot write all of it to standard output\n");

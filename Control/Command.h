@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// What the subcommands of vespractl share. Each adds itself to the application's command line and, when chosen,
-/// stores its exit status.
+/// vespractl, the program for terminals and scripts, a file per subcommand; here is what they share. Each subcommand
+/// adds itself to the command line and, when chosen, stores its exit status.
 namespace vespra::control {
 
 /// 0 done, 1 refused or failed, 2 bad input, 4 the application is not running, 5 done, but closed-lid mode cannot come

@@ -43,8 +43,8 @@ namespace {
         }
     };
 
-    /// Whether the home directory is this user's. In another's even root changes nothing: what it makes there would not
-    /// be that user's to read, to change or to remove.
+    /// Whether the home directory is this user's. Even root changes nothing in another's: that user could not read,
+    /// change or remove the files it would make.
     bool isAllowed(const HooksArguments& arguments, const std::string& verb)
     {
         const auto home = arguments.homeFolder();

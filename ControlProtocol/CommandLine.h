@@ -11,7 +11,8 @@ namespace vespra::commandLine {
 /// Writes "PROGRAM: MESSAGE" to standard error.
 void complain(std::string_view program, std::string_view message);
 
-/// Gives a program, whose name is set, its help and "--version". First of all: what is added later takes it over.
+/// Gives a program, whose name is set, its help and "--version". To be called first: subcommands that are added later
+/// inherit it.
 void prepare(CLI::App& program);
 
 /// Reads the arguments. Absent: done. Else the status to exit with: 0 after help or the version, 2 after a

@@ -42,7 +42,7 @@ bool ControlClient::send(const ControlRequest& request)
 
 bool ControlClient::waitToRead(std::optional<Seconds> limit, int output) const
 {
-    // What nobody reads any more is told without being asked for; "none" is passed over.
+    // `poll` reports an output without a reader even if no event is asked for, and skips "none", which is negative.
     std::array<pollfd, 2> waiting{
         {{.fd = socket_.get(), .events = POLLIN, .revents = 0}, {.fd = output, .events = 0, .revents = 0}}};
     const int milliseconds = limit ? static_cast<int>(std::ceil(limit->count() * 1000)) : -1;

@@ -1,5 +1,8 @@
 #pragma once
 
+// ControlProtocol: what vespractl and the running application say to each other, and how command lines and their
+// values are read.
+
 #include "ControlProtocol/StartOptions.h"
 #include "Core/RawValue.h"
 

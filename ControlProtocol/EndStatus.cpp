@@ -11,7 +11,7 @@ namespace {
         std::string_view reason;
         int status;
     };
-    // What is less than 10 has its meaning for every command.
+    // Statuses below 10 mean the same for every command.
     constexpr std::array endStatuses = std::to_array<EndStatus>({
         {"timeElapsed", 0},
         {"agentsFinished", 0},

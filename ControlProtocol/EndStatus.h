@@ -4,8 +4,8 @@
 
 namespace vespra::controlProtocol {
 
-/// How a program exits that told of a session's end: 0 when it has ended as planned, else a status for each reason.
-/// Given the reason's name; 1 for one that is unknown.
+/// The exit status of a program that has reported the end of a session, from the reason's name: 0 for a planned end,
+/// else one for each reason; 1 for an unknown name.
 int exitStatusOfEnd(std::string_view reason);
 
 } // namespace vespra::controlProtocol

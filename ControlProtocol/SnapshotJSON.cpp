@@ -141,7 +141,7 @@ namespace {
         if (json.is_number_float())
             return appendNumber(text, json.get<double>());
         if (!json.is_structured()) {
-            // What a terminal would obey leaves as an escape.
+            // Control characters, which a terminal would obey, are written as escapes.
             const auto* string = json.get_ptr<const std::string*>();
             text += json.dump(-1, ' ', /*ensure_ascii=*/string && displayText(*string) != *string);
             return;

@@ -6,7 +6,7 @@ namespace vespra {
 
 namespace {
 
-    /// Letting go of the override takes effect a little later on some systems, and refuses sleep until then.
+    /// On some systems the end of the override takes effect a little later, and sleep is refused until then.
     constexpr int sleepTries = 5;
     constexpr Seconds sleepRetryInterval = 1s;
 
@@ -55,7 +55,7 @@ public:
             });
         });
     }
-    /// Who is no longer there, or no longer logged in, keeps nobody's computer awake.
+    /// A user who has left or logged out must not keep other people's computer awake.
     void heartbeat(HelperReply<bool> reply) override
     {
         if (!daemon_.leases_.isAlive(name_))
@@ -73,7 +73,8 @@ public:
     }
     void sleepNow(HelperReply<HelperRefusal> reply) override
     {
-        // Who is there to answer is there when closed-lid mode is switched on, not when the work is done.
+        // No password is asked for: the user is there when closed-lid mode is switched on, but not when the work is
+        // done.
         check(Right::sleep, Interaction::none, [this, reply](const Verdict& verdict) {
             if (!verdict)
                 return refuse(verdict, reply);
@@ -114,7 +115,8 @@ private:
     HelperResult enable()
     {
         const auto enabled = daemon_.leases_.enable(name_);
-        // Only now: a lease that had run out unnoticed has just ended, too.
+        // Not before `enable`: that first ends leases that had expired unnoticed, which starts the sleep for a shut
+        // lid.
         if (enabled)
             daemon_.shutLid_.cancel();
         return enabled;
@@ -136,9 +138,9 @@ private:
 
     HelperDaemon& daemon_;
     ClientName name_;
-    /// Counts the changes of what the client wants: an authorization that comes after the next one counts no more.
+    /// Counts the requests of the client that change the override: an authorization for an earlier one is ignored.
     int wish_ = 0;
-    /// A person proved for this client that they may: without them the right would be missing.
+    /// Somebody has authenticated for this client, which has its right only by that.
     bool hasAuthenticated_ = false;
     Lifetime lifetime_;
 };
@@ -186,7 +188,7 @@ std::shared_ptr<void> HelperDaemon::waitForRight()
 void HelperDaemon::sleepNow(HelperReply<HelperRefusal> reply, int triesLeft)
 {
     sleepRetry_.reset();
-    // First: what cannot be done anyway is no reason to let go.
+    // Checked first: the override is not given up for a sleep that is refused anyway.
     if (const auto possible = machine_.power.canSuspend(); !possible)
         return reply(refusal(possible));
     if (const auto ended = leases_.endAll(); !ended)

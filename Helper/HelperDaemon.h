@@ -1,5 +1,7 @@
 #pragma once
 
+// Helper: the privileged program. The rules are portable; linux/ and macos/ carry requests and reach the machine.
+
 #include "Helper/OverrideLeases.h"
 #include "Helper/ShutLidSleep.h"
 #include "HelperProtocol/HelperXPC.h"
@@ -38,8 +40,8 @@ struct HelperMachine {
     const WallClock& clock;
 };
 
-/// What the privileged component does, whatever carries the requests. Puts back what an earlier run left behind before
-/// it does anything else. One thread.
+/// The privileged component's behaviour, whatever transport carries the requests. Puts back what an earlier run left
+/// behind before it does anything else. One thread.
 class HelperDaemon {
 public:
     explicit HelperDaemon(

@@ -69,7 +69,7 @@ LedgerFile::LedgerFile(std::string directory)
 
 bool LedgerFile::claim()
 {
-    // Where there can be no directory, there is nothing to claim either.
+    // A failure is ignored: without a directory there is nothing to claim.
     static_cast<void>(makeDirectory());
     claim_ = openFile(directory_, O_RDONLY | O_DIRECTORY);
     return !claim_ || flock(claim_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;

@@ -17,11 +17,11 @@ OverrideLeases::OverrideLeases(SleepOverride& sleepOverride, TaskScheduling& tas
 HelperResult OverrideLeases::enable(const ClientName& client)
 {
     endExpired();
-    // A slow disk takes its time: the request is the sign of life, not the end of its work.
+    // The lease runs from the request, which is the client's sign of life; a slow disk may delay the end of the work.
     const auto asked = tasks_.continuousNow();
     if (const auto applied = override_.apply(); !applied) {
         if (!override_.isInForce())
-            leases_.clear(); // an override that had to be taken back is nobody's
+            leases_.clear(); // the override could not be kept, for any client
         scheduleNext();
         return applied;
     }

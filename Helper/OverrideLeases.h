@@ -9,7 +9,7 @@
 
 namespace vespra {
 
-/// Who asks, as the system names its callers: a connection, not a user.
+/// The caller as the system names it: a connection, not a user.
 using ClientName = std::string;
 
 /// Keeps the override in force as long as some client's lease lives, and not longer.
@@ -17,12 +17,12 @@ class OverrideLeases {
 public:
     /// How long to wait before trying again what could not be put back.
     static constexpr Seconds retryInterval = 5s;
-    /// A timer that fires a trace too early is not to become a loop.
+    /// Keeps a timer that fires slightly too early from becoming a busy loop.
     static constexpr Seconds shortestWait = 1ms;
 
     /// Puts back first what an earlier run left behind.
     OverrideLeases(SleepOverride& sleepOverride, TaskScheduling& tasks, SystemLog log, Seconds timeout);
-    /// There was something.
+    /// Whether an earlier run had left something behind.
     bool hasRecovered() const { return hasRecovered_; }
 
     /// Told after the override has gone, whatever ended it.

@@ -11,11 +11,11 @@ namespace vespra {
 /// A task that runs this much later than it was due was slept over.
 inline bool wasSleptOver(ContinuousInstant due, ContinuousInstant now) { return now - due > 3s; }
 
-/// Once the override is gone, nothing looks at a lid that was shut before: this asks the system to sleep, a few times,
-/// until it has slept or the lid is open.
+/// After the override has gone, the system does not react to a lid that was shut before. This asks it to sleep, a few
+/// times, until it has slept or the lid is open.
 class ShutLidSleep {
 public:
-    /// Where the system does look again, it has slept by then.
+    /// By then a system that does react has gone to sleep.
     static constexpr Seconds firstLook = 2s;
     /// After a component that had died: by then an application that still wants the override has noticed and come back.
     static constexpr Seconds firstLookAfterRecovery = HelperXPC::heartbeatInterval + 5s;

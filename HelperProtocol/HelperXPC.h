@@ -1,5 +1,8 @@
 #pragma once
 
+// HelperProtocol: what the application shares with the privileged component and the hook tool: their protocol, the
+// names of the installation, sockets and processes.
+
 #include "Core/ClosedLid/ClosedLidLease.h"
 
 #include <cstdint>

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <sys/types.h>
 
-/// What each system says in its own words of a process and its files, a call or two each. All of it is in one file per
-/// system. Any thread.
+/// Small things about a process and its files for which every system has calls of its own, all in one file per system.
+/// Any thread.
 namespace vespra {
 
 /// The folder of this program, links resolved; absent if the system does not tell.
@@ -31,8 +31,8 @@ bool syncToDisk(int descriptor);
 /// Names the calling thread for debuggers and process lists; at most 15 bytes.
 void nameThisThread(const char* name);
 
-/// Runs `program`, all of a program's `main`, where the system's libraries can leave what they release later: macOS wants
-/// such a place before the first call of its Objective-C. Returns what `program` returns.
+/// Runs `program`, the body of `main`, inside an autorelease pool, which macOS needs before the first call of
+/// Objective-C. Elsewhere it is just called. Returns what `program` returns.
 int inAutoreleasePool(const std::function<int()>& program);
 
 } // namespace vespra

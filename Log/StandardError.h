@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-/// Lines for whoever watches the program in a terminal.
+/// Lines for the user who watches the program in a terminal.
 namespace vespra::standardError {
 
 /// Writes `line` and a line feed. Any thread.

@@ -1,13 +1,15 @@
 #pragma once
 
+// Log: the system's log and standard error, for every program. Knows nothing else of the project.
+
 #include <functional>
 #include <string>
 #include <string_view>
 
 namespace vespra {
 
-/// Diagnostics of one component: on macOS to the unified log, on Linux to the journal with the same fields, to
-/// standard error where neither is. Any thread.
+/// Diagnostics of one component, in French: on macOS to the unified log, on Linux to the journal with the same fields,
+/// without either to standard error. Any thread.
 class SystemLog {
 public:
     enum class Level { info, notice, error, fault };

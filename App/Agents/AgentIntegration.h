@@ -1,5 +1,8 @@
 #pragma once
 
+// App/Agents: the application's side of the agents: how each is connected, the socket for their events, and the action
+// that follows their session.
+
 #include "Host/Host.h"
 #include "Log/SystemLog.h"
 #include "Core/Agents/AgentKind.h"

@@ -17,12 +17,12 @@ namespace {
 
     constexpr auto milliseconds(std::chrono::milliseconds length) { return static_cast<int>(length.count()); }
 
-    /// The wait before each read keeps the limit already and can be stopped; this one holds should a read find nothing
-    /// after all.
+    /// The wait before each read keeps the time limit already, and can be interrupted. This second limit is for a read
+    /// that finds nothing although data was announced.
     void setReceiveTimeout(int connection)
     {
         const timeval limit{.tv_sec = AgentSocketServer::receiveTimeout.count(), .tv_usec = 0};
-        // macOS refuses this once the client has closed; then no read waits anyway.
+        // A failure is ignored: macOS refuses this once the client has closed, and then no read waits anyway.
         setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
     }
 
@@ -67,8 +67,8 @@ FileDescriptor AgentSocketReceiver::accept() const
 {
     FileDescriptor connection{::accept(listener_, nullptr, nullptr)};
     if (!connection) {
-        // Anything but a client that has gone again would come back at once: no descriptors, no memory. The connection
-        // stays in the backlog meanwhile.
+        // Unless the client has gone again, the cause lasts: no descriptors, no memory. Trying again at once would only
+        // spin; the connection stays in the backlog meanwhile.
         if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR && errno != ECONNABORTED)
             waitFor(-1, milliseconds(AgentSocketServer::exhaustionPause));
         return {};

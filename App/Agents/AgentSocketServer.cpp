@@ -22,13 +22,13 @@ namespace {
     constexpr mode_t ownerOnlyDirectory = 0700;
     constexpr mode_t ownerOnlyFile = 0600;
 
-    /// Directories that exist stay as they are. One that cannot be made shows when the socket is bound.
+    /// Existing directories keep their mode. A failure shows when the socket is bound.
     void makePrivateDirectories(const std::filesystem::path& directory)
     {
         std::filesystem::path reached;
         for (const auto& component : directory) {
             reached /= component;
-            // A second time, past any umask.
+            // Again, since the umask may have removed permissions.
             if (mkdir(reached.c_str(), ownerOnlyDirectory) == 0)
                 chmod(reached.c_str(), ownerOnlyDirectory);
         }
@@ -117,7 +117,7 @@ bool AgentSocketServer::bindAndListen(int socket, const sockaddr_un& address)
         return false;
     ownFile_ = identity(path_);
     // Nobody can connect before the socket listens, so other users meet the file only with its final permissions,
-    // whatever the umask; to change the umask would touch what other threads create.
+    // whatever the umask; changing the umask would affect files that other threads create.
     return chmod(path_.c_str(), ownerOnlyFile) == 0 && ::listen(socket, backlog) == 0
         && unixSocket::setBlocking(socket, false);
 }

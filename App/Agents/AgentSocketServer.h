@@ -22,11 +22,11 @@ public:
     /// How many connections wait to be accepted.
     static constexpr int backlog = 16;
     static constexpr std::size_t readSize = 4096;
-    /// Once a connection has brought as many bytes, the rest is not read.
+    /// Bytes of one connection that are read; the rest is ignored.
     static constexpr std::size_t connectionLimit = 65'536;
     /// How long a read waits for a client that sends nothing.
     static constexpr auto receiveTimeout = 1s;
-    /// How long accepting rests when the process is out of descriptors; who connects meanwhile waits.
+    /// The pause before accepting again when the process has run out of descriptors; new clients wait that long.
     static constexpr auto exhaustionPause = 100ms;
 
     using OnEvent = std::function<void(const AgentEvent&)>;

@@ -6,7 +6,7 @@ namespace vespra {
 
 namespace {
 
-    /// A sleep shows in the step of the countdown that it makes end late.
+    /// The countdown runs in steps: a step that ends late means that the computer has slept.
     constexpr Seconds step = 5s;
     constexpr Seconds lateness = 3s;
 

@@ -8,9 +8,9 @@
 
 namespace vespra {
 
-/// Holds a sleep or a shutdown for a countdown that the user can cancel, then has it carried out. A computer that
-/// sleeps meanwhile cannot be stopped by anybody: a sleep is done with then, and the countdown to a shutdown begins
-/// again. Main thread only.
+/// Holds a sleep or a shutdown for a countdown that the user can cancel, then has it carried out. Nobody can cancel
+/// while the computer sleeps: afterwards a pending sleep counts as done, and the countdown to a shutdown starts again.
+/// Main thread only.
 class ForcedEndAction {
 public:
     struct Pending {
@@ -29,16 +29,15 @@ public:
 
     /// Carries the action out.
     std::function<void(AgentEndAction)> perform;
-    /// Told when a pending action is cancelled, also by a sleep that came before it.
+    /// Called when a pending action is cancelled, also when the computer has slept before it.
     std::function<void()> onCancel;
-    /// Told when the countdown to a pending action has begun again.
+    /// Called when the countdown to a pending action has started again.
     std::function<void(AgentEndAction)> onPostpone;
 
     /// Absent while nothing is scheduled.
     const std::optional<Pending>& pending() const { return pending_.get(); }
 
-    /// Starts the countdown; an action that is pending gives way to this one without a word. `letSleep` forces nothing
-    /// and is not scheduled.
+    /// Starts the countdown; silently replaces a pending action. `letSleep` forces nothing and is not scheduled.
     void schedule(AgentEndAction action, Instant now);
     /// Does nothing when nothing is pending.
     void cancel();

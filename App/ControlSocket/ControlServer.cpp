@@ -15,7 +15,7 @@
 
 namespace vespra {
 
-/// One connection. Held by the server alone: whoever else means it holds it weakly.
+/// One connection. Only the server owns it; everything else refers to it weakly.
 struct ControlServer::Client {
     explicit Client(FileDescriptor connection)
         : socket{std::move(connection), controlProtocol::longestLine + 1}
@@ -23,19 +23,20 @@ struct ControlServer::Client {
     }
 
     LocalSocket socket;
-    /// It gets a line after each change, from the loop.
+    /// The client gets a line after each change, sent by the loop.
     bool watches = false;
     std::optional<ObservationLoop> watching;
     std::string lastSeen;
-    /// A change was not sent, for the client had not read the last one yet.
+    /// A change was not sent because the client had not read the previous line yet.
     bool missedChange = false;
-    /// It gets the end of the session, from the loop.
+    /// The client is told of the session's end, by the loop.
     bool waits = false;
     std::optional<ObservationLoop> waiting;
-    /// The command that runs at its side, until it is dropped.
+    /// The command that the client runs, until it ends or is dropped.
     std::optional<RunningCommands::Command> command;
     bool isReadPosted = false;
-    /// A reply that waits for how closed-lid mode stands, from the loop; no request is read until then.
+    /// A reply held back until the state of closed-lid mode is known, which the loop finds out; no request is read
+    /// until then.
     struct Owed {
         ControlRequest request;
         JSON reply;
@@ -122,7 +123,7 @@ void ControlServer::forget(Client& client)
     gone->owed.reset();
     gone->settlingLimit.reset();
     gone->socket.onReceived = gone->socket.onSent = gone->socket.onClosed = nullptr;
-    // Later: this may run inside one of its callbacks.
+    // Destroyed in a later turn: this may run inside one of the client's callbacks.
     mainLoop_.post([gone] { });
     release(*gone);
 }
@@ -162,7 +163,7 @@ void ControlServer::read(Client& client)
         refuseLength(client);
 }
 
-/// Where its next request begins is not worth looking for.
+/// Closes the connection: skipping such a line to find the next request is not worth the code.
 void ControlServer::refuseLength(Client& client)
 {
     client.send(ControlService::error(controlProtocol::badRequest,
@@ -216,7 +217,7 @@ void ControlServer::giveOwed(Client& client)
     readLater(client);
 }
 
-/// While a line waits for the client no other is added: what it reads next is how things stand then.
+/// While a line is still unsent no other is queued: a slow client skips states and reads the latest.
 void ControlServer::watch(Client& client)
 {
     client.watching.emplace(mainLoop_, [this, &client] {
@@ -227,7 +228,7 @@ void ControlServer::watch(Client& client)
             client.missedChange = true;
             return;
         }
-        // Moments pass without anything having changed.
+        // The passing of time alone is no change.
         auto compared = status;
         compared["status"].erase("remaining");
         compared["status"].erase("elapsed");
@@ -261,9 +262,9 @@ void ControlServer::run(Client& client, const ControlRequest& request)
     });
     if (!begun)
         return client.send(ControlService::error(controlProtocol::refused, message(begun.error())));
-    // One that this connection has asked for before.
+    // Ends the command that this connection began before, if any.
     release(client);
-    // First: the client may have gone, which shows when something is sent, and the command is to go with it.
+    // Before answering: if the client has gone, sending notices that and ends the command with it.
     client.command = *begun;
     answer(client, request, service_.done());
 }

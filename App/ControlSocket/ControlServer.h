@@ -1,5 +1,8 @@
 #pragma once
 
+// App/ControlSocket: answers other programs of the user: ControlServer speaks to sockets, ControlService acts on the
+// model.
+
 #include "App/ControlSocket/ControlService.h"
 #include "App/System/LocalSocket.h"
 #include "Log/SystemLog.h"
@@ -12,18 +15,18 @@
 
 namespace vespra {
 
-/// Lets programs of this user ask and steer the application over a local socket: JSON Lines, a reply for each request,
-/// in order. No client is ever waited for: what it sends too fast waits with it, and so do lines that it does not read.
-/// Main thread only.
+/// Lets programs of this user query and steer the application over a local socket: JSON Lines, one reply per request,
+/// in order. Never blocks on a client: requests that come too fast stay in its socket, and so does the rest while it
+/// does not read its replies. Main thread only.
 class ControlServer {
 public:
-    /// Where there are more, the oldest one that waits for nothing gives way; if all wait, no other is served.
+    /// Beyond this number the oldest idle connection is closed; if none is idle, the new one is refused.
     static constexpr std::size_t mostClients = 64;
-    /// Requests that one client has answered before it is the others' turn.
+    /// Requests of one client that are answered before the others get their turn.
     static constexpr int requestsPerTurn = 32;
-    /// Bytes that may wait for a client before its next request is looked at.
+    /// Unsent bytes above which a client's next request is not read.
     static constexpr std::size_t longestBacklog = 65'536;
-    /// Who asks for closed-lid mode waits at most so long for its outcome; then how it stands is the answer.
+    /// How long a reply waits for the outcome of closed-lid mode; after that it tells the state so far.
     static constexpr Seconds closedLidLimit = 3s;
 
     /// Touches nothing yet. `model`, `mainLoop` and `tasks` outlive it.

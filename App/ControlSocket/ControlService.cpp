@@ -56,7 +56,7 @@ namespace {
             {timeText(end->date), shortDescription(end->reason)});
     }
 
-    /// For people who might rely on what is not real; empty on a laptop that is.
+    /// Warns that the laptop is simulated; empty on a real one.
     std::string simulationLine(const AppModel& model)
     {
         return model.platformKind() == PlatformKind::simulated
@@ -252,8 +252,8 @@ JSON ControlService::refusal(const SessionPreferences& preferences) const
         controlProtocol::refused, localized("No agent is connected. \"vespractl hooks connect\" connects one."));
 }
 
-/// An agent may have been connected from a terminal in the meantime. Only for what asks about connections: parsing large
-/// settings files takes tens of milliseconds.
+/// An agent may have been connected from a terminal in the meantime. Only for what asks about connections: parsing
+/// large settings files takes tens of milliseconds.
 void ControlService::readConnections() const { model_.agentIntegration().refresh(); }
 
 JSON ControlService::start(const SessionPreferences& preferences)

@@ -18,19 +18,19 @@ public:
 
     /// The reply to any request but `run`, `watch` and `wait`: {"status":{...}}, {"lines":[...]}, {"settings":{...}},
     /// {"done":{"isActive":true,"message":"Awake until 18:30."}}, or the error of a refusal; then nothing has changed.
-    /// What cannot be stored is an error too, but it counts.
+    /// A change that takes effect but cannot be stored is an error too.
     JSON reply(const ControlRequest& request);
 
-    /// How closed-lid mode stands is part of the reply that has just been made to `request`, and may take a moment.
+    /// Whether the reply just made to `request` is to include the outcome of closed-lid mode, which may take a moment.
     bool tellsClosedLid(const ControlRequest& request) const;
-    /// It is still being found out. Followed by an observation loop that asks.
+    /// Whether that outcome is still open. An observation loop that calls this follows it.
     bool isClosedLidSettling(const ControlRequest& request) const;
-    /// `reply` with how it stands now, unless it is in force, or ready for the next session: {"done":{"isActive":true,
-    /// "closedLid":{"message":"Closed lid: Not set up","isPossible":false}}}; or the error of a component that could
-    /// not be removed.
+    /// `reply` with the state of closed-lid mode, unless that is in force or ready for the next session:
+    /// {"done":{"isActive":true,"closedLid":{"message":"Closed lid: Not set up","isPossible":false}}}; or the error of
+    /// a component that could not be removed.
     JSON withClosedLid(const ControlRequest& request, JSON reply) const;
 
-    /// {"status":{...}}: how everything stands. Followed by an observation loop that asks.
+    /// {"status":{...}}: the state of everything. An observation loop that calls this follows it.
     JSON status() const;
     /// {"ended":{"reason":"timeElapsed","at":"...","message":"Time is up"}}, without a reason if none ever ran;
     /// absent while a session runs. Followed as well.
@@ -49,11 +49,11 @@ private:
     JSON settings() const;
     JSON set(const std::string& key, const std::string& value);
     JSON describe() const;
-    /// The same for a session that has just been started.
+    /// `done` with a message about the session that has just been started.
     JSON started() const;
-    /// The same after something was to be kept, or that it is not.
+    /// `done`, or the error that the change takes effect but could not be stored.
     JSON kept() const;
-    /// Why the session that was just asked for does not run.
+    /// The error that says why the requested session does not run.
     JSON refusal(const SessionPreferences& preferences) const;
 
     AppModel& model_;

@@ -63,7 +63,7 @@ void HeadlessApplication::start()
     startOnceReady();
 }
 
-/// They are for this run: what the user keeps stays as it is.
+/// Settings of the command line count for this run only: what is stored stays as it is.
 void HeadlessApplication::applySettings()
 {
     auto settings = options_.settings.value_or(model().coordinator().settings());
@@ -84,7 +84,7 @@ void HeadlessApplication::followForcedAction()
     };
 }
 
-/// A laptop in memory has no other screen.
+/// Prints the notifications of a simulated laptop, which has no other screen.
 void HeadlessApplication::showNotifications()
 {
     if (platform_.machine)
@@ -143,7 +143,7 @@ void HeadlessApplication::refuse(const std::string& reason)
 
 void HeadlessApplication::follow(const SessionEvent& event)
 {
-    // What was to follow the session before may not end this one.
+    // A finish that was scheduled for the previous session must not end this one.
     if (std::holds_alternative<event::Started>(event)) {
         delayedFinish_.reset();
         exitStatus_ = ExitStatus::done;

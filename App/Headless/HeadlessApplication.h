@@ -1,5 +1,7 @@
 #pragma once
 
+// App/Headless: the application in a terminal: its output and the signals that end it.
+
 #include "App/Launch/LaunchOptions.h"
 #include "App/Headless/TerminalOutput.h"
 #include "App/Launch/AppDelegate.h"
@@ -10,7 +12,7 @@
 
 namespace vespra {
 
-/// The application without its surfaces: told of in the terminal. Main thread only.
+/// The application without windows: prints in the terminal what happens. Main thread only.
 class HeadlessApplication {
 public:
     /// The arguments outlive it. `onFinish` gets the exit status once the session has ended.
@@ -22,7 +24,7 @@ public:
 
     /// Launches the application and starts the session. A refusal is printed and finishes at once.
     void start();
-    /// Ends the session because the application ends, or cancels what was to follow it, and finishes.
+    /// Ends the session, or cancels the action that was to follow it, and finishes.
     void terminate() { finish(); }
 
 private:

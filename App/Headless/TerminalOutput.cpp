@@ -24,10 +24,10 @@ namespace {
         return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
     }
 
-    /// Columns that a character takes at the very most: two where the system does not know it.
+    /// The most columns that a character can take: two if the system does not know it.
     std::size_t columns(char32_t character)
     {
-        // It makes the one before it wide, in some terminals.
+        // In some terminals it widens the character before it.
         constexpr char32_t emojiSelector = 0xFE0F;
         if (character == emojiSelector)
             return 1;
@@ -51,7 +51,7 @@ namespace {
         return isatty(STDOUT_FILENO) == 1 && terminal && *terminal && std::string_view{terminal} != "dumb";
     }
 
-    /// In the background the terminal is another program's to draw on.
+    /// While in the background nothing may be drawn: the terminal belongs to another program.
     bool isInForeground() { return tcgetpgrp(STDOUT_FILENO) == getpgrp(); }
 
 } // namespace

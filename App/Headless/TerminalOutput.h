@@ -4,10 +4,9 @@
 
 namespace vespra {
 
-/// Standard output and standard error: lines that stay, and on a terminal below them one live line that is drawn again
-/// and again while the program is in the foreground. What else the program writes to standard error
-/// (`standardError::write`) stays apart from the live line as well, if the main thread writes it. One in a process;
-/// main thread only.
+/// Standard output and standard error: lines that stay and, on a terminal, one live line below them, which is redrawn
+/// while the program is in the foreground. Also keeps what the main thread writes with `standardError::write` apart
+/// from the live line. One per process; main thread only.
 class TerminalOutput {
 public:
     TerminalOutput();
@@ -22,7 +21,7 @@ public:
     void printLine(const std::string& text);
     /// On standard error, for it is no event of the session.
     void printNote(const std::string& text);
-    /// Cut to the terminal's width; empty removes it. Nothing where there is no terminal.
+    /// Cut to the terminal's width; empty removes it. Without a terminal it does nothing.
     void showLive(const std::string& text);
 
 private:

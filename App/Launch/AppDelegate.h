@@ -1,5 +1,7 @@
 #pragma once
 
+// App/Launch: from the command line to a running application, and its end. AppDelegate joins everything.
+
 #include "App/Agents/AgentSocketServer.h"
 #include "App/Model/AppModel.h"
 #include "App/Launch/AppSurfaces.h"

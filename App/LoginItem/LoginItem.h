@@ -20,7 +20,7 @@ public:
     bool requiresApproval() const { return requiresApproval_.get(); }
     void refresh();
 
-    /// Then refreshes: how it stands tells whether it worked. A failure is logged.
+    /// Refreshes afterwards, so `isEnabled` tells whether it worked. A failure is logged.
     void setEnabled(bool enabled);
 
 private:

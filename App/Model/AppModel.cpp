@@ -69,7 +69,7 @@ void AppModel::start(const SessionPreferences& preferences)
 
 void AppModel::startUnconnected(const SessionPreferences& preferences)
 {
-    // What belongs to a running session stays as it is.
+    // A start during a session must not touch what belongs to that session.
     if (coordinator_.state().isActive())
         return;
     environment_.platform.session->refresh();
@@ -86,7 +86,7 @@ void AppModel::startUnconnected(const SessionPreferences& preferences)
         refreshClosedLid();
 }
 
-/// What kept closed-lid mode from coming into force may have gone since.
+/// The obstacle to closed-lid mode may have gone since the last look.
 void AppModel::refreshClosedLid()
 {
     if (closedLid)
@@ -159,7 +159,7 @@ void AppModel::dismissEnd()
 
 AgentEndAction AppModel::endAction() const
 {
-    // What still runs is not to be cut off.
+    // A command that still runs must not be cut off by a sleep or a shutdown.
     const bool isSkipped = skipsForcedActionThisSession() || commands_.isAnyRunning();
     return isSkipped ? AgentEndAction::letSleep : coordinator_.settings().agents.endAction;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+// App/Model: the one object that views read, what the user chose and its storage, and the facts that the panel shows.
+
 #include "App/Agents/AgentIntegration.h"
 #include "App/Agents/ForcedEndAction.h"
 #include "App/Updates/AppUpdates.h"
@@ -28,8 +30,8 @@ struct AppEnvironment {
     std::filesystem::path supportDirectory;
 };
 
-/// The one object that every view reads: it owns the session and its companions, and what the user prefers. All that it
-/// answers is followed by an observation loop that asks. Main thread only.
+/// The one object that every view reads: it owns the session and its companions, and what the user prefers. An
+/// observation loop follows everything that it reads here. Main thread only.
 class AppModel {
 public:
     /// Reads what is kept, once.
@@ -64,10 +66,10 @@ public:
     SettingsTab settingsTab() const { return settingsTab_.get(); }
     void setSettingsTab(SettingsTab tab) { settingsTab_.set(tab); }
 
-    // What is set here is kept at once, also when it is what there was.
+    // Setters store the value at once, even if it is unchanged.
     const SessionPreferences& preferences() const { return preferences_.get(); }
     void setPreferences(const SessionPreferences& preferences);
-    /// A hot machine is heard.
+    /// Whether an alarm sounds when the machine is hot.
     bool playsHeatAlarm() const { return playsHeatAlarm_.get(); }
     void setPlaysHeatAlarm(bool plays);
     bool showsRemainingTimeInMenuBar() const { return showsRemainingTimeInMenuBar_.get(); }
@@ -94,7 +96,7 @@ public:
     /// Why the last try to switch closed-lid mode on during a session was refused.
     const std::optional<StartRefusal>& closedLidToggleRefusal() const { return closedLidToggleRefusal_.get(); }
 
-    /// Some session runs in a machine that is hot, and the heat will not end it.
+    /// A session runs on a hot machine, and the heat will not end it.
     bool isRunningHot() const;
     /// The preferences ask for agents and none is connected.
     bool needsAgentConnection() const { return needsAgentConnection(preferences()); }
@@ -102,7 +104,7 @@ public:
 
     /// The last end that the user has dismissed; absent before the first.
     const std::optional<SessionEnd>& dismissedEnd() const { return dismissedEnd_.get(); }
-    /// The notice of the end that is shown goes; another end shows again.
+    /// Hides the notice of the end that is shown; the next end is shown again.
     void dismissEnd();
 
     /// What follows when the agents end this session: the action of the settings, unless this session is to skip it or a

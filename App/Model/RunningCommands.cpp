@@ -13,7 +13,7 @@ std::expected<RunningCommands::Command, StartRefusal> RunningCommands::begin(
     if (state.isActive())
         if (const auto joined = join(wishes); !joined)
             return std::unexpected{joined.error()};
-    // Its end may have come while it was joined.
+    // Changing its options may have ended the session.
     if (!state.isActive())
         if (const auto started = startFor(wishes); !started)
             return std::unexpected{started.error()};
@@ -80,7 +80,7 @@ std::expected<void, StartRefusal> RunningCommands::startFor(const Wishes& wishes
         .closedLid = wishes.closedLid.value_or(preferred.closedLid),
     };
     if (!startOwnSession(options))
-        // Nothing but a time limit on battery ends at once what was not refused.
+        // A session that was not refused ends at once only by the time limit on battery.
         return std::unexpected{model_.coordinator().refusal(options).value_or(refusal::ChargerRequired{})};
     raised_ = {
         .keepsDisplayAwake = options.keepsDisplayAwake && !preferred.keepsDisplayAwake,
@@ -105,7 +105,7 @@ bool RunningCommands::isWanted(std::optional<bool> Wishes::* wish) const
     return std::ranges::any_of(commands_, [wish](const auto& each) { return (each.second.wishes.*wish).value_or(false); });
 }
 
-/// Takes back what no command wants any more. Switching off is never refused.
+/// Switches off the options that no command wants any more; that is never refused.
 void RunningCommands::lower()
 {
     if (raised_.keepsDisplayAwake && !isWanted(&Wishes::keepsDisplayAwake)) {

@@ -38,9 +38,9 @@ public:
     /// Some command begins. What its wishes switch on in a session stays on as long as a command wants it. `onDropped`
     /// is called once if an end of the session leaves the command without one. A refusal changes nothing.
     std::expected<Command, StartRefusal> begin(const Wishes& wishes, std::function<void()> onDropped);
-    /// It has ended. Nothing for one that was dropped.
+    /// The command has ended. Does nothing for a dropped one.
     void end(Command command);
-    /// Some command runs that was not dropped. Followed by an observation loop that asks.
+    /// Whether a command runs that was not dropped. An observation loop that calls this follows it.
     bool isAnyRunning() const { return isAnyRunning_.get(); }
 
     /// To be told of each event of the session, after everybody else.

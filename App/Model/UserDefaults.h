@@ -8,7 +8,7 @@
 namespace vespra {
 
 /// What the user chose, by key, from one launch to the next. What cannot be written stays in memory until the next
-/// write and leaves what is stored as it was; the system's log tells. Main thread only.
+/// write, leaves what is stored as it was, and is logged. Main thread only.
 class UserDefaults {
 public:
     virtual ~UserDefaults() = default;

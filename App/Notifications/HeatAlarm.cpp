@@ -22,7 +22,7 @@ void HeatAlarm::play(std::function<void()> completion)
     const int play = ++play_;
     task_ = tasks_.schedule(longest, [this] { player_.stop(); });
     player_.play(lifetime_.guard([this, play, completion = std::move(completion)] {
-        // One that gave way to another leaves the limit to that.
+        // A play that another has interrupted must not cancel the other's time limit.
         if (play == play_)
             task_.reset();
         notify(completion);

@@ -6,7 +6,7 @@
 
 namespace vespra {
 
-/// The sound that tells of a hot machine: one at a time, and never a long one. Main thread only.
+/// The alarm of a hot machine: one sound at a time, cut off after `longest`. Main thread only.
 class HeatAlarm {
 public:
     /// A player that has not come to its end by then is stopped.

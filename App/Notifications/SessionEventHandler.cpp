@@ -21,7 +21,7 @@ void SessionEventHandler::handle(const SessionEvent& event)
         event,
         [this](const event::Started&) {
             notifier_.requestAuthorizationIfNeeded();
-            // That the computer can go to sleep again holds no more.
+            // Notifications of the previous session, such as that the computer may sleep again, are out of date.
             notifier_.removeOfTheSession();
         },
         [this](const event::Extended&) { notifier_.removeEndingSoon(); },
@@ -48,7 +48,7 @@ void SessionEventHandler::handleEnd(const SessionEnd& end)
         notifier_.removeOfTheSession();
 }
 
-/// Starts the countdown of what is to follow, and tells the user.
+/// Starts the countdown to the action that follows the session, and tells the user.
 void SessionEventHandler::handleAgentsFinished()
 {
     const auto action = model_.endAction();

@@ -1,5 +1,7 @@
 #pragma once
 
+// App/Notifications: what follows the session's events: notifications and the heat alarm.
+
 #include "App/Notifications/HeatAlarm.h"
 #include "App/Notifications/SessionNotifier.h"
 #include "App/System/Platform.h"
@@ -11,10 +13,11 @@ namespace vespra {
 class AppModel;
 class ClosedLidController;
 
-/// Turns what happens to the session into notifications, an alarm, and what the closed lid needs. Main thread only.
+/// Acts on the session's events: schedules what follows an agent session, posts notifications, sounds the alarm, and
+/// delays the end of closed-lid mode until the alarm has been heard. Main thread only.
 class SessionEventHandler {
 public:
-    /// A closed machine that was too hot stays awake this long, so that the alarm can be heard.
+    /// How long a closed machine that was too hot stays awake, so that the alarm can be heard.
     static constexpr Seconds overheatingRestoreDelay = 3s;
 
     /// All of them outlive it.

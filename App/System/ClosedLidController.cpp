@@ -7,7 +7,7 @@ namespace vespra {
 
 namespace {
 
-    /// A limit that is noticed this much too late was slept over.
+    /// A limit noticed this much too late means that the computer slept over it.
     constexpr Seconds lateness = 3s;
 
 } // namespace
@@ -34,7 +34,7 @@ HelperConnection& ClosedLidController::connection()
     return *connection_;
 }
 
-/// Nothing is in force now. A component that goes again and again is not started anew each time.
+/// The override has gone with the connection. A component that keeps disappearing is not restarted every time.
 void ClosedLidController::connectionLost()
 {
     const bool wasApplied = isApplied_;
@@ -53,7 +53,7 @@ void ClosedLidController::dropConnection(const std::string& reason)
 {
     if (connection_) {
         connection_->onInvalidation = nullptr;
-        // It may be the one that is calling, so it goes in a later turn.
+        // Destroyed in a later turn, since it may be the caller.
         environment_.mainLoop.post([ended = std::shared_ptr<HelperConnection>{std::move(connection_)}] { });
     }
     heartbeatTask_.reset();
@@ -78,7 +78,7 @@ void ClosedLidController::send(void (HelperXPCProtocol::*operation)(HelperReply<
     }));
 }
 
-/// A reply that a sleep has held up gets as much time again.
+/// If the computer slept meanwhile, the reply gets the whole limit again.
 void ClosedLidController::limitWait(const std::shared_ptr<Request>& request, Seconds limit)
 {
     const auto due = environment_.tasks.continuousNow() + limit;
@@ -99,7 +99,7 @@ void ClosedLidController::setStatus(HelperStatus status)
     scheduleRetry();
 }
 
-/// An approval has a poll of its own.
+/// Not while approval is pending: that has a poll of its own.
 void ClosedLidController::scheduleRetry()
 {
     if (isReady(status_) || std::holds_alternative<helper::AwaitingApproval>(status_))
@@ -252,7 +252,7 @@ void ClosedLidController::followSession()
     const auto* session = coordinator_.state().activeSession();
     isWanted_ = session && session->options.closedLid;
     scheduleRetry();
-    // Each is read in any case, so that each is followed.
+    // All are read unconditionally, so that the loop follows all of them.
     const bool isAsked = coordinator_.requirements().disablesSystemSleep;
     const bool isKept = environment_.keepsOverride && environment_.keepsOverride();
     const bool isShuttingDown = isShuttingDown_.get();
@@ -270,7 +270,7 @@ void ClosedLidController::follow(bool disablesSystemSleep)
         restore();
 }
 
-/// What the reply to the request before leaves to be done.
+/// Does what is still to be done after the reply to the previous request.
 void ClosedLidController::doWhatIsWanted()
 {
     if (wantsApplied_ && !isApplied_)

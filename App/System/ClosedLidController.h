@@ -20,7 +20,7 @@ struct ClosedLidEnvironment {
     SystemPower& power;
     TaskScheduling& tasks;
     MainLoop& mainLoop;
-    /// While it answers true, an override stays that no session asks for any more. Empty: never. Followed by an
+    /// While it returns true, the override stays although no session asks for it any more. Empty: never. Followed by an
     /// observation loop.
     std::function<bool()> keepsOverride{};
 };
@@ -33,7 +33,7 @@ class ClosedLidController {
 public:
     static constexpr Seconds approvalPollInterval = 2s;
     static constexpr Seconds retryInterval = 65s;
-    /// A component that has not answered by then counts as unreachable, and its connection is broken off.
+    /// A component that has not answered by then counts as unreachable, and its connection is dropped.
     static constexpr Seconds replyLimit = 25s;
     /// Enabling may wait for the user's password.
     static constexpr Seconds enableReplyLimit = 120s;

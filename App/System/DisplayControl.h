@@ -17,7 +17,7 @@ public:
     virtual std::expected<void, int> wake(const std::string& name) = 0;
     /// Called when the display has come on by whatever means, while `watchesWaking`.
     std::function<void()> onScreensWake;
-    /// Whether anybody cares for `onScreensWake`: where the system does not tell of it, asking costs wake-ups.
+    /// Whether `onScreensWake` is needed: on systems that do not announce it, polling costs wake-ups.
     virtual void setWatchesWaking(bool watches) = 0;
 };
 

@@ -6,11 +6,11 @@
 
 namespace vespra {
 
-/// The application's line to the privileged component. Destroying it breaks it off: no reply follows, and the component
-/// takes back what it did for it. Main thread only.
+/// The application's connection to the privileged component. Destroying it ends it: no reply follows, and the component
+/// undoes what it did for this connection. Main thread only.
 class HelperConnection : public HelperXPCProtocol {
 public:
-    /// Called in a later turn once the line is dead, after the replies still owed have come as unreachable. A new
+    /// Called in a later turn once the connection is dead, after the replies still owed have come as unreachable. A new
     /// connection may work again.
     std::function<void()> onInvalidation;
 

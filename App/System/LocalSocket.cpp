@@ -66,7 +66,7 @@ void LocalSocket::sendMore()
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0 && errno != EAGAIN) {
-            // The end of what it has sent is still to be read; reading then meets the end.
+            // What the other end has sent before is still to be read; after that reading finds the end.
             unsent_.clear();
             break;
         }
@@ -148,7 +148,8 @@ void LocalSocketServer::accept()
     onConnection_(std::move(connection));
 }
 
-/// Descriptors have run out: who waits to be accepted keeps the listener readable until some are free again.
+/// Descriptors have run out. Waiting connections keep the listener readable until some are free again, so it is not
+/// watched for a while.
 void LocalSocketServer::pause()
 {
     constexpr std::chrono::milliseconds length{100};

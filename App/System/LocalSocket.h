@@ -13,9 +13,8 @@ class QSocketNotifier;
 
 namespace vespra {
 
-/// One end of a local connection that speaks in lines, and never waits for the other end: what comes in is kept up to a
-/// limit, then the other end has to wait; what goes out is kept until it is read. A QCoreApplication must exist. Main
-/// thread only.
+/// One end of a local connection that speaks in lines and never blocks. Input is buffered up to a limit, then the other
+/// end has to wait; output is buffered until it is read. A QCoreApplication must exist. Main thread only.
 class LocalSocket {
 public:
     /// Takes over a connected descriptor. Keeps at most about `mostReceived` bytes unread.
@@ -26,9 +25,9 @@ public:
 
     /// There is more to read. The socket must not be destroyed inside.
     std::function<void()> onReceived;
-    /// All that was sent has been taken. The same holds.
+    /// Everything that was sent has been taken. Must not destroy the socket either.
     std::function<void()> onSent;
-    /// The other end has gone; called once. The same holds.
+    /// The other end has gone; called once. Must not destroy the socket either.
     std::function<void()> onClosed;
 
     int descriptor() const { return descriptor_.get(); }
@@ -38,7 +37,7 @@ public:
     bool hasLine() const { return received_.contains('\n'); }
     std::size_t unreadBytes() const { return received_.size(); }
 
-    /// Sends what it can at once and the rest as the other end reads. Nothing once that has gone.
+    /// Sends what it can at once and the rest as the other end reads. Does nothing once the other end has gone.
     void send(const std::string& bytes);
     std::size_t unsentBytes() const { return unsent_.size(); }
 

@@ -10,7 +10,7 @@ namespace vespra {
 
 namespace {
 
-    /// Lets other programs know besides.
+    /// Also marks the running session for other programs.
     class MarkedSession final : public SessionFollowing {
     public:
         MarkedSession(std::unique_ptr<SessionFollowing> session, PlatformKind kind)

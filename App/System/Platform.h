@@ -1,5 +1,8 @@
 #pragma once
 
+// App/System: one header for each facility of the system, its adapters in linux/, macos/ and simulated/, and the
+// controllers that use them. Platform is all of them together.
+
 #include "App/System/DisplayControl.h"
 #include "App/System/HelperConnection.h"
 #include "App/System/HelperService.h"

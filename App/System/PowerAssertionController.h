@@ -13,8 +13,8 @@
 
 namespace vespra {
 
-/// Turns the session's requirements into assertions and display actions. `disablesSystemSleep` is not its business.
-/// Main thread only.
+/// Turns the session's requirements into assertions and display actions. `disablesSystemSleep` is left to the
+/// ClosedLidController. Main thread only.
 class PowerAssertionController {
 public:
     /// What it works with; all of it outlives it.

@@ -21,7 +21,7 @@ struct ThermalSample {
     std::optional<double> limit;
 };
 
-/// Makes a level out of temperatures: fair from 20 degrees below the limit on, serious from 10 (or from the passive
+/// Derives a level from temperatures: fair from 20 degrees below the limit on, serious from 10 (or from the passive
 /// trip, if that lies closer to the limit), critical from 3. It looks at the average of the last 30 s, because laptops
 /// run 5 degrees below the limit under an honest full load; a reading at the limit counts at once. A level is left when
 /// the average is 5 degrees below its threshold. The hottest sensor counts.

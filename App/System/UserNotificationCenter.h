@@ -20,7 +20,7 @@ struct NotificationCategory {
 };
 
 struct UserNotification {
-    /// One that is shown under the same identifier gives way to this one.
+    /// Replaces a notification that is shown under the same identifier.
     std::string identifier;
     std::string title;
     std::string body;
@@ -46,8 +46,8 @@ public:
 
     /// Replaces all categories; to be called before the first notification.
     virtual void setCategories(std::vector<NotificationCategory> categories) = 0;
-    /// Asks the user where the system wants that, for alerts with a sound. To be called before the first notification,
-    /// which then waits for the answer.
+    /// Asks the user for permission to show alerts with a sound, where the system requires that. To be called before
+    /// the first notification, which then waits for the answer.
     virtual void requestAuthorization() = 0;
     /// Shows it at once, with the system's default sound, also while the application is in front. A failure is logged.
     virtual void post(const UserNotification& notification) = 0;

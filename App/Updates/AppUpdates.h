@@ -1,5 +1,7 @@
 #pragma once
 
+// App/Updates: what the application shows of its updater.
+
 #include "App/System/Updater.h"
 #include "Core/Lifetime.h"
 #include "Core/Observation/Observed.h"

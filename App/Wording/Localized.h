@@ -1,5 +1,7 @@
 #pragma once
 
+// App/Wording: values in the user's words and language: durations, times, sessions, agents and the closed lid.
+
 #include <initializer_list>
 #include <string>
 #include <string_view>

@@ -13,7 +13,7 @@ std::string startLine(const ActiveSession& session);
 /// What happened, in one line for the terminal.
 std::string reportLine(const SessionEvent& event);
 
-/// How the session stands, in one line: the time, and what each agent does. `condition` is nothing but for an agent
+/// How the session stands, in one line: the time, and what each agent does. `condition` is null except for an agent
 /// session.
 std::string liveLine(
     const ActiveSession& session, Instant now, const AgentEndCondition* condition, const AgentTracker& tracker);

@@ -4,8 +4,8 @@
 
 namespace vespra {
 
-/// The English literal as this system says it. Literals speak of a Mac; elsewhere those that do have their own text
-/// here, and every other literal is its own. Without Qt, for terminal programs too. Any thread.
+/// The English text for this system. Literals speak of a Mac; other systems have replacements for those here, and use
+/// all others unchanged. Without Qt, for terminal programs too. Any thread.
 std::string_view systemText(std::string_view literal);
 
 } // namespace vespra

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-/// What keeps this machine awake right now, and what could defeat it.
+/// `vespractl doctor`: what keeps this machine awake right now, and what could defeat it. Facts are gathered by each
+/// system's files, judged here.
 namespace vespra::doctor {
 
 /// One thing that the application uses of its system.
@@ -43,8 +44,8 @@ struct Keeper {
     std::string service;
     /// What an entry of ours in its list has to cover.
     std::string what;
-    /// Whether everything that it holds is among the inhibitors, and for whom. It does not answer otherwise, or does
-    /// not say who.
+    /// Whether `inhibitors` has everything that it holds, with its holders. False if it does not answer, or does not
+    /// name the holders.
     bool tellsAll = false;
 };
 
@@ -61,12 +62,12 @@ Facts gatherFacts(const std::optional<SessionMarker::Session>& session);
 
 enum class Verdict {
     noSession,
-    /// It holds nothing of this machine, as it is to be.
+    /// The laptop is simulated, so nothing is to be held on this machine.
     simulated,
-    /// By each service that is asked for it.
+    /// Every service that is asked for the lock lists it.
     listed,
     missing,
-    /// Some service does not tell, and none tells that it is missing.
+    /// At least one service does not tell, and none says that it is missing.
     unknown,
 };
 

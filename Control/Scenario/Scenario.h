@@ -1,5 +1,7 @@
 #pragma once
 
+// Control/Scenario: `vespractl simulate`: scenarios are read from files and played in virtual time.
+
 #include "Core/Agents/AgentKind.h"
 #include "Core/Agents/HookInput.h"
 #include "Core/Session/SessionEvent.h"

@@ -34,11 +34,12 @@ namespace {
 
 std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus)
 {
-    // An application that goes away shows in what fails then.
+    // Writing to an application that has gone must fail, not end this program.
     std::signal(SIGPIPE, SIG_IGN);
     ControlClient client;
     if (client.connect()) {
-        // What cannot be sent has no other answer than the one that may have come before, or none.
+        // A failure to send is not handled here: the application may have answered before it closed, and receiving
+        // tells.
         client.send(request);
         return client;
     }

@@ -5,17 +5,18 @@
 
 #include <functional>
 
-/// What the commands share that ask the running application.
+/// The subcommands that ask the running application, and here what they share.
 namespace vespra::control {
 
-/// Connects and sends `request`. Absent: no application can be reached; why has been said and `exitStatus` set.
+/// Connects and sends `request`. Absent if no application can be reached: then the reason has been printed and
+/// `exitStatus` is set.
 std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus);
 
-/// The exit status for a reply that is an error, whose message has been said, or that never came, which `errno` tells
-/// as `ControlClient::receive` has left it; absent for any other.
+/// The exit status for an error, or for a missing reply whose reason `ControlClient::receive` has left in `errno`; the
+/// message has been printed. Absent for any other reply.
 std::optional<int> failure(const std::optional<JSON>& reply);
 
-/// Says how closed-lid mode stands if the reply tells. Returns the exit status for that.
+/// Prints the state of closed-lid mode if the reply has it, and returns the exit status for that state.
 int closedLidStatus(const JSON& reply);
 
 /// Asks once and gives the reply to `use`, unless it is an error. Returns the exit status.

@@ -31,15 +31,15 @@ namespace {
             kill(runningCommand, signal);
     }
 
-    /// The signals as the command is to find them: as this program found them.
+    /// The handling of signals that this program was started with, which the command is to inherit.
     struct CallersSignals {
         /// Those that this program has changed.
         std::vector<int> defaults;
         sigset_t mask{};
     };
 
-    /// What a terminal sends to both is left to the command, and what comes here alone is passed on to it; blocked
-    /// until there is somebody to get it. What was ignored stays so, as after nohup.
+    /// A signal from the terminal reaches both processes and is left to the command; one sent to this process alone is
+    /// passed on, and blocked until the command exists. Ignored signals stay ignored, as after nohup.
     CallersSignals takeSignals(bool ignoredBrokenPipes)
     {
         CallersSignals callers;
@@ -114,7 +114,7 @@ namespace {
         siginfo_t ended{};
         while (waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
         }
-        // Its number may be another's once it has been reaped.
+        // Once the child has been reaped, its number may belong to another process.
         runningCommand = 0;
         int status = 0;
         waitpid(child, &status, 0);
@@ -123,7 +123,7 @@ namespace {
         return WEXITSTATUS(status);
     }
 
-    /// The command goes on without being kept awake: once, when the application says so or has gone.
+    /// Tells the user, once, that the command goes on without being kept awake: the application says so or has gone.
     void tellOfTheEnd(ControlClient& client)
     {
         const auto reply = client.receive({});
@@ -179,7 +179,7 @@ std::vector<std::string> takeCommand(int& argc, char** argv)
     if (argc < 2 || argv[1] != "run"sv)
         return {};
     char** const end = argv + argc;
-    // Its options take no values.
+    // Skips the options of `run`, none of which takes a value.
     char** command = std::find_if(argv + 2, end, [](std::string_view argument) {
         return argument == "--" || argument == "-" || !argument.starts_with('-');
     });
@@ -197,7 +197,7 @@ void addRunCommands(CLI::App& vespractl, int& exitStatus, const std::vector<std:
         "--display", [options] { options->keepsDisplayAwake = true; }, "Keep the display on too");
     running->add_flag_callback(
         "--closed-lid", [options] { options->closedLid = true; }, "Stay awake with the lid closed");
-    // Never parsed, only told of.
+    // For the help only: `takeCommand` has removed these arguments before parsing.
     running->add_option_function<std::string>(
         "COMMAND", [](const std::string&) { }, "The command and its arguments, as they are");
     running->callback([=, &exitStatus] {

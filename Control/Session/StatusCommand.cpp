@@ -16,7 +16,8 @@ namespace {
 
     bool hasReader() { return process::hasReader(STDOUT_FILENO); }
 
-    /// How a watch ends whose output cannot be written, or is not read any more: that is how one ends it.
+    /// The exit status of a watch whose output cannot be written. A reader that has gone is the usual end, and no
+    /// failure.
     int ended()
     {
         if (hasReader())
@@ -60,7 +61,7 @@ namespace {
         }
     }
 
-    /// The description, anew whenever it reads otherwise: once a second while something is counted.
+    /// Prints the description again whenever it has changed: once a second while something is counted.
     int watchText()
     {
         int exitStatus = done;
@@ -79,7 +80,7 @@ namespace {
             std::this_thread::sleep_for(std::chrono::seconds{1});
             if (!hasReader())
                 return ended();
-            // Whether it can be sent shows in the answer.
+            // A failure to send shows in the missing reply.
             client->send({.verb = ControlVerb::describe});
         }
     }

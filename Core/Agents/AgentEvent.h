@@ -1,5 +1,8 @@
 #pragma once
 
+// Core/Agents: what coding agents report through their hooks, the tracker and the end condition that follow them, and
+// the hooks in the agents' settings files, handled as text.
+
 #include "Core/Agents/AgentKind.h"
 #include "Core/Agents/HookInput.h"
 #include "Core/Coding/JSONSource.h"

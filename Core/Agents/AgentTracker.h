@@ -46,7 +46,7 @@ public:
     void record(const AgentEvent& event);
     /// Drops the sessions that are silent for too long.
     void pruneStale(Instant now);
-    /// Whether some session keeps the agents busy.
+    /// Whether some session counts as busy under `policy`.
     bool hasBusySession(const AgentPolicy& policy) const;
 
     /// Called after each recorded event, and after a pruning that removed something.

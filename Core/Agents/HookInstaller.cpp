@@ -75,7 +75,7 @@ std::expected<std::string, HookInstaller::Failure> HookInstaller::uninstalling(c
         text.ends_with('\n'));
 }
 
-/// Member by member, not by key: of a key that stands twice each holds hooks of its own.
+/// Goes through the members, not the keys: if a key occurs twice, both members hold hooks.
 OrderedJSON HookInstaller::withoutOurs(const OrderedJSON::Object& hooks) const
 {
     OrderedJSON::Object kept;
@@ -99,7 +99,7 @@ OrderedJSON::Array HookInstaller::withoutOurs(const OrderedJSON::Array& groups) 
     return kept;
 }
 
-/// Absent if no hook remains in the group. What is no group stays.
+/// Absent if no hook remains in the group. Anything that is not a group stays as it is.
 std::optional<OrderedJSON> HookInstaller::withoutOurs(const OrderedJSON& group) const
 {
     const auto* present = group["hooks"];

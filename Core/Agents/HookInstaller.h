@@ -17,18 +17,18 @@ struct HookInstaller {
     std::string command;
     /// The hook events to listen to, in the order in which they are added.
     std::vector<std::string> events;
-    /// What makes a command one of ours: it contains this text.
+    /// A command that contains this text is one of ours.
     std::string marker;
     /// How long the agent lets a hook run, in seconds.
     int timeout = 5;
 
     /// Appends our hook to each event that has none of ours. Absent or blank text counts as an empty object.
     std::expected<std::string, Failure> installing(const std::optional<std::string>& text) const;
-    /// Takes every hook of ours out, of whatever event, and what is left empty by that.
+    /// Removes all our hooks, whatever their event, and the groups and events that this leaves empty.
     std::expected<std::string, Failure> uninstalling(const std::string& text) const;
-    /// Text that cannot be read has no hooks of ours.
+    /// Unreadable text counts as having no hooks of ours.
     State state(const std::optional<std::string>& text) const;
-    /// Whether any event, also one that is not in `events`, has a hook of ours.
+    /// Whether any event has a hook of ours, even one that is not in `events`.
     bool holdsOurs(const std::string& text) const;
     /// For display: what installing into an empty file adds, without a final line feed.
     std::string preview() const;

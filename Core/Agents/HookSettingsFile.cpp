@@ -10,7 +10,7 @@
 
 namespace vespra {
 
-/// What connecting does.
+/// What connecting found and wrote, so that disconnecting can restore the original.
 struct HookSettingsFile::Record {
     std::optional<std::string> original; // absent: there was no file
     std::string written;
@@ -33,7 +33,7 @@ std::optional<HookSettingsFile::Snapshot> HookSettingsFile::snapshot() const
     return Snapshot{.place = *std::move(place), .contents = *std::move(contents)};
 }
 
-/// Done if the file is still what it was.
+/// `done` if the file has not changed since `before` was read.
 HookSettingsFile::Attempt HookSettingsFile::comparison(const Snapshot& before) const
 {
     const auto now = snapshot();
@@ -61,7 +61,7 @@ HookSettingsFile::Connection HookSettingsFile::connection() const
     return Connection::modified;
 }
 
-/// Agents write the file as well: what was computed from a text that is no longer there is computed again.
+/// Agents write the file too: if it has changed since it was read, the attempt is made again with the new text.
 std::expected<void, HookSettingsFile::Failure> HookSettingsFile::repeated(auto attempt) const
 {
     constexpr int mostAttempts = 3;
@@ -85,7 +85,7 @@ std::expected<void, HookSettingsFile::Failure> HookSettingsFile::connect(Instant
 HookSettingsFile::Attempt HookSettingsFile::tryToConnect(Instant now) const
 {
     const auto before = snapshot();
-    // A home directory with a name that is no text cannot stand in JSON.
+    // JSON cannot hold the path of a home directory whose name is not UTF-8.
     if (!before || !isUTF8(installer.command))
         return std::unexpected{Failure::writeFailed};
     const auto text = before->text();
@@ -96,8 +96,8 @@ HookSettingsFile::Attempt HookSettingsFile::tryToConnect(Instant now) const
     const auto installed = installer.installing(text);
     if (!installed)
         return std::unexpected{Failure::unreadableSettings};
-    // The record holds for a file that it fits, whoever has written that, and says nothing of any other. So it can come
-    // first, and of several that connect at once none takes another's away.
+    // The record applies only to a file with exactly the text that it names, whoever wrote that. So it can be written
+    // first, and processes that connect at the same time cannot invalidate each other's record.
     if (!backUp(*before, now) || !write(Record{.original = text, .written = *installed}))
         return std::unexpected{Failure::writeFailed};
     return replace(*before, *installed);
@@ -121,13 +121,13 @@ HookSettingsFile::Attempt HookSettingsFile::tryToDisconnect(Instant now) const
     const auto outcome = !restores ? takeOut(*before, *text, now)
         : record->original         ? replace(*before, *record->original)
                                    : remove(*before);
-    // One that stays is of no use any more, and does no harm.
+    // A record that cannot be removed is useless from now on, but harmless.
     if (outcome == Outcome::done)
         static_cast<void>(files->remove(recordFile()));
     return outcome;
 }
 
-/// Takes our hooks out of `text`, which is that of the file. A file without any keeps its layout.
+/// Removes our hooks from `text`, the content of the file. A file without any keeps its layout.
 HookSettingsFile::Attempt HookSettingsFile::takeOut(const Snapshot& before, const std::string& text, Instant now) const
 {
     const auto uninstalled = installer.uninstalling(text);

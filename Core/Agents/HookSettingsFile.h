@@ -7,9 +7,10 @@
 
 namespace vespra {
 
-/// An agent's settings file, in which our hooks are put and from which they are taken. What the file was is always
-/// either in it or in a backup; it is replaced at once, keeps its mode and owner, and stays a symbolic link if it is
-/// one. Several may connect at once. Directories are made for the user only, like the files in `workDirectory`.
+/// Adds our hooks to an agent's settings file and removes them again. The previous content is never lost: it is in the
+/// file or in a backup. The file is replaced atomically, keeps its mode and owner, and stays a symbolic link if it is
+/// one. Several processes may connect at once. New directories, and the files in `workDirectory`, are accessible to the
+/// user only.
 struct HookSettingsFile {
     enum class Connection {
         agentNotFound, // no directory for the file
@@ -26,17 +27,17 @@ struct HookSettingsFile {
     /// An absolute path, such as "/home/someone/.claude/settings.json".
     std::filesystem::path file;
     HookInstaller installer;
-    /// Where the record of what was written and the backups are; an absolute path.
+    /// Holds the record of what was written, and the backups; an absolute path.
     std::filesystem::path workDirectory;
-    /// The agent's raw value, which the names of record and backups begin with.
+    /// The agent's raw value; the names of the record and the backups begin with it.
     std::string name;
     FileSystem* files = &systemFiles();
 
     Connection connection() const;
-    /// Adds what is missing of our hooks. Changes nothing where nothing is missing.
+    /// Adds those of our hooks that are missing; changes nothing if none is.
     std::expected<void, Failure> connect(Instant now) const;
-    /// Puts back what was before connecting if nothing has changed the file since; otherwise takes our hooks out of it.
-    /// Nothing to do, and no failure, where there is no readable file or it holds no hook of ours.
+    /// Restores what was there before connecting if nobody has changed the file since; otherwise removes only our
+    /// hooks. Succeeds without doing anything where there is no readable file or it holds no hook of ours.
     std::expected<void, Failure> disconnect(Instant now) const;
 
 private:

@@ -7,7 +7,7 @@
 
 namespace vespra {
 
-/// Whether a JSON string may hold `c` as it is, and `c` is ASCII.
+/// Whether `c` is ASCII and may stand unescaped in a JSON string.
 constexpr bool isPlainInJSON(char c)
 {
     const auto byte = static_cast<unsigned char>(c);

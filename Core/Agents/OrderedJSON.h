@@ -40,8 +40,8 @@ public:
         bool operator==(const ParseError&) const = default;
     };
 
-    /// Fails at the first byte that cannot stand where it does, with the beginning of a number that is none, or of an
-    /// object or array that stands too deep.
+    /// Fails with the offset of the first byte that is not allowed where it stands; for a malformed number, or an
+    /// object or array nested too deeply, with the offset of its beginning.
     static std::expected<OrderedJSON, ParseError> parse(std::string_view text);
 
     OrderedJSON(Object members);

@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    /// Makes the value that begins here that of the last entry.
+    /// Reads the value that begins here into the last entry.
     bool read()
     {
         switch (next()) {

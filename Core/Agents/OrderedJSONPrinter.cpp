@@ -100,7 +100,7 @@ private:
         if (text_.size() - used_ < size) [[unlikely]]
             grow(size);
     }
-    /// In great steps: what is never written to costs nothing, while each step copies all there is.
+    /// In large steps: memory that is never written to costs nothing, but every step copies everything.
     void grow(std::size_t size)
     {
         constexpr std::size_t first = 4096, factor = 4;

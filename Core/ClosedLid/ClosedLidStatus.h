@@ -1,5 +1,8 @@
 #pragma once
 
+// Core/ClosedLid: what closed-lid mode would do and why not, and the lease and the ledger with which the sleep setting
+// is always put back.
+
 #include "Core/ClosedLid/ClosedLidBlocker.h"
 #include "Core/Energy/HelperStatus.h"
 

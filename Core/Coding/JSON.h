@@ -1,5 +1,8 @@
 #pragma once
 
+// Core/Coding: JSON and the texts in it: reading with an error that names the place, UTF-8, and what may be shown on a
+// terminal.
+
 #include "Core/Scheduling/Instant.h"
 
 #include <nlohmann/json_fwd.hpp>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Core/Energy: readings of power, heat and the privileged component, and what they mean.
+
 #include "Core/Energy/HelperStatus.h"
 #include "Core/Energy/PowerSnapshot.h"
 #include "Core/Energy/ThermalLevel.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+// Core/Files: files that are replaced whole, so that a crash leaves the old content or the new.
+
 #include <cstdint>
 #include <expected>
 #include <filesystem>
@@ -40,21 +42,21 @@ public:
 
     /// Follows links.
     virtual bool isDirectory(const std::filesystem::path& path) = 0;
-    /// Where a symbolic link points, as it is written in it; absent if `path` is none or does not exist.
+    /// The target of a symbolic link, exactly as it is stored; absent if `path` is not a link or does not exist.
     virtual Result<std::optional<std::filesystem::path>> linkTarget(const std::filesystem::path& path) = 0;
-    /// Absent if there is no such file; what is no regular file fails. Follows links.
+    /// Absent if there is no such file; fails for anything but a regular file. Follows links.
     virtual Result<std::optional<FileContents>> read(const std::filesystem::path& path) = 0;
     /// One new directory, mode 0700. Fails with `file_exists` if something stands there.
     virtual Result<void> createDirectory(const std::filesystem::path& path) = 0;
-    /// A new file, empty, for the user only. Fails with `file_exists` if something stands there, be it a dangling link.
+    /// A new file, empty, for the user only. Fails with `file_exists` if something stands there, even a dangling link.
     virtual Result<void> createFile(const std::filesystem::path& path) = 0;
     /// Writes the bytes to a file that exists. If it fails, some of them may be there.
     virtual Result<void> write(const std::filesystem::path& path, std::string_view bytes) = 0;
-    /// The owner must be as asked; a group that this user cannot give stays what it is.
+    /// Fails if the owner cannot be set; a group that this user may not assign is left as it is.
     virtual Result<void> setAttributes(const std::filesystem::path& path, const FileAttributes& attributes) = 0;
     /// Returns when the contents are on the disk; for a directory, which files stand in it.
     virtual Result<void> sync(const std::filesystem::path& path) = 0;
-    /// Replaces what stands at `to`, at once.
+    /// Atomically replaces what is at `to`.
     virtual Result<void> rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
     virtual Result<void> remove(const std::filesystem::path& path) = 0;
 };

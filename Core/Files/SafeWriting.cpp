@@ -27,7 +27,7 @@ FileSystem::Result<void> createDirectories(FileSystem& files, const fs::path& di
     if (const auto parents = createDirectories(files, directory.parent_path()); !parents)
         return parents;
     const auto created = files.createDirectory(directory);
-    // Another program may have been quicker.
+    // Another program may have made it in the meantime.
     if (!created && !files.isDirectory(directory))
         return created;
     return files.sync(directory.parent_path());

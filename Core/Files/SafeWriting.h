@@ -11,8 +11,8 @@ FileSystem::Result<std::filesystem::path> followingLinks(FileSystem& files, std:
 /// Creates what is missing of `directory`, for the user only.
 FileSystem::Result<void> createDirectories(FileSystem& files, const std::filesystem::path& directory);
 
-/// A file's new contents on the disk, beside the file and not yet in its place. Nothing of it stays behind unless it
-/// takes that place.
+/// A file's new contents, on the disk beside the file and not yet in its place. Removed on destruction unless they have
+/// taken that place.
 class PreparedFile {
 public:
     static FileSystem::Result<PreparedFile> beside(

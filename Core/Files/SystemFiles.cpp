@@ -48,7 +48,7 @@ namespace {
         int descriptor_;
     };
 
-    /// `likelySize` only spares copying.
+    /// `likelySize` is a hint that saves reallocations.
     std::expected<std::string, std::error_code> allBytes(int descriptor, std::size_t likelySize)
     {
         std::string bytes;
@@ -143,7 +143,7 @@ namespace {
             const Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW)};
             if (!file.isOpen())
                 return lastError();
-            // Some file systems keep directories without being asked, and refuse to be.
+            // Some file systems store directories without being asked, and answer a sync with an error.
             if (::fsync(file.get()) != 0 && errno != EINVAL && errno != ENOTSUP)
                 return lastError();
             return {};

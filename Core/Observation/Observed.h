@@ -1,5 +1,7 @@
 #pragma once
 
+// Core/Observation: values that remember who has read them, and loops that run again when one has changed.
+
 #include "Core/Observation/ReadScope.h"
 
 #include <concepts>

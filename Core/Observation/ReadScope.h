@@ -31,7 +31,7 @@ private:
 class Readers {
 public:
     Readers() = default;
-    /// Readers belong to a place, not to the value in it.
+    /// A copied value starts without readers: they follow the original.
     Readers(const Readers&) { }
     Readers& operator=(const Readers&) { return *this; }
 

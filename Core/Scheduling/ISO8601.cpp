@@ -19,7 +19,7 @@ namespace {
         return true;
     }
 
-    /// The form alone; the library knows which days a month has, but takes other forms as well.
+    /// Checks the form alone: the date library knows which days a month has, but accepts other forms as well.
     bool isISO8601(std::string_view text)
     {
         if (!take(text, "0000-00-00T00:00:00"))

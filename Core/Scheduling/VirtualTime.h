@@ -38,7 +38,7 @@ public:
         }
         moveTo(std::max(now_, target));
     }
-    /// Something that runs takes its time: the clocks go on, and what comes due waits.
+    /// Something takes time to run: the clocks go on, and what comes due waits.
     void pass(Seconds by) { moveTo(now_ + by); }
 
     /// The computer sleeps for `by`: the clocks go on, and what came due fires only at the wake-up.

@@ -1,5 +1,8 @@
 #pragma once
 
+// Core/Scheduling: clocks, deadlines, tasks and the calendar, all handed in, and time that simulations and tests move
+// by hand.
+
 #include "Core/Scheduling/Instant.h"
 
 namespace vespra {

@@ -26,7 +26,7 @@ namespace {
     public:
         local_seconds toLocal(sys_seconds date) const override
         {
-            // Alone it would not look whether the zone has changed.
+            // localtime_r alone would not notice that the zone has changed.
             tzset();
             const std::time_t seconds = date.time_since_epoch().count();
             std::tm fields{};

@@ -26,7 +26,7 @@ namespace guardrail {
     };
 } // namespace guardrail
 
-/// What watches the running session.
+/// A rule that may end the running session.
 using ActiveGuardrail = std::variant<guardrail::LowBattery, guardrail::BatteryTimeLimit, guardrail::ClosedLidLimit,
     guardrail::ChargerRequired>;
 

@@ -7,8 +7,7 @@ bool needsCharger(bool engaged, const SessionSettings& settings)
     return engaged ? !settings.closedLid.continuesOnBattery : settings.energy.requiresACPower;
 }
 
-std::optional<Violation> powerViolation(
-    bool engaged, const PowerSnapshot& power, const SessionSettings& settings)
+std::optional<Violation> powerViolation(bool engaged, const PowerSnapshot& power, const SessionSettings& settings)
 {
     if (power.isOnACPower)
         return {};
@@ -20,8 +19,7 @@ std::optional<Violation> powerViolation(
     return {};
 }
 
-std::optional<Violation> violation(
-    bool engaged, const SessionConditions& conditions, const SessionSettings& settings)
+std::optional<Violation> violation(bool engaged, const SessionConditions& conditions, const SessionSettings& settings)
 {
     if (engaged && isHot(conditions.thermal))
         return blocker::TooHot{};

@@ -50,8 +50,8 @@ template <class Change> void SessionCoordinator::changeConditions(Change change)
     conditions_.set(conditions);
 }
 
-/// Keeps the condition alive meanwhile, for it may end the session and so be let go. What it says to have changed while
-/// it is asked needs no look of its own: whoever asks looks at everything afterwards.
+/// Keeps the condition alive while it is asked, since its answer may end the session, which releases it. Changes that
+/// it reports meanwhile are ignored: the caller evaluates everything afterwards.
 template <class Question> auto SessionCoordinator::askEndCondition(Question question) const
 {
     struct Asking {
@@ -139,7 +139,7 @@ void SessionCoordinator::reevaluate()
     if (const auto asked = endCondition_; asked && state().isActive()) {
         const auto reason
             = askEndCondition([&](SessionEndCondition& condition) { return condition.evaluate(evaluatedAt); });
-        // It may have ended the session otherwise, and another one may run by now.
+        // Meanwhile the session may have ended for another reason, and a new one may run.
         if (reason && asked == endCondition_) {
             auto ended = changeMachine([&](SessionMachine& machine) { return machine.stop(*reason, evaluatedAt); });
             std::ranges::move(ended, std::back_inserter(events));
@@ -154,7 +154,7 @@ void SessionCoordinator::deliver(const SessionEvents& events)
         detachEndCondition();
     reschedule();
     if (isAskingEndCondition_) {
-        // Whoever asks has earlier events to deliver.
+        // The caller has earlier events to deliver first.
         std::ranges::copy(events, std::back_inserter(waitingEvents_));
         return;
     }

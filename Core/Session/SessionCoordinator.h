@@ -36,7 +36,7 @@ public:
     const SessionConditions& conditions() const { return conditions_.get(); }
     Instant now() const { return environment_.clock.now(); }
     PowerRequirements requirements() const { return machine_.get().requirements(conditions()); }
-    /// When the coordinator will next look by itself; absent while nothing is to come.
+    /// The date of the next evaluation without a new reading; absent while time alone changes nothing.
     std::optional<Instant> pendingDeadline() const;
     bool canExtend() const { return machine_.get().canExtend(now()); }
     ClosedLidChecklist closedLidChecklist() const { return machine_.get().closedLidChecklist(conditions()); }
@@ -82,7 +82,7 @@ private:
     std::unique_ptr<ScheduledDeadline> scheduledDeadline_;
     std::shared_ptr<SessionEndCondition> endCondition_;
     mutable bool isAskingEndCondition_ = false;
-    /// What the condition has brought about while it was asked.
+    /// Events that the condition caused while it was being asked.
     SessionEvents waitingEvents_;
     Lifetime lifetime_;
 };

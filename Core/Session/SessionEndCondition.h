@@ -14,7 +14,7 @@ public:
     virtual ~SessionEndCondition() = default;
 
     /// To be called whenever the verdict or the deadline may have changed. Set while a session runs. The call may end
-    /// the session, and with it this object unless somebody else holds it: it comes last in what is done.
+    /// the session, and with it this object unless somebody else holds it: make it the last thing that a function does.
     std::function<void()> onChange;
 
     virtual void sessionDidBegin(Instant /*now*/) { }

@@ -1,5 +1,7 @@
 #pragma once
 
+// Core/Session: plans, settings, the rules of a session (SessionMachine) and its live owner (SessionCoordinator).
+
 #include "Core/ClosedLid/ClosedLidStatus.h"
 #include "Core/Session/ActiveGuardrail.h"
 #include "Core/Session/PowerRequirements.h"

@@ -124,14 +124,15 @@ HelperResult LogindSleepSetting::takeLock()
     int borrowed = -1;
     if (const int read = sd_bus_message_read(reply->get(), "h", &borrowed); read < 0)
         return std::unexpected{"Inhibit : " + systemError(read)};
-    // The message's own descriptor ends with it.
+    // The descriptor in the message is closed with the message.
     lock_ = FileDescriptor{fcntl(borrowed, F_DUPFD_CLOEXEC, 3)};
     if (!lock_)
         return std::unexpected{"Inhibit : " + systemError(-errno)};
     return watch();
 }
 
-/// The lock is a pipe's end for writing: it shows an error, which is always listened to, when nobody reads any more.
+/// The lock is the writing end of a pipe. When logind closes the other end, `poll` reports an error, even if no event
+/// is asked for.
 HelperResult LogindSleepSetting::watch()
 {
     sd_event_source* source = nullptr;
@@ -150,7 +151,7 @@ HelperResult LogindSleepSetting::watch()
 void LogindSleepSetting::replaceLock()
 {
     watch_.reset();
-    // Open until there is another: a logind that has only been restarted finds the old one again.
+    // Stays open until there is a new one: a logind that was only restarted restores the old lock.
     const auto dropped = std::exchange(lock_, {});
     if (const auto taken = takeLock(); !taken)
         onLoss_(taken.error());
@@ -175,7 +176,7 @@ std::expected<std::optional<std::string>, std::string> LogindPower::blocker(
     std::optional<std::string> found;
     while (result >= 0
         && (result = sd_bus_message_read(message, "(ssssuu)", &held, &who, &why, &mode, &user, &process)) > 0)
-        // Our own may not have gone yet.
+        // Our own lock may not have been removed yet.
         if (process != static_cast<std::uint32_t>(getpid()) && std::string_view{mode}.starts_with("block")
             && counts(held))
             found = who;
@@ -216,8 +217,8 @@ HelperResult LogindPower::unlessBlocked(const char* what, const char* method)
     return {};
 }
 
-/// A desktop that takes the lid together with the keys means to see to both itself, but acts on a lid that moves only:
-/// it does not look again at one that has been shut all the while.
+/// Does not count a desktop that inhibits the lid together with the keys. It handles both itself, but reacts only when
+/// the lid moves, and so ignores one that has been shut all the while.
 bool LogindPower::isLidHeldByOthers()
 {
     const auto other = blocker([](std::string_view held) {

@@ -23,8 +23,8 @@ public:
     /// Absent if there is no answer, or it is no such property.
     std::optional<bool> flag(const char* property) const;
     std::optional<std::string> text(const char* property) const;
-    /// Whether anybody but `user` is logged in; greeters and background sessions do not count. True, too, if there is
-    /// no answer: it takes away no more than a right.
+    /// Whether anybody but `user` is logged in; greeters and background sessions do not count. True if there is no
+    /// answer, which is the safe side: it only takes rights away.
     bool hasSessionsOfOthers(uid_t user) const;
 
 private:

@@ -8,8 +8,8 @@
 namespace vespra {
 
 /// Asks polkit about the caller's connection: never about its process, whose number may be another's by then. Sleep and
-/// shutdown go by logind's own rules, so that nobody may do here what they may not do there: who is not alone on the
-/// computer needs a right of its own.
+/// shutdown go by logind's own rules, so that nobody may do here what they may not do there: while other users are
+/// logged in, that takes a separate right.
 class PolkitAuthorization final : public Authorization {
 public:
     explicit PolkitAuthorization(sd_bus& bus);

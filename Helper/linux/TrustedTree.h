@@ -19,8 +19,8 @@ struct Trust {
     bool acceptsStickyDirectories = false;
 };
 
-/// A tree of files, walked so that nobody but whom it trusts could have led elsewhere, or could later. Everything is
-/// opened step by step, and each directory and symbolic link on the way is looked at as it is opened.
+/// A tree of files, walked in such a way that only trusted users can have changed where a path leads, now or later.
+/// Everything is opened step by step, and each directory and symbolic link on the way is looked at as it is opened.
 class TrustedTree {
 public:
     /// `root` stands for "/", at the start of a symbolic link too; what is above it is not looked at.

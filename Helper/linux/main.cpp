@@ -65,7 +65,7 @@ InstallationUsers users()
     return users;
 }
 
-/// Nothing of the caller's may stop this halfway, or get into what is written.
+/// Drops what is inherited from the caller, so that nothing of it can stop this halfway or get into the files.
 void becomeIndependent()
 {
     int descriptor = 0;

@@ -15,14 +15,14 @@ public:
 
 class MacPower final : public PowerControl {
 public:
-    /// Nothing tells beforehand.
+    /// macOS does not tell beforehand.
     HelperResult canSuspend() override { return {}; }
     HelperResult suspend() override;
     HelperResult powerOff() override;
     bool shouldSleepForLid() override;
 };
 
-/// Whoever got through to the daemon carries the application's signature: the listener lets nobody else in.
+/// Allows everything: the listener accepts only programs with the application's signature.
 class SignedCallers final : public Authorization {
 public:
     void check(const ClientName&, Right, Interaction, std::function<void(const Verdict&)> answer) override

@@ -33,7 +33,7 @@ namespace {
 
 std::expected<bool, std::string> MacSleepSetting::isSleepDisabled()
 {
-    // Nothing at all: no system-wide setting has ever been changed.
+    // Null: no system-wide setting has ever been changed.
     NSDictionary* settings = CFBridgingRelease(IOPMCopySystemPowerSettings());
     id value = settings[settingKey];
     if (value && ![value isKindOfClass:[NSNumber class]])

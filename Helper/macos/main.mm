@@ -20,10 +20,10 @@ bool hasEnded = false;
 /// How long to stay without anything to do; launchd starts the daemon again when somebody calls.
 constexpr Seconds idleTimeout = 60s;
 
-/// What runs on the main queue ends the loop behind it.
+/// Called on the main queue; the loop ends after the current turn.
 void endRunLoop() { hasEnded = true; }
 
-/// A run loop of its own frees nothing that was released for later, and the daemon may stay for days.
+/// A run loop drains no autorelease pool by itself, and the daemon may stay for days.
 void runLoop()
 {
     while (!hasEnded) {

@@ -1,7 +1,7 @@
 #include "Log/StandardError.h"
 #include "Log/SystemLog.h"
 
-// sd_journal_send_with_location takes the place; without this the macro would add this file's own.
+// Without this, every entry would name this file as the place it comes from.
 #define SD_JOURNAL_SUPPRESS_LOCATION
 #include <systemd/sd-journal.h>
 
@@ -35,7 +35,7 @@ namespace {
 
 void writeToSystemLog(const SystemLog::Entry& entry)
 {
-    // The library keeps silent where there is no journal, so that has to be asked first.
+    // Without a journal the library drops entries silently, so its presence is checked first.
     if (hasJournal()
         && sd_journal_send("MESSAGE=%.*s",
                length(entry.message),

@@ -8,7 +8,7 @@ namespace vespra {
 
 namespace {
 
-    // The file spells a text and a boolean alike, so a boolean is told by its mark.
+    // An INI file cannot tell a boolean from the text "true", so booleans carry a mark.
     const QString yes = QStringLiteral("bool:true"), no = QStringLiteral("bool:false");
 
     QString keyText(std::string_view key) { return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())); }
@@ -48,7 +48,8 @@ void SettingsFileDefaults::setBoolean(std::string_view key, bool value) { write(
 
 void SettingsFileDefaults::write(std::string_view key, const QVariant& value)
 {
-    // A QSettings keeps its first error for ever, so each write has its own. All of a file share their values.
+    // A QSettings never clears its error, so each write has an instance of its own. All instances of a file share their
+    // values.
     QSettings writer{file_.fileName(), file_.format()};
     writer.setValue(keyText(key), value);
     writer.sync();

@@ -78,7 +78,7 @@ std::expected<void, std::string> AutostartEntry::registerApplication()
 
 std::expected<void, std::string> AutostartEntry::unregisterApplication()
 {
-    // Only a file of the user's takes one of the system's out of force.
+    // Only a file of the user's own overrides one of the system's.
     if (systemFile())
         return write(group + title_.toUtf8() + "\nHidden=true\n");
     if (QFile file{place_.file}; file.exists() && !file.remove())

@@ -12,12 +12,12 @@ using namespace std::chrono_literals;
 namespace {
 
     constexpr auto welcomeLimit = 1000ms;
-    /// A bus that did not answer is left alone for so long.
+    /// How long a bus that did not answer is not asked again.
     constexpr auto retryInterval = 10s;
 
     QDBusConnection noBus() { return QDBusConnection{QStringLiteral("no bus")}; }
 
-    /// Connects, and again once the connection has ended; Qt keeps its own for ever.
+    /// Reconnects once the connection has ended; Qt keeps a dead one for ever.
     class LastingConnection {
     public:
         QDBusConnection get()

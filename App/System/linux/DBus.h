@@ -42,7 +42,8 @@ struct Target {
 /// The bus itself.
 Target bus();
 
-/// How long an answer may take. What takes something must not give up: it would never know what it was given.
+/// How long an answer may take. A call that acquires something must not give up: it would never learn what it was
+/// given.
 constexpr int untilAnswered = std::numeric_limits<int>::max();
 constexpr int readingTimeout = 5000; // milliseconds
 /// For readings that the start of the program waits for.
@@ -61,7 +62,7 @@ private:
     QDBusServiceWatcher watcher_;
 };
 
-/// Hears one signal of an object, whoever owns its service.
+/// Receives one signal of an object, whoever owns its service.
 class SignalWatch final : public QObject {
     Q_OBJECT
 

@@ -89,7 +89,7 @@ void DBusHelperConnection::ask(const char* method, HelperReply<Value> reply, Rea
         });
 }
 
-/// One that takes the place of another knows nothing of this connection.
+/// A new component that replaces the previous one knows nothing of this connection.
 void DBusHelperConnection::ownerChanged(const QString& before, const QString& after)
 {
     if (left_.isEmpty())
@@ -99,7 +99,8 @@ void DBusHelperConnection::ownerChanged(const QString& before, const QString& af
     tellIfOver();
 }
 
-/// A component that leaves answers first what it was asked; the bus answers in the place of one that died.
+/// Replies come before the end: a component that quits answers pending requests first, and for one that died the bus
+/// does.
 void DBusHelperConnection::tellIfOver()
 {
     if ((isBusGone_ || !left_.isEmpty()) && calls_.empty())

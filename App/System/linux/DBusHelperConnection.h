@@ -8,8 +8,8 @@
 
 namespace vespra {
 
-/// A connection to the system bus of its own: the component ties what it does to it, and takes that back when it ends.
-/// Starts the component if need be.
+/// Uses a connection to the system bus of its own: the component ties what it does to that connection, and undoes it
+/// when that ends. Starts the component if need be.
 class DBusHelperConnection final : public HelperConnection {
 public:
     DBusHelperConnection();

@@ -9,9 +9,9 @@ namespace vespra {
 
 namespace {
 
-    /// As long as the bus itself gives a service to start.
+    /// The time that the bus itself allows a service to start.
     constexpr int activationTimeout = 25000; // milliseconds
-    /// Servers that hide notifications by themselves leave buttons this long: a countdown can be cancelled to its end.
+    /// How long notifications with buttons stay: as long as the countdown that they can cancel.
     constexpr int buttonsStay = 60000; // milliseconds
     constexpr int serverDecides = -1;
     constexpr int mostFailures = 2;
@@ -26,7 +26,7 @@ namespace {
             QStringLiteral("org.freedesktop.Notifications")};
     }
 
-    /// The same object of one process, which another one that comes after it is not.
+    /// The notification object of exactly this server process, not of a successor.
     dbus::Target objectOf(const QString& server)
     {
         auto target = service();
@@ -70,13 +70,13 @@ DesktopNotifications::Watches::Watches(DesktopNotifications& notifications)
 
 DesktopNotifications::~DesktopNotifications()
 {
-    // A program may well end right after the session that it has to tell the end of.
+    // The program may end right after the session whose end it reports.
     const Server unknown{.name = service().service, .capabilities = {}};
     for (const auto& order : waiting_)
         dbus::sessionBus().send(notifyMessage(unknown, order.notification, 0));
     const auto isOnItsWay = [](const auto& each) { return !each.second.id; };
     if (!waiting_.empty() || std::ranges::any_of(shown_, isOnItsWay))
-        // Answered after all that was sent before it.
+        // The bus answers in order: when this returns, everything sent before has arrived.
         dbus::sessionBus().call(dbus::bus().method(QStringLiteral("GetId")), QDBus::Block, leavingTimeout);
 }
 
@@ -182,7 +182,7 @@ void DesktopNotifications::sent(const Order& order, int number, const QDBusMessa
     found->second.id = id;
 }
 
-/// Once more, for the server may have crashed under the question; the bus starts it again.
+/// Tries once more: the server may have crashed over the question, and the bus starts it again.
 void DesktopNotifications::failed(const QDBusMessage& error, std::vector<Order> orders)
 {
     for (auto& order : orders)

@@ -8,8 +8,8 @@
 
 namespace vespra {
 
-/// The notification service of the desktop. It is started if need be, with the first notification; it may crash and
-/// come back, and what is shown then is forgotten.
+/// The notification service of the desktop. It is started if need be, by the first notification. It may crash and come
+/// back, which clears what is shown.
 class DesktopNotifications final : public UserNotificationCenter {
 public:
     /// `desktopEntry`: the name of the application's desktop file, without its ending.
@@ -21,7 +21,7 @@ public:
     DesktopNotifications& operator=(const DesktopNotifications&) = delete;
 
     void setCategories(std::vector<NotificationCategory> categories) override;
-    /// Nobody asks here.
+    /// No permission is needed here.
     void requestAuthorization() override { }
     void post(const UserNotification& notification) override;
     void removeDelivered(const std::vector<std::string>& identifiers) override;
@@ -77,12 +77,12 @@ private:
     bool hasLoggedFailure_ = false;
     std::vector<NotificationCategory> categories_;
     std::optional<Server> server_;
-    /// What the server can do is being asked.
+    /// The pending question for the server's capabilities.
     dbus::Call question_;
     std::vector<Order> waiting_;
     /// By identifier.
     std::map<std::string, Shown> shown_;
-    /// By number. Nobody wants these any more: what the server makes of them is closed.
+    /// By number: requests whose notification is no longer wanted. It is closed as soon as the server has shown it.
     std::map<int, dbus::Call> unwanted_;
     int lastNumber_ = 0;
     /// None before the first notification: there is nothing to hear of, and watching waits for the bus.

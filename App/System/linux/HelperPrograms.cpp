@@ -24,7 +24,7 @@ namespace {
         return {};
     }
 
-    /// One that cannot be read is taken to be as it should: nobody else can say.
+    /// A file that cannot be read counts as equal: there is no other way to tell.
     bool haveOneContent(QFile&& one, QFile&& other)
     {
         if (!one.open(QFile::ReadOnly) || !other.open(QFile::ReadOnly))

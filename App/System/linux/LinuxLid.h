@@ -35,7 +35,7 @@ private:
     dbus::Properties logind_;
     Reading<bool> reading_;
     UdevMonitor displays_;
-    /// Docks come and go a few times before they stay.
+    /// The displays of a dock come and go a few times before they settle.
     std::unique_ptr<ScheduledTask> secondLook_;
     std::unique_ptr<ScheduledTask> thirdLook_;
     bool sessionRuns_ = false;

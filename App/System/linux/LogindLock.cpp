@@ -29,7 +29,7 @@ void LogindLock::drop()
     lock_ = {};
     retry_.reset();
     hasLoggedFailure_ = false;
-    // What is still on its way is given back when it comes: to ask again meanwhile would make two.
+    // A lock that is still on its way is released when it arrives; asking again meanwhile would give two.
 }
 
 void LogindLock::verify()

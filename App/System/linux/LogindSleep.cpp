@@ -43,8 +43,8 @@ void LogindSleep::willSleep()
 {
     isGoingToSleep_ = true;
     notify(onWillSleep);
-    // What the end of the session has set off runs in the turns before this one, and what that sets off before the
-    // next.
+    // Two turns later: the session's end posts tasks, which post further tasks, and both must run before the lock is
+    // released.
     loop_.post(lifetime_.guard([this] { loop_.post(lifetime_.guard([this] { reconcile(); })); }));
 }
 

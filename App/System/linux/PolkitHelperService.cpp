@@ -56,7 +56,7 @@ PolkitHelperService::PolkitHelperService(HelperPrograms programs)
 
 PolkitHelperService::~PolkitHelperService()
 {
-    // Whoever is typing the password goes on: the installation is whole or not at all without us.
+    // Left running, since the user may be typing the password: without us it still installs everything or nothing.
     if (installer_) {
         installer_->disconnect();
         installer_.release()->deleteLater();

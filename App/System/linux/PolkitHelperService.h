@@ -12,7 +12,8 @@ namespace vespra {
 
 /// The component is registered when the bus can start it and it is the application's own, and approved when polkit lets
 /// this user have it. Registering asks for an administrator's password and has the application's own program install
-/// itself in the place of any other; a package makes that unnecessary, and is what its component goes with.
+/// itself in the place of any other; a component that came with a package needs none of that, and is removed with its
+/// package.
 class PolkitHelperService final : public HelperService {
 public:
     explicit PolkitHelperService(HelperPrograms programs = HelperPrograms::ofThisSystem());

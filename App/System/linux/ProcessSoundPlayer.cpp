@@ -20,7 +20,7 @@ ProcessSoundPlayer::ProcessSoundPlayer(
 
 ProcessSoundPlayer::~ProcessSoundPlayer()
 {
-    constexpr int killed = 1000; // milliseconds in which the kernel ends it
+    constexpr int killed = 1000; // milliseconds, within which the kernel ends a killed process
     for (auto* process : processes_.findChildren<QProcess*>()) {
         process->disconnect();
         process->kill();
@@ -49,7 +49,7 @@ void ProcessSoundPlayer::stop()
     mainThread::check();
     if (process_) {
         process_->disconnect();
-        // Also of one that cannot even be started.
+        // Not by `finished`, which a program that cannot be started never emits.
         QObject::connect(
             process_, &QProcess::stateChanged, process_, [process = process_](QProcess::ProcessState state) {
                 if (state == QProcess::NotRunning)
@@ -75,7 +75,7 @@ void ProcessSoundPlayer::start(const QString& path, std::size_t program)
     process_->setStandardInputFile(QProcess::nullDevice());
     process_->setStandardOutputFile(QProcess::nullDevice());
     process_->setStandardErrorFile(QProcess::nullDevice());
-    // Whatever a library has left open stays here.
+    // Descriptors that a library has left open must not be inherited.
     process_->setChildProcessModifier([] { close_range(STDERR_FILENO + 1, UINT_MAX, CLOSE_RANGE_CLOEXEC); });
     // Queued: a program that cannot be started says so inside `start`.
     QObject::connect(
@@ -97,7 +97,7 @@ void ProcessSoundPlayer::start(const QString& path, std::size_t program)
 
 void ProcessSoundPlayer::ended(QProcess& process, std::size_t program, bool succeeded)
 {
-    // One that was stopped meanwhile is looked after.
+    // Not for a process stopped meanwhile: `stop` has seen to that.
     if (&process != process_)
         return;
     std::exchange(process_, nullptr)->deleteLater();

@@ -68,7 +68,7 @@ void SessionInhibitor::ownerChanged(std::size_t candidate, bool owned)
 {
     candidates_[candidate].question.reset();
     candidates_[candidate].isOwned = owned;
-    // What the owner before has granted is gone with it, unless it lives on without the name.
+    // A cookie of the previous owner is gone with that process, unless it lives on without the name.
     if (held_ && held_->candidate == candidate)
         giveBack(*std::exchange(held_, std::nullopt));
     if (asked_ == candidate) {

@@ -72,7 +72,7 @@ private:
     /// The candidate that is being asked for a cookie.
     std::optional<std::size_t> asked_;
     dbus::Call pending_;
-    /// Questions to processes that have since lost the service's name: what they grant is given back.
+    /// Requests to processes that have since lost the service's name: what they still grant is given back.
     std::map<int, dbus::Call> outdated_;
     int question_ = 0;
     bool hasLoggedFailure_ = false;

@@ -116,7 +116,7 @@ PowerSnapshot readPower(const fs::path& root)
             batteries.push_back(supply);
             isDischarging = isDischarging || text(supply / "status") == "Discharging";
         } else if (type == "Mains" || type == "USB") {
-            // One that does not read says nothing, least of all that it is unplugged.
+            // A charger that cannot be read must not count as unplugged.
             const auto online = number(supply / "online");
             hasCharger = hasCharger || online;
             isCharging = isCharging || online.value_or(0) != 0;

@@ -26,7 +26,7 @@ public:
         : clock_{clock}
         , timer_{timerfd_create(clock, TFD_CLOEXEC | TFD_NONBLOCK)}
     {
-        // Without timers no session would ever end: better none than that.
+        // Without timers no session would ever end, so rather none starts.
         if (!timer_) {
             std::perror("timerfd_create");
             std::abort();

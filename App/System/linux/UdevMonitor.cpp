@@ -29,7 +29,7 @@ UdevMonitor::~UdevMonitor()
         udev_monitor_unref(monitor_);
 }
 
-/// What an event says is not looked at: whoever hears it reads the device's files.
+/// The contents of an event are ignored: the listener reads the device's files.
 void UdevMonitor::drain()
 {
     while (auto* device = udev_monitor_receive_device(monitor_))

@@ -8,7 +8,7 @@ struct udev_monitor;
 
 namespace vespra {
 
-/// Hears the kernel's events of one kind of device. Without udev it hears nothing. Main thread only.
+/// Receives the kernel's events for one kind of device. Without udev there are none. Main thread only.
 class UdevMonitor {
 public:
     /// `subsystem` such as "drm".

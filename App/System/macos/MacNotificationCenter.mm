@@ -163,7 +163,7 @@ namespace {
         Lifetime lifetime_;
     };
 
-    /// Of a program outside an application's bundle: the system's centre would end it.
+    /// For a program outside an application's bundle, which the system's own centre would terminate.
     class NoNotificationCenter final : public UserNotificationCenter {
     public:
         void setCategories(std::vector<NotificationCategory>) override { }

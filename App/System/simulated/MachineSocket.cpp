@@ -45,7 +45,7 @@ void MachineSocket::forget(LocalSocket& client)
     const auto gone = std::move(*found);
     clients_.erase(found);
     gone->onReceived = gone->onClosed = nullptr;
-    // Later: this runs inside one of its callbacks.
+    // Destroyed in a later turn: this runs inside one of its callbacks.
     mainLoop_.post([gone] { });
 }
 

@@ -26,7 +26,7 @@ namespace {
         bool acts;
     };
 
-    /// The one of logind's settings that counts as things are.
+    /// The setting of logind's that applies to the present state of charger and dock.
     Setting settingInForce(const LidRules& rules)
     {
         const auto setting = [](const char* name, const std::string& action, const char* because) {

@@ -4,7 +4,7 @@
 
 namespace vespra::doctor {
 
-/// What is known of the lid and of who acts on it. Absent is what nobody tells.
+/// What is known of the lid and of what reacts to it; absent: unknown.
 struct LidRules {
     std::optional<bool> isThere;
     /// As logind sees them; without `isDocked` logind does not answer at all.
