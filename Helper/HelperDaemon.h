@@ -58,7 +58,7 @@ public:
 
     /// Nothing is in force, owed or under way: the program may end.
     bool isIdle() const { return leases_.isIdle() && !shutLid_.isUnderWay() && waitingForRights_ == 0; }
-    /// Told when `isIdle` may have changed.
+    /// Called when `isIdle` may have changed.
     std::function<void()> onChange;
 
 private:

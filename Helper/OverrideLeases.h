@@ -25,20 +25,22 @@ public:
     /// Whether an earlier run had left something behind.
     bool hasRecovered() const { return hasRecovered_; }
 
-    /// Told after the override has gone, whatever ended it.
+    /// Called after the override has gone, whatever ended it.
     std::function<void()> onRestored;
-    /// Told when `isIdle` may have changed.
+    /// Called when `isIdle` may have changed.
     std::function<void()> onChange;
 
     /// Starts the client's lease, or renews it, from the moment of the call on. Fails, too, when the lease has run out
     /// before the override was in force.
     HelperResult enable(const ClientName& client);
-    /// False: the client has no lease, or no longer.
+    /// False if the client has no lease, or no longer.
     bool isAlive(const ClientName& client);
     /// Renews the client's lease if it is alive; `at` is when the client asked for it. False as for `isAlive`.
     bool renew(const ClientName& client, ContinuousInstant at);
-    /// Ends the client's lease if it has one. A failure to put the setting back is told, and tried again.
+    /// Ends the client's lease if it has one. A failure to put the setting back is returned, and the attempt is
+    /// repeated every `retryInterval`.
     HelperResult end(const ClientName& client);
+    /// The same for every client.
     HelperResult endAll();
 
     /// Nothing is in force and nothing is owed.

@@ -29,7 +29,7 @@ public:
     void cancel();
     bool isUnderWay() const { return next_ != nullptr; }
 
-    /// Told when `isUnderWay` may have changed.
+    /// Called when `isUnderWay` may have changed.
     std::function<void()> onChange;
 
 private:

@@ -18,10 +18,11 @@ public:
 
 private:
     enum class Wait { ready, timedOut, stopped };
-    /// Waits until `descriptor` has something to read; a negative one never has. A negative time waits for ever.
+    /// Waits until `descriptor` has something to read; a negative descriptor never has. Negative `milliseconds` wait
+    /// for ever.
     Wait waitFor(int descriptor, int milliseconds) const;
 
-    /// None if there was no connection after all or it cannot be taken now.
+    /// Empty if there was no connection after all, or if it cannot be accepted now.
     FileDescriptor accept() const;
     void receive(const FileDescriptor& connection) const;
     /// Absent if the server stopped meanwhile.

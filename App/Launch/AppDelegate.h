@@ -25,7 +25,7 @@ public:
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
-    /// Told of every event of the session, after the application has done its own part.
+    /// Called for every event of the session, after the application has done its own part.
     std::function<void(const SessionEvent&)> onEvent;
 
     /// Once.
@@ -35,7 +35,7 @@ public:
     /// Quitting: ends the session and holds nothing any more. Once.
     void willTerminate();
 
-    /// The agents' events arrive. False where their socket could not be made.
+    /// Whether the agents' events arrive: false if their socket could not be made.
     bool isListeningToAgents() const { return agentSocket_ && agentSocket_->isListening(); }
     /// From launch on.
     AppModel& model() { return *model_; }

@@ -14,7 +14,7 @@ void save(const SessionPreferences& preferences, UserDefaults* defaults);
 SessionSettings loadSettings(const UserDefaults* defaults);
 void saveSettings(const SessionSettings& settings, UserDefaults* defaults);
 
-/// Whether a hot machine is heard; by default it is.
+/// Whether an alarm sounds when the machine is hot; by default yes.
 bool playsHeatAlarm(const UserDefaults* defaults);
 void setPlaysHeatAlarm(bool plays, UserDefaults* defaults);
 

@@ -8,6 +8,7 @@
 
 namespace vespra {
 
+/// What an assertion prevents while the user is away: the system's sleep, or that of the display.
 enum class PowerAssertionType { preventUserIdleSystemSleep, preventUserIdleDisplaySleep };
 
 template <>

@@ -4,7 +4,7 @@
 
 namespace vespra {
 
-/// Hears that the machine is about to sleep, and that it is back. Nothing is vetoed. Main thread only.
+/// Tells when the machine is about to sleep and when it has woken up. It cannot veto a sleep. Main thread only.
 class SystemSleepObserving {
 public:
     virtual ~SystemSleepObserving() = default;

@@ -6,6 +6,7 @@
 
 namespace vespra {
 
+/// A button of a notification.
 struct NotificationAction {
     std::string identifier;
     std::string title;
@@ -19,6 +20,7 @@ struct NotificationCategory {
     bool operator==(const NotificationCategory&) const = default;
 };
 
+/// A notification; its texts are in the language of the user.
 struct UserNotification {
     /// Replaces a notification that is shown under the same identifier.
     std::string identifier;

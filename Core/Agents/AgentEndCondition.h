@@ -9,6 +9,7 @@
 namespace vespra {
 
 namespace phase {
+    /// The user has taken the end out of the agents' hands: `keepAwake`.
     struct KeptAwake : Case {
         static constexpr std::string_view name = "keptAwake";
     };
@@ -42,7 +43,7 @@ public:
     }
 
     Phase phase() const;
-    /// The agents no longer end this session; every other rule goes on.
+    /// From now on the agents do not end this session; every other rule still applies.
     void keepAwake();
 
     void sessionDidBegin(Instant now) override;

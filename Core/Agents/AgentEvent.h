@@ -13,6 +13,7 @@
 
 namespace vespra {
 
+/// What an agent says that its session does now. In JSON as its raw value.
 enum class AgentSignal { sessionStarted, working, waitingForApproval, finished, sessionEnded };
 
 template <>
@@ -32,6 +33,7 @@ struct AgentEvent {
     /// The agent's working directory; absent when it gave none.
     std::optional<std::string> cwd;
     AgentSignal signal = AgentSignal::sessionStarted;
+    /// When it happened; the application replaces the sender's date by that of the receipt.
     Instant date;
 
     bool operator==(const AgentEvent&) const = default;
@@ -42,8 +44,9 @@ struct AgentEvent {
 std::optional<AgentEvent> agentEvent(std::string_view hookInput, AgentKind agent, Instant date);
 std::optional<AgentEvent> agentEvent(const HookInput& input, AgentKind agent, Instant date);
 
-/// One line without line feed; the date as seconds since 2001.
+/// One line of JSON without line feed, as it goes over the socket; the date as seconds since 2001.
 std::string encoded(const AgentEvent& event);
+/// The reverse; fails with the place and what was expected there.
 std::expected<AgentEvent, DecodingError> decodedAgentEvent(std::string_view line);
 
 } // namespace vespra

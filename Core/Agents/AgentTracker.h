@@ -9,6 +9,7 @@
 
 namespace vespra {
 
+/// What a session of an agent does. Whether waiting counts as busy is up to `AgentPolicy`.
 enum class AgentActivity { idle, working, waitingForApproval };
 
 template <>
@@ -43,6 +44,7 @@ public:
     /// The last session that finished, or ended while it was busy.
     const std::optional<AgentSession>& lastFinished() const { return lastFinished_.get(); }
 
+    /// Creates, updates or ends the session that the event is about.
     void record(const AgentEvent& event);
     /// Drops the sessions that are silent for too long.
     void pruneStale(Instant now);

@@ -144,7 +144,7 @@ std::size_t HookInputParser::takeText(std::string_view piece)
     return length;
 }
 
-/// How many bytes of `piece` belong to the number or literal; its end shows in the byte behind it.
+/// How many bytes of `piece` belong to the number or literal, which ends at the first byte that cannot be part of one.
 std::size_t HookInputParser::takeWord(std::string_view piece)
 {
     const auto length = static_cast<std::size_t>(std::ranges::find_if_not(piece, isOfWord) - piece.begin());

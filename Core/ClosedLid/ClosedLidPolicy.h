@@ -4,6 +4,7 @@
 
 namespace vespra {
 
+/// The user's choice for sessions with a closed lid, and the limit that always holds.
 struct ClosedLidPolicy {
     /// How long closed-lid mode may be in force without a break.
     static constexpr Seconds maximumContinuousDuration = 4h;

@@ -26,9 +26,11 @@ namespace helper {
     struct AwaitingApproval : Case {
         static constexpr std::string_view name = "awaitingApproval";
     };
+    /// Registering or reaching it failed; tried again after a while.
     struct Failed : Case {
         static constexpr std::string_view name = "failed";
     };
+    /// It answers, in the version that the application speaks.
     struct Ready : Case {
         static constexpr std::string_view name = "ready";
     };

@@ -7,6 +7,7 @@
 
 namespace vespra {
 
+/// The date, handed in so that simulations and tests can set it.
 class WallClock {
 public:
     virtual ~WallClock() = default;

@@ -18,8 +18,9 @@ inline constexpr auto rawValues<AgentEndAction> = RawValueTable<AgentEndAction, 
 
 /// The user's choices for agent sessions.
 struct AgentPolicy {
+    /// What `graceDelay` may be; other values are clamped where they are used.
     static constexpr ClosedRange<Seconds> graceRange{0s, 900s};
-    /// The time to cancel a sleep or a shutdown.
+    /// How long the user can cancel a sleep or a shutdown before it is carried out.
     static constexpr Seconds forcedActionCountdown = 60s;
 
     /// How long all agents must stay done before the session ends; used through `effectiveGraceDelay`.

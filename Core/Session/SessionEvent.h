@@ -47,6 +47,7 @@ namespace event {
     };
 } // namespace event
 
+/// What happened to a session, for the one who acts on it: notifications, the terminal, the end action.
 using SessionEvent
     = std::variant<event::Started, event::Extended, event::EndingSoon, event::Ended, event::OverheatingWarning>;
 using SessionEvents = std::vector<SessionEvent>;

@@ -5,7 +5,7 @@
 namespace vespra::SessionLimits {
 
 inline constexpr Seconds minimumDuration = 60s;
-/// The longest timer and cap, and how far ahead an extension may move the end.
+/// The longest timer and safety cap, and the furthest from now that an extension may move the end.
 inline constexpr Seconds maximumDuration = 24h;
 inline constexpr Seconds extensionStep = 15min;
 /// The ending-soon warning comes this long before the planned end.

@@ -8,6 +8,7 @@
 
 namespace vespra {
 
+/// The kinds of plan among which the user chooses.
 enum class SessionMode { timer, until, unlimited, agent };
 
 template <>

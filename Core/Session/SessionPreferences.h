@@ -12,14 +12,14 @@ struct SessionPreferences {
     TimeOfDay untilTime{18, 0};
     SessionOptions options;
 
-    /// The plan to start. `agentSafetyCap` goes into an agent plan as it is.
+    /// The plan to start. `agentSafetyCap`, absent for none, is used for agent plans only.
     SessionPlan plan(std::optional<Seconds> agentSafetyCap) const;
 
     bool operator==(const SessionPreferences&) const = default;
 };
 
 JSON toJSON(const SessionPreferences& preferences);
-/// Every key is required.
+/// Fails with the place of the first fault; every key is required.
 std::expected<SessionPreferences, DecodingError> sessionPreferences(const JSON& json);
 
 } // namespace vespra

@@ -25,7 +25,7 @@ public:
     /// name back. If it cannot, for another has been started by now, those who called are told to call again.
     bool withdraw();
 
-    /// Told of every request.
+    /// Called for every request.
     std::function<void()> onRequest;
 
 private:

@@ -66,6 +66,7 @@ private:
     EventSource watch_;
 };
 
+/// Suspend and shutdown by logind, and what logind would do about the lid.
 class LogindPower final : public PowerControl {
 public:
     explicit LogindPower(sd_bus& bus)

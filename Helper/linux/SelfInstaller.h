@@ -4,7 +4,7 @@
 
 namespace vespra {
 
-/// Whom an installation may rest on.
+/// The users whom an installation may trust.
 struct InstallationUsers {
     /// Who alone may change what is installed: root, or another user in tests.
     uid_t owner = 0;

@@ -58,7 +58,8 @@ InstallationUsers users()
     if (!user)
         return users;
     const std::string name = user->pw_name;
-    // Named like its user, who alone is in it: where systems give each user one, what users make is open to it.
+    // A group with the user's name and nobody else in it. Systems that give each user one let it write to the user's
+    // files.
     const ::group* group = getgrgid(user->pw_gid);
     if (group && name == group->gr_name && (!*group->gr_mem || (name == *group->gr_mem && !group->gr_mem[1])))
         users.callersGroup = group->gr_gid;

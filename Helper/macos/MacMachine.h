@@ -13,6 +13,7 @@ public:
     HelperResult setSleepDisabled(bool disabled) override;
 };
 
+/// Sleep by IOKit, shutdown by its command, and the lid as the kernel sees it.
 class MacPower final : public PowerControl {
 public:
     /// macOS does not tell beforehand.

@@ -18,7 +18,7 @@ struct HelperPrograms {
     QString own;
     /// Where it is copied to.
     QString installed;
-    /// There exactly where a package has brought the component.
+    /// A file that exists exactly where a package has installed the component.
     QString packageMark;
 };
 

@@ -7,8 +7,8 @@
 
 namespace vespra {
 
-/// Hears logind's PrepareForSleep. While a session runs it holds a delay lock, so that the machine waits, up to 5 s,
-/// until the session's end has been dealt with.
+/// Listens to logind's PrepareForSleep. While a session runs it holds a delay lock, so that the machine waits, up to 5
+/// s, until the session's end has been dealt with.
 class LogindSleep final : public SystemSleepObserving {
 public:
     /// `onResume` runs before `onDidWake`: everything is read again.

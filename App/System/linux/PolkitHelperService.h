@@ -21,7 +21,7 @@ public:
     void registerService(std::function<void(std::expected<void, std::string>)> done) override;
     void unregisterService(std::function<void(std::expected<void, std::string>)> done) override;
     void status(std::function<void(HelperServiceStatus)> answer) override;
-    /// polkit asks right here.
+    /// Asks at once, by polkit's own dialog: there is no page of settings to open.
     void openSettings() override;
 
 private:

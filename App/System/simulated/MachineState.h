@@ -32,6 +32,7 @@ struct MachineState {
 /// Keys with their values: {"battery", "57"}.
 using MachineSettings = std::vector<std::pair<std::string, std::string>>;
 
+/// A new state, and what is to happen once.
 struct MachineChange {
     MachineState state;
     /// The machine is to sleep and wake up again, once the state is in force.

@@ -23,7 +23,7 @@ public:
     /// A component that becomes unreachable loses its connections, and with them the override.
     void setMode(Mode mode);
 
-    /// Told when the application's doing has changed the mode: a registration.
+    /// Called when the application has changed the mode, by registering the component or removing it.
     std::function<void()> onModeChange;
 
     /// Some connection holds the override.
