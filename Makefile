@@ -28,9 +28,7 @@ test: ## Build and run the tests
 	@scripts/build dev
 	@ctest --preset dev
 
-test-lab: ## Run the tests that need a whole Linux laptop
-	@scripts/setup build test
-	@scripts/build release
+test-lab: ## Run the tests that need the lab (a whole Linux laptop, not part of this repository)
 	@scripts/test-lab
 
 sanitize: ## Run the tests under the address, undefined-behaviour and thread sanitizers

@@ -1,4 +1,8 @@
-"""A Linux laptop for one test case: its buses, battery, lid and displays, and programs that run on it."""
+"""A Linux laptop for one test case: its buses, battery, lid and displays, and programs that run on it.
+
+The laptop is not part of this repository: VESPRA_LAB names the folder of its commands, and without it none of these
+tests can run. "make test-lab" says so and fails; "make test" leaves them out.
+"""
 
 import json
 import os
