@@ -7,17 +7,14 @@
 #include "App/System/linux/TimerfdScheduler.h"
 #include "App/System/QtMainLoop.h"
 #include "Tests/Support/FakeMonitors.h"
-#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/MockBus.h"
 #include "Tests/Support/TextFiles.h"
 
-#include <gtest/gtest.h>
+#include <algorithm>
+#include <csignal>
 #include <QCoreApplication>
-#include <QDBusReply>
 #include <QDBusVirtualObject>
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QTimer>
-#include <signal.h>
 
 namespace vespra {
 
@@ -32,33 +29,16 @@ namespace {
         return condition();
     }
 
-    /// The bus of all tests here: QtDBus keeps the process's connection to it.
-    class PrivateBus {
-    public:
-        PrivateBus()
+    class LinuxAdaptersTest : public BusTest {
+    protected:
+        LinuxAdaptersTest()
         {
-            const auto address = "unix:path=" + (directory_ / "bus").string();
-            putText(directory_ / "bus.conf",
-                "<busconfig><type>system</type><listen>" + address + "</listen><servicedir>"
-                    + directory_.path().string()
-                    + "</servicedir><policy context='default'><allow own='*'/><allow send_destination='*'/>"
-                      "<allow receive_sender='*'/></policy></busconfig>");
-            putText(directory_ / "helper.service",
-                "[D-BUS Service]\nName=app.vespra.Helper\nUser=root\nExec=" HELPER_UNDER_TEST " "
-                    + (directory_ / "state").string() + " 2 60\n");
-            qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray::fromStdString(address));
-            const auto configuration = QString::fromStdString("--config-file=" + (directory_ / "bus.conf").string());
-            daemon_.setProgram("dbus-daemon");
-            daemon_.setArguments({"--nofork", "--nopidfile", "--print-address", configuration});
-            start();
+            for (const char* service :
+                {"org.freedesktop.login1", "org.freedesktop.PolicyKit1", "org.freedesktop.UPower"})
+                bus().own(service);
+            bus().makeActivatable("app.vespra.Helper", HELPER_UNDER_TEST " " + (state / "state").string() + " 2 60");
         }
-        ~PrivateBus() { stop(); }
-
-        void restart()
-        {
-            stop();
-            start();
-        }
+        static bool isHeld() { return std::ranges::count(bus().held(), "sleep:handle-lid-switch:block") > 0; }
         /// Returns whether it ran.
         static bool killHelper()
         {
@@ -67,56 +47,6 @@ namespace {
             const auto process = static_cast<pid_t>(reply.arguments().value(0).toUInt());
             return process > 0 && kill(process, SIGKILL) == 0;
         }
-
-        static QByteArray ask(const QString& method, const QVariantList& arguments = {})
-        {
-            const dbus::Target target{"app.vespra.Mock", "/mock", "app.vespra.Mock"};
-            const auto reply = dbus::systemBus().call(target.method(method, arguments));
-            return reply.arguments().value(0).toString().toUtf8();
-        }
-        static void set(const char* json) { ask("Set", {QString::fromUtf8(json)}); }
-        static void forgetLocks() { ask("ForgetLocks"); }
-        static bool isHeld() { return ask("Get").contains("handle-lid-switch"); }
-
-    private:
-        void start()
-        {
-            daemon_.start();
-            if (!daemon_.waitForReadyRead(5000))
-                ADD_FAILURE() << "no bus";
-            mock_.start("/usr/bin/python3", {"-B", MOCK_SYSTEM});
-            if (!becomes([] { return dbus::isOwned(dbus::systemBus(), "app.vespra.Mock"); }, 15000))
-                ADD_FAILURE() << "no mock";
-        }
-        void stop()
-        {
-            for (auto* process : {&mock_, &daemon_}) {
-                process->kill();
-                process->waitForFinished();
-            }
-        }
-
-        TemporaryDirectory directory_;
-        QProcess daemon_;
-        QProcess mock_;
-    };
-
-    class LinuxAdaptersTest : public testing::Test {
-    protected:
-        static void SetUpTestSuite()
-        {
-            static int count = 1;
-            static char name[] = "tests";
-            static char* names[] = {name, nullptr};
-            application = std::make_unique<QCoreApplication>(count, names);
-            bus = std::make_unique<PrivateBus>();
-        }
-        static void TearDownTestSuite()
-        {
-            bus.reset();
-            application.reset();
-        }
-        void SetUp() override { PrivateBus::set(R"({"polkit": "allow", "hasLid": true})"); }
 
         void launch()
         {
@@ -127,7 +57,7 @@ namespace {
         {
             ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
             ASSERT_TRUE(becomes([this] { return coordinator.conditions().lidSleepDisabled; }));
-            EXPECT_TRUE(PrivateBus::isHeld());
+            EXPECT_TRUE(isHeld());
         }
         void askToEnable(HelperXPCProtocol& connection)
         {
@@ -139,8 +69,7 @@ namespace {
             return becomes([&] { return coordinator.conditions().helper == status; });
         }
 
-        static inline std::unique_ptr<QCoreApplication> application;
-        static inline std::unique_ptr<PrivateBus> bus;
+        static inline const TemporaryDirectory state; // of the helpers of all tests
         QtMainLoop mainLoop;
         TimerfdTaskScheduler tasks;
         TimerfdDeadlineScheduler deadlines;
@@ -208,13 +137,13 @@ namespace {
         startClosedLidSession();
         coordinator.stop(end::StoppedByUser{});
         EXPECT_TRUE(becomes([this] { return !coordinator.conditions().lidSleepDisabled; }));
-        EXPECT_FALSE(PrivateBus::isHeld());
+        EXPECT_FALSE(isHeld());
 
         startClosedLidSession();
         ASSERT_TRUE(controller->isApplied());
         controller->restoreBeforeQuit(2s);
         EXPECT_FALSE(controller->isApplied());
-        EXPECT_TRUE(becomes([] { return !PrivateBus::isHeld(); }));
+        EXPECT_TRUE(becomes([] { return !isHeld(); }));
     }
 
     TEST_F(LinuxAdaptersTest, TheEndOfAConnectionLetsGoAndARefusalIsAnAnswer)
@@ -223,11 +152,11 @@ namespace {
         askToEnable(*connection);
         ASSERT_TRUE(becomes([&] { return reply.has_value(); }));
         EXPECT_EQ(reply->value(), HelperRefusal{});
-        EXPECT_TRUE(PrivateBus::isHeld());
+        EXPECT_TRUE(isHeld());
         connection.reset();
-        EXPECT_TRUE(becomes([] { return !PrivateBus::isHeld(); }));
+        EXPECT_TRUE(becomes([] { return !isHeld(); }));
 
-        PrivateBus::set(R"({"polkit": "deny"})");
+        bus().set(R"({"polkit": "deny"})");
         connection = helper.connect();
         askToEnable(*connection);
         ASSERT_TRUE(becomes([&] { return reply.has_value(); }));
@@ -243,7 +172,7 @@ namespace {
                  {R"({"polkit": "broken"})", helper::Ready{}},
              }) {
             SCOPED_TRACE(machine);
-            PrivateBus::set(machine);
+            bus().set(machine);
             launch();
             EXPECT_TRUE(shows(shown));
         }
@@ -251,11 +180,8 @@ namespace {
 
     TEST_F(LinuxAdaptersTest, WhatHasLetGoOfTheLidIsNoticedAtOnceAndTheLockTakenAgain)
     {
-        const auto restart = [] {
-            bus->restart();
-            return true;
-        };
-        for (const auto& loseIt : std::vector<std::function<bool()>>{PrivateBus::killHelper, restart}) {
+        const auto restart = [] { return bus().restart(), true; };
+        for (const auto& loseIt : std::vector<std::function<bool()>>{killHelper, restart}) {
             launch();
             ASSERT_TRUE(shows(helper::Ready{}));
             startClosedLidSession();
@@ -263,9 +189,7 @@ namespace {
             EXPECT_TRUE(becomes([this] { return !coordinator.conditions().lidSleepDisabled; }, 3000));
             controller->refreshUnlessReady(); // the bus was away for a moment
             EXPECT_TRUE(becomes([this] { return coordinator.conditions().lidSleepDisabled; }));
-            EXPECT_TRUE(PrivateBus::isHeld());
-            PrivateBus::forgetLocks();
-            EXPECT_TRUE(becomes([] { return PrivateBus::isHeld(); })) << "the helper takes another";
+            EXPECT_TRUE(isHeld());
             coordinator.stop(end::StoppedByUser{});
             EXPECT_TRUE(becomes([this] { return !coordinator.conditions().lidSleepDisabled; }));
         }
@@ -278,8 +202,8 @@ namespace {
         helper.power->sleepNow(count);
         helper.power->shutDown(count);
         ASSERT_TRUE(becomes([&] { return done == 2; }));
-        const auto deeds = PrivateBus::ask("Get");
-        EXPECT_TRUE(deeds.contains("suspend") && deeds.contains("powerOff")) << deeds.constData();
+        const auto deeds = bus().deeds();
+        EXPECT_TRUE(deeds.contains("Suspend") && deeds.contains("PowerOff")) << deeds.constData();
     }
 
     TEST_F(LinuxAdaptersTest, AHelperOtherThanTheApplicationsIsReplacedByTheApplicationsOwn)

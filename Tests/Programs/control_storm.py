@@ -112,9 +112,10 @@ class Side(threading.Thread):
             self.leave()
 
     def leave(self):
-        if self.connection:
-            self.connection.close()
-            self.connection = None
+        for each in (self.connection, *self.kept):
+            if each:
+                each.close()
+        self.connection, self.kept = None, []
 
 
 class Storm(ApplicationTest):

@@ -21,20 +21,6 @@ class HeatAlarm(unittest.TestCase):
             subprocess.run([sys.executable, ROOT / "scripts/make-heat-alarm", made], check=True)
             self.assertEqual(made.read_bytes(), SHIPPED.read_bytes())
 
-    def test_sound_is_short_unclipped_and_silent_at_both_ends(self):
-        with wave.open(str(SHIPPED)) as file:
-            self.assertEqual((file.getnchannels(), file.getsampwidth()), (1, 2))
-            rate, frames = file.getframerate(), file.getnframes()
-            samples = array.array("h", file.readframes(frames))
-        if sys.byteorder == "big":
-            samples.byteswap()
-        loudness = [abs(sample) for sample in samples]
-        self.assertTrue(1 < frames / rate < 5, frames / rate)
-        self.assertTrue(FULL_SCALE / 4 < max(loudness) < FULL_SCALE * 0.9, max(loudness))
-        five_milliseconds = rate // 200
-        self.assertLessEqual(max(loudness[:five_milliseconds]), SILENT)
-        self.assertLessEqual(max(loudness[-five_milliseconds:]), SILENT)
-
 
 if __name__ == "__main__":
     unittest.main()

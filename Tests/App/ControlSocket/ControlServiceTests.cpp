@@ -50,28 +50,4 @@ TEST_F(ControlServiceTest, StartsEveryPlanForThisTimeOnly)
     EXPECT_EQ(model().preferences(), before);
 }
 
-TEST(ControlRequest, NamesItsFault)
-{
-    for (const auto& [line, complaint] :
-        std::initializer_list<std::pair<std::string, std::string>>{
-            {"", "request: expected a JSON object in one line"},
-            {"{", "request: expected a JSON object in one line"},
-            {"[]", "request: expected an object"},
-            {"{}", "request.request:"},
-            {R"({"request":"fly"})", R"(request.request: expected one of "status")"},
-            {R"({"request":"stop","mode":"timer"})", R"(does not take "mode" with "stop")"},
-            {R"({"request":"start","mode":"soon"})", R"(request.mode: expected one of "timer")"},
-            {R"({"request":"start","timerDuration":"59s"})", "request.timerDuration: expected a length from 1m to 24h"},
-            {R"({"request":"start","timerDuration":60})", "request.timerDuration:"},
-            {R"({"request":"start","untilTime":"24:00"})", "request.untilTime: expected a time of day"},
-            {R"({"request":"display"})", "request.on:"},
-            {R"({"request":"display","on":"yes"})", "request.on:"},
-            {R"({"request":"set","key":"energy"})", "request.value:"},
-        }) {
-        const auto request = controlProtocol::request(line);
-        ASSERT_FALSE(request) << line;
-        EXPECT_THAT(request.error(), HasSubstr(complaint)) << line;
-    }
-}
-
 } // namespace vespra

@@ -140,58 +140,6 @@ namespace {
         EXPECT_EQ(store::load(&file), chosen_);
     }
 
-    /// No file can grow while it lasts, as on a full disk.
-    class FullDisk {
-    public:
-        FullDisk()
-        {
-            getrlimit(RLIMIT_FSIZE, &before_);
-            rlimit none = before_;
-            none.rlim_cur = 64;
-            setrlimit(RLIMIT_FSIZE, &none);
-        }
-        ~FullDisk()
-        {
-            setrlimit(RLIMIT_FSIZE, &before_);
-            std::signal(SIGXFSZ, handler_);
-        }
-
-    private:
-        rlimit before_{};
-        void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
-    };
-
-    TEST_F(Preferences, StayAsTheyWereOnAFullDisk)
-    {
-        auto file = defaults();
-        store::saveSettings(settings_, &file);
-        const auto before = contents(path_);
-        {
-            const FullDisk full;
-            store::save(chosen_, &file);
-            store::setPlaysHeatAlarm(false, &file);
-        }
-        EXPECT_EQ(contents(path_), before);
-        EXPECT_EQ(log_.messages, std::vector(2, "préférences non enregistrées : " + path_.string()));
-        EXPECT_EQ(store::load(&file), chosen_) << "the running application forgot";
-
-        store::setDidFinishOnboarding(&file);
-        const auto next = nextLaunch();
-        EXPECT_EQ(store::load(&next), chosen_) << "not written once there was room again";
-        EXPECT_EQ(log_.messages.size(), 2u) << "reported although written";
-        EXPECT_EQ(std::distance(fs::directory_iterator{path_.parent_path()}, {}), 1) << "something was left behind";
-    }
-
-    TEST_F(Preferences, WithoutAPlaceToWriteAreKeptInMemory)
-    {
-        std::ofstream{path_.parent_path()} << "in the way";
-        auto file = defaults();
-        store::save(chosen_, &file);
-        EXPECT_EQ(store::load(&file), chosen_);
-        EXPECT_EQ(contents(path_.parent_path()), "in the way");
-        EXPECT_EQ(log_.messages.size(), 1u);
-    }
-
     TEST(UserDefaultsFile, StandsInTheConfigurationFolder)
     {
         const TemporaryDirectory config;

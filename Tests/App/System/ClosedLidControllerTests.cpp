@@ -123,18 +123,6 @@ namespace {
         EXPECT_THAT(log.messages, ElementsAre("Enregistrement du helper : le système simulé refuse"));
     }
 
-    TEST_F(ClosedLidControllerTest, AsksAnOutdatedComponentAgainAfter65Seconds)
-    {
-        launch(Mode::outdated);
-        pass(64.5s);
-        EXPECT_THAT(wire.requests, IsEmpty());
-        pass(0.5s);
-        EXPECT_THAT(wire.requests, ElementsAre("version"));
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
-        pass(65s);
-        EXPECT_EQ(wire.requests.size(), 2u);
-    }
-
     TEST_F(ClosedLidControllerTest, DoesWhatIsWantedByTheTimeOfTheReply)
     {
         struct Row {
@@ -315,18 +303,6 @@ namespace {
         wire.deliver();
         mainLoop.run();
         EXPECT_THAT(wire.requests, ElementsAre("enable", "shutDown", "restore"));
-    }
-
-    TEST_F(ClosedLidControllerTest, QuittingRestoresOnlyWhatIsApplied)
-    {
-        launch();
-        startSession();
-        controller->restoreBeforeQuit(2s);
-        controller->restoreBeforeQuit(2s);
-        controller->refreshStatus();
-        pass(1min);
-        EXPECT_FALSE(isApplied());
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "restoreAndWait", "version"));
     }
 
     TEST_F(ClosedLidControllerTest, SleepAndShutdownFallBack)

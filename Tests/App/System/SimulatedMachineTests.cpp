@@ -74,34 +74,6 @@ TEST(MachineSettings, RefuseWhatTheyDoNotTake)
     EXPECT_EQ(machineSetting("a=b=c"), (MachineSettings::value_type{"a", "b=c"}));
 }
 
-TEST(MachineProtocol, AnswersWithWhatIsInForceAndHeld)
-{
-    SimulatedMachine machine;
-    machine.hold({"activity", "reason"});
-    machine.show({"id", "Title", "Body", {{"id.act", "Act"}}});
-    machine.soundAlarm();
-    EXPECT_EQ(machineProtocol::answer(machine, machineProtocol::request({{"battery", "12"}})),
-        R"({"machine":{"battery":"12","charger":"on","lid":"open","display":"internal","screen":"on",)"
-        R"("thermal":"nominal","helper":"notInstalled"},"held":[{"type":"activity","name":"reason"}],)"
-        R"("notifications":[{"identifier":"id","title":"Title","body":"Body",)"
-        R"("actions":[{"identifier":"id.act","title":"Act"}]}],"alarms":1})");
-}
-
-TEST(MachineProtocol, ChangesNothingOnABadRequest)
-{
-    SimulatedMachine machine;
-    for (const auto* request : {"",
-             "[]",
-             "{}",
-             R"({"set":[]})",
-             R"({"set":{"battery":12}})",
-             R"({"set":{"lid":"closed","battery":"many"}})",
-             "\xff"}) {
-        EXPECT_THAT(machineProtocol::answer(machine, request), testing::StartsWith(R"({"error":)")) << request;
-        EXPECT_EQ(machine.state(), MachineState{});
-    }
-}
-
 /// The monitors' common rule, seen from outside: the first reading is there, later ones are told if they differ.
 TEST_F(SimulatedPlatform, TellsOnlyOfRealChanges)
 {
