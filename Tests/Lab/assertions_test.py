@@ -36,15 +36,6 @@ class Assertions(LabTest):
                 self.last_words(vespra)
                 self.wait_until_held()
 
-    def test_a_desktop_that_changes_is_followed(self):
-        self.set(desktop="xfce")
-        self.start()
-        self.wait_until_held(DELAY, IDLE, f"{POWER_MANAGEMENT} 0")
-        self.set(desktop="gnome")
-        self.wait_until_held(DELAY, IDLE, f"{SESSION_MANAGER} 4")
-        self.set(desktop="none")
-        self.wait_until_held(DELAY, IDLE)
-
     def test_services_that_crash_are_asked_again(self):
         self.set(desktop="gnome")
         vespra = self.start()
@@ -56,7 +47,7 @@ class Assertions(LabTest):
         services = {each["name"]: each["verdict"] for each in self.doctor()[1]["services"]}
         self.assertEqual(services, {"logind": "listed", SESSION_MANAGER: "unknown"})  # this one does not say who
         self.set(ac=0)  # and the readings are followed again
-        self.assertEqual(self.last_words(vespra), ["Session ended — charger unplugged"])
+        self.assertEqual(self.last_words(vespra, 12), ["Session ended — charger unplugged"])
 
     def test_idle_action_is_blocked_exactly_during_a_session(self):
         vespra = self.start()
@@ -77,14 +68,6 @@ class Assertions(LabTest):
         order = [event["event"] for event in self.events("release", "asleep", "resumed")]
         self.assertEqual(order, ["release", "release", "asleep", "resumed"])
         self.assertEqual(self.held(), [])
-
-    def test_a_killed_process_leaves_nothing(self):
-        self.set(desktop="gnome")
-        vespra = self.start("--display")
-        self.wait_until_held(DELAY, IDLE, f"{SESSION_MANAGER} 4", f"{SCREEN_SAVER} 0")
-        vespra.kill()
-        self.wait_until_held()
-        self.assertEqual(self.doctor()[1]["verdict"], "noSession")
 
     def test_a_stopped_process_keeps_what_it_holds_and_catches_up(self):
         vespra = self.start()

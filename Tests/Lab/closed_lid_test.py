@@ -53,26 +53,3 @@ class ClosedLidTest(LabTest):
                 self.assertEqual(self.ask("RestoreSleep"), "None")
                 self.wait_for(lambda: len(self.events("asleep")) > before, "sleep")
                 self.set(lid="open")
-
-    def test_a_session_outlasts_the_lid_and_its_end_is_sleep(self):
-        vespra = self.start("--closed-lid")
-        self.wait_for(lambda: LOCK in self.held(), "the lock")
-        self.set(lid="closed")
-        time.sleep(0.5)
-        self.assertEqual((self.events("asleep"), vespra.poll()), ([], None))
-        vespra.terminate()
-        self.wait_for(lambda: self.events("asleep"), "sleep")
-        self.assertEqual(vespra.wait(), 0)
-        self.wait_until_held()
-
-    def test_a_killed_application_lets_the_laptop_sleep(self):
-        self.ask("EnableClosedLid")
-        self.set(lid="closed")
-        self.user.kill()
-        self.wait_until_held()
-        self.wait_for(lambda: self.events("asleep"), "sleep")
-
-    def test_whom_polkit_refuses_changes_nothing(self):
-        self.set(polkit="deny")
-        self.assertEqual(self.ask("EnableClosedLid"), NAME + ".Error.Refused")
-        self.assertEqual(self.held(), [])

@@ -90,10 +90,10 @@ class LabTest(DriverTest):
         self.assertEqual(process.stdout.readline(), "Awake until you stop it.\n")
         return process
 
-    def last_words(self, process):
-        """What it says from now on until it ends by itself, without an error."""
+    def last_words(self, process, status=0):
+        """What it says from now on until it ends by itself, with `status` and without an error."""
         out, err = process.communicate(timeout=SLOW)
-        self.assertEqual((process.returncode, err), (0, ""))
+        self.assertEqual((process.returncode, err), (status, ""))
         return out.splitlines()
 
     def doctor(self):

@@ -14,7 +14,7 @@ class Readings(LabTest):
         self.set(battery=0)
         self.assertIsNone(vespra.poll())
         # Nothing better comes for 10 s: it is believed.
-        self.assertEqual(self.last_words(vespra), ["Session ended — battery at 0%"])
+        self.assertEqual(self.last_words(vespra, 11), ["Session ended — battery at 0%"])
 
     def test_a_closed_lid_matters_only_without_an_external_display(self):
         vespra = self.start()
@@ -28,12 +28,6 @@ class Readings(LabTest):
         self.set(display="internal")
         self.assertEqual(len(self.events("lid-suspend")), 1)
         self.assertEqual(self.last_words(vespra), ["Session ended"])
-
-    def test_heat_warns_and_the_session_goes_on(self):
-        vespra = self.start()
-        self.set(thermal="serious")
-        self.assertEqual(vespra.stdout.readline().split(".")[0], "Your computer is running hot")
-        self.assertIn("idle:block", self.held())
 
 
 if __name__ == "__main__":

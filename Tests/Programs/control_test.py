@@ -316,18 +316,6 @@ class Settings(ApplicationTest):
                          "".join(f"{key}={value}\n" for key, (_, value, _) in self.VALUES.items()))
         self.assertEqual(self.status()["preferences"]["options"], {"keepsDisplayAwake": True, "closedLid": True})
 
-    def test_they_count_at_once_in_a_session_that_runs(self):
-        self.launch()
-        self.done("settings", "set", "energy.requiresACPower", "off")
-        self.done("machine", "set", "charger=off", "battery=50")
-        self.done("start", "unlimited")
-        self.done("settings", "set", "energy.lowBatteryThreshold", "50")
-        self.assertEqual(self.status()["lastEnd"]["reason"], "lowBattery")
-        self.assertEqual([each["identifier"] for each in self.machine()["notifications"]], ["session.ended"])
-        self.done("machine", "set", "charger=on")
-        self.done("start", "unlimited")
-        self.assertEqual(self.machine()["notifications"], [])
-
     def test_what_cannot_be_stored_counts_until_the_next_start_and_is_told(self):
         application = self.launch()
         self.done("settings", "set", "agents.graceDelay", "3m")

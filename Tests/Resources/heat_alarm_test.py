@@ -1,17 +1,13 @@
-"""The sound that ships: what its script makes, short, and easy on the ears."""
+"""The sound that ships is what its script makes."""
 
-import array
 import pathlib
 import subprocess
 import sys
 import tempfile
 import unittest
-import wave
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SHIPPED = ROOT / "Resources/sounds/heat-alarm.wav"
-FULL_SCALE = 32767
-SILENT = FULL_SCALE // 500
 
 
 class HeatAlarm(unittest.TestCase):

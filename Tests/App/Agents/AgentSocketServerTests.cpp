@@ -9,9 +9,11 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <set>
+#include <ranges>
+#include <thread>
 
 using namespace vespra;
 using testing::ElementsAre;
@@ -37,14 +39,10 @@ double secondsSince(std::chrono::steady_clock::time_point start)
     return Seconds{std::chrono::steady_clock::now() - start}.count();
 }
 
-/// The numbers of those that are open now, all or only those that other programs would inherit.
-std::set<int> descriptors(bool onlyInherited = false)
+/// How many are open now.
+std::ptrdiff_t openDescriptors()
 {
-    std::set<int> numbers;
-    for (int descriptor = 0; descriptor < 128; ++descriptor)
-        if (const int flags = fcntl(descriptor, F_GETFD); flags >= 0 && !(onlyInherited && flags & FD_CLOEXEC))
-            numbers.insert(descriptor);
-    return numbers;
+    return std::ranges::count_if(std::views::iota(0, 128), [](int each) { return fcntl(each, F_GETFD) >= 0; });
 }
 
 class AgentSocketServerTest : public testing::Test {
@@ -161,21 +159,6 @@ TEST_F(AgentSocketServerTest, WaitsForSlowClientsButOnlyASecondForSilentOnes)
     EXPECT_LT(secondsSince(silentFrom), 3.0);
 }
 
-TEST_F(AgentSocketServerTest, ReceivesEveryEventOfManyClientsAtOnce)
-{
-    const auto server = started();
-    constexpr std::size_t count = 200;
-    std::vector<std::thread> clients;
-    clients.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
-        clients.emplace_back([this, i] { LocalClient{path}.write(line(std::to_string(i)) + "\n"); });
-    for (auto& client : clients)
-        client.join();
-    const auto ids = idsOnceAllIsRead();
-    EXPECT_EQ(ids.size(), count);
-    EXPECT_EQ(std::set(ids.begin(), ids.end()).size(), count);
-}
-
 TEST_F(AgentSocketServerTest, KeepsOtherUsersOutWhateverTheUmask)
 {
     for (const mode_t mask : {0u, 022u, 0777u}) {
@@ -277,10 +260,10 @@ TEST_F(AgentSocketServerTest, LeavesTheSocketFileOfANewerServer)
 TEST_F(AgentSocketServerTest, SurvivesRunningOutOfDescriptors)
 {
     const auto server = started();
-    const auto atRest = descriptors().size();
+    const auto atRest = openDescriptors();
     LocalClient{path}.write(line("before"));
     EXPECT_THAT(idsOnceAllIsRead(), ElementsAre("before"));
-    for (int tries = 0; tries < 1000 && descriptors().size() > atRest; ++tries)
+    for (int tries = 0; tries < 1000 && openDescriptors() > atRest; ++tries)
         std::this_thread::sleep_for(1ms);
     LocalClient first, second;
     const auto cpuBefore = std::clock();
@@ -296,15 +279,6 @@ TEST_F(AgentSocketServerTest, SurvivesRunningOutOfDescriptors)
     }
     EXPECT_LT(std::clock() - cpuBefore, CLOCKS_PER_SEC / 10) << "it does not spin meanwhile";
     EXPECT_THAT(idsOnceAllIsRead(), ElementsAre("first", "second"));
-}
-
-TEST_F(AgentSocketServerTest, LeavesNoDescriptorToProgramsThatTheApplicationStarts)
-{
-    const auto before = descriptors(/*onlyInherited=*/true);
-    const auto server = started();
-    const LocalClient client{path};
-    std::this_thread::sleep_for(50ms);
-    EXPECT_EQ(descriptors(/*onlyInherited=*/true), before);
 }
 
 } // namespace

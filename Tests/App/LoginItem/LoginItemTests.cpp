@@ -86,20 +86,6 @@ TEST_F(AutostartEntryTest, StartsAProgramOfAnyName)
         usleep(10'000);
 }
 
-TEST_F(AutostartEntryTest, ShowsWhatBecameOfAFailure)
-{
-    std::ofstream{folder / "home"} << "not a folder";
-    auto service = entry();
-    LoginItem item{&service};
-    item.setEnabled(true);
-    EXPECT_FALSE(item.isEnabled());
-    std::filesystem::remove(folder / "home");
-    item.setEnabled(true);
-    EXPECT_TRUE(item.isEnabled());
-    item.setEnabled(false);
-    EXPECT_FALSE(item.isEnabled());
-}
-
 TEST(LoginItem, IsNotEnabledBeforeTheUserAllowsIt)
 {
     struct Asking final : LoginService {

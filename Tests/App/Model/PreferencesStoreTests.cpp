@@ -6,10 +6,8 @@
 
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <fstream>
 #include <limits>
-#include <sys/resource.h>
 
 namespace vespra {
 

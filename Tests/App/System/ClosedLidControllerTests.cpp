@@ -114,15 +114,6 @@ namespace {
         EXPECT_THAT(wire.requests, ElementsAre("version"));
     }
 
-    TEST_F(ClosedLidControllerTest, ReportsARefusedRegistration)
-    {
-        launch(Mode::refusing);
-        controller->install();
-        mainLoop.run();
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
-        EXPECT_THAT(log.messages, ElementsAre("Enregistrement du helper : le système simulé refuse"));
-    }
-
     TEST_F(ClosedLidControllerTest, DoesWhatIsWantedByTheTimeOfTheReply)
     {
         struct Row {

@@ -32,23 +32,6 @@ namespace {
 
 } // namespace
 
-TEST(MachineSettings, ReadBackAsTheyWereSet)
-{
-    const MachineSettings settings{{"battery", "0"},
-        {"charger", "off"},
-        {"lid", "closed"},
-        {"display", "external"},
-        {"screen", "off"},
-        {"thermal", "critical"},
-        {"helper", "awaitingApproval"}};
-    const auto change = changed(MachineState{}, settings);
-    ASSERT_TRUE(change);
-    EXPECT_EQ(machineSettings(change->state), settings);
-    EXPECT_FALSE(change->sleepsNow);
-    EXPECT_TRUE(changed({}, {{"sleep", "now"}})->sleepsNow);
-    EXPECT_EQ(changed({}, {{"battery", "none"}, {"charger", "off"}})->state.power(), PowerSnapshot::desktop());
-}
-
 TEST(MachineSettings, RefuseWhatTheyDoNotTake)
 {
     for (const auto& [key, value] : MachineSettings{{"battery", "101"},
@@ -102,35 +85,6 @@ TEST_F(SimulatedPlatform, TellsOfSleepAndOfADisplayThatComesOn)
     EXPECT_TRUE(platform.display->turnOff());
     EXPECT_FALSE(platform.machine->state().isScreenOn);
     EXPECT_THAT(set({{"screen", "on"}, {"sleep", "now"}}), ElementsAre("screens woke", "will sleep", "did wake"));
-}
-
-TEST_F(SimulatedPlatform, ShowsNotificationsUntilTheUserAnswersOrTheyAreTakenBack)
-{
-    auto& machine = *platform.machine;
-    machine.onNotification = [&](const auto& shown) { told.push_back("shown " + shown.title); };
-    platform.notifications->onResponse
-        = [&](const NotificationResponse& response) { told.push_back(response.notification + "/" + response.action); };
-    platform.notifications->setCategories({{"category", {{"act", "Act"}}}});
-    platform.notifications->post({"a", "A", "", "category"});
-    platform.notifications->post({"b", "B", "", "unknown category"});
-    platform.notifications->post({"b", "B again", "", "category"});
-    platform.notifications->post({"c", "C", ""});
-    EXPECT_THAT(std::exchange(told, {}), ElementsAre("shown A", "shown B", "shown B again", "shown C"));
-    EXPECT_THAT(machine.notifications(),
-        ElementsAre(SimulatedMachine::ShownNotification{"a", "A", "", {{"act", "Act"}}},
-            SimulatedMachine::ShownNotification{"b", "B again", "", {{"act", "Act"}}},
-            SimulatedMachine::ShownNotification{"c", "C", "", {}}));
-
-    for (const auto* absent : {"d", "d/act", "a/other", "c/act"}) {
-        EXPECT_FALSE(machine.set({{"press", absent}, {"lid", "closed"}})) << absent;
-        EXPECT_FALSE(machine.state().isLidClosed) << "half of it was done";
-    }
-    EXPECT_TRUE(machine.set({{"press", "a/act"}}));
-    EXPECT_TRUE(machine.set({{"press", "c"}}));
-    EXPECT_THAT(told, ElementsAre("a/act", "c/"));
-    platform.notifications->removeDelivered({"a", "b"});
-    EXPECT_THAT(machine.notifications(), IsEmpty());
-    EXPECT_FALSE(machine.set({{"press", "b"}})) << "it has been taken back";
 }
 
 TEST(SessionMarker, ShowsASessionExactlyWhileItRuns)

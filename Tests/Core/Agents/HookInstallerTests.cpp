@@ -45,12 +45,6 @@ TEST(HookInstaller, TurnsEachFileBeforeIntoTheFileAfter)
     EXPECT_GT(checked, 50);
 }
 
-TEST(HookInstaller, AnAbsentFileGetsWhatThePreviewShows)
-{
-    const auto installer = exampleInstaller(AgentKind::codex);
-    EXPECT_EQ(installer.installing({}), installer.preview() + "\n");
-}
-
 TEST(HookInstaller, CountsTheEventsThatHaveOurs)
 {
     using enum HookInstaller::State;

@@ -130,19 +130,6 @@ TEST(HookSettingsFile, DisconnectingKeepsWhatCameInBetweenAndNeverPutsHooksOfOur
     }
 }
 
-TEST(HookSettingsFile, ConnectingAgainChangesNothing)
-{
-    const Home home{"{ }"};
-    ASSERT_TRUE(home.settings().connect(now));
-    const auto laidOutByHand = std::string{"\n"} + home.text().value();
-    home.write(laidOutByHand);
-    const auto record = textOf(home.work / "claude.json");
-    ASSERT_TRUE(home.settings().connect(now));
-    EXPECT_EQ(home.text(), laidOutByHand);
-    EXPECT_EQ(textOf(home.work / "claude.json"), record);
-    EXPECT_EQ(home.backups().size(), 1u);
-}
-
 TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
 {
     for (const std::string text : {"{", "[]", R"({"hooks":[]})", R"({"hooks":{"Stop":null}})", "\xFF\xFE{", "{}\x80"}) {

@@ -83,12 +83,4 @@ TEST(SessionPreferencesJSON, NeedsEveryKeyAndPlansFromItself)
     EXPECT_EQ(preferences.plan({}), SessionPlan{plan::Agent{}});
 }
 
-TEST(SleepOverrideRecordJSON, RoundTripsWithItsFieldNames)
-{
-    const SleepOverrideRecord record{true, Instant::fromISO8601("2026-01-31T09:15:00.5Z").value()};
-    EXPECT_EQ(toJSON(record).dump(), R"({"originalSleepDisabled":true,"appliedAt":791543700.5})");
-    EXPECT_EQ(sleepOverrideRecord(toJSON(record)).value(), record);
-    EXPECT_FALSE(sleepOverrideRecord(JSON::parse(R"({"originalSleepDisabled":true})")));
-}
-
 } // namespace
