@@ -75,8 +75,8 @@ QVariantMap MockBus::state() { return QJsonDocument::fromJson(ask("Get")).toVari
 
 void MockBus::makeActivatable(const std::string& service, const std::string& command)
 {
-    putText(folder_ / (service + ".service"),
-        "[D-BUS Service]\nName=" + service + "\nUser=root\nExec=" + command + "\n");
+    putText(
+        folder_ / (service + ".service"), "[D-BUS Service]\nName=" + service + "\nUser=root\nExec=" + command + "\n");
     dbus::systemBus().call(dbus::bus().method("ReloadConfig"));
 }
 
