@@ -12,6 +12,12 @@ namespace {
 
     constexpr std::size_t width = 80, labelWidth = 20;
 
+    /// The verbs below `app` but those without a group, which no one is told of.
+    std::vector<const CLI::App*> shownVerbs(const CLI::App& app)
+    {
+        return app.get_subcommands([](const CLI::App* verb) { return !verb->get_group().empty(); });
+    }
+
     /// The front of `text` up to where a line may end: behind a blank, or behind a bar within a long word.
     std::string_view takePiece(std::string_view& text)
     {
@@ -94,7 +100,7 @@ namespace {
                 appendOptions(help, group, app->get_options([&](auto* option) {
                     return !option->get_positional() && option->get_group() == group;
                 }));
-            if (const auto verbs = app->get_subcommands({}); !verbs.empty()) {
+            if (const auto verbs = shownVerbs(*app); !verbs.empty()) {
                 help += "\nVerbs:\n";
                 for (const auto* verb : verbs) {
                     const auto description = verb->get_description();
@@ -135,7 +141,7 @@ namespace {
     {
         std::vector<std::string> names;
         if (!isOption)
-            for (const auto* verb : chain.back()->get_subcommands({}))
+            for (const auto* verb : shownVerbs(*chain.back()))
                 names.push_back(verb->get_name());
         else
             for (const auto* app : chain)

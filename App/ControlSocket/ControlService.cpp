@@ -1,6 +1,7 @@
 #include "App/ControlSocket/ControlService.h"
 
 #include "App/Model/AppModel.h"
+#include "App/Model/ModelSettings.h"
 #include "App/System/ClosedLidController.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/ClosedLidWording.h"
@@ -8,7 +9,6 @@
 #include "App/Wording/Localized.h"
 #include "App/Wording/SessionReport.h"
 #include "App/Wording/SessionWording.h"
-#include "ControlProtocol/SettingTexts.h"
 #include "ControlProtocol/SnapshotJSON.h"
 #include "HelperProtocol/Brand.h"
 
@@ -313,18 +313,17 @@ JSON ControlService::setClosedLid(bool on)
 JSON ControlService::settings() const
 {
     auto json = JSON::object();
-    for (const auto& [key, text] : settingTexts::all(model_.coordinator().settings()))
+    for (const auto& [key, text] : settingTexts::all(settingsOf(model_)))
         json[key] = text;
     return {{"settings", std::move(json)}};
 }
 
 JSON ControlService::set(const std::string& key, const std::string& value)
 {
-    const auto changed = settingTexts::changed(model_.coordinator().settings(), key, value);
-    if (!changed)
-        return error(controlProtocol::badRequest, changed.error());
-    model_.changeSettings(
-        [&](SessionSettings& settings) { settings = settingTexts::changed(settings, key, value).value_or(settings); });
+    const auto change = settingTexts::change(key, value);
+    if (!change)
+        return error(controlProtocol::badRequest, change.error());
+    changeSetting(model_, *change);
     return kept();
 }
 

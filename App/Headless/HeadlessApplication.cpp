@@ -1,6 +1,7 @@
 #include "App/Headless/HeadlessApplication.h"
 
 #include "App/Launch/ExitStatus.h"
+#include "App/Model/ModelSettings.h"
 #include "App/System/simulated/SimulatedMachine.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/ClosedLidWording.h"
@@ -44,7 +45,17 @@ HeadlessApplication::HeadlessApplication(AppDelegate& application, Platform& pla
 
 HeadlessApplication::~HeadlessApplication() = default;
 
-SessionPreferences HeadlessApplication::preferences() { return options_.session.applied(model().preferences()); }
+UserSettings HeadlessApplication::settings()
+{
+    auto settings = settingsOf(model());
+    if (options_.settings) {
+        settings.session = {};
+        settings = settingTexts::changed(settings, *options_.settings);
+    }
+    return settings;
+}
+
+SessionPreferences HeadlessApplication::preferences() { return options_.session.applied(settings().preferences); }
 
 void HeadlessApplication::start()
 {
@@ -66,9 +77,11 @@ void HeadlessApplication::start()
 /// Settings of the command line count for this run only: what is stored stays as it is.
 void HeadlessApplication::applySettings()
 {
-    auto settings = options_.settings.value_or(model().coordinator().settings());
-    settings.agents.graceDelay = options_.grace.value_or(settings.agents.graceDelay);
-    model().coordinator().setSettings(settings);
+    auto given = settings();
+    auto& grace = given.session.agents.graceDelay;
+    grace = options_.grace.value_or(grace);
+    model().coordinator().setSettings(given.session);
+    model().setFlagsOfThisRun(given.playsHeatAlarm, given.showsRemainingTimeInMenuBar);
 }
 
 void HeadlessApplication::followForcedAction()

@@ -2,9 +2,9 @@
 
 // App/Headless: the application in a terminal: its output and the signals that end it.
 
-#include "App/Launch/LaunchOptions.h"
 #include "App/Headless/TerminalOutput.h"
 #include "App/Launch/AppDelegate.h"
+#include "App/Launch/LaunchOptions.h"
 
 #include <functional>
 #include <memory>
@@ -29,6 +29,8 @@ public:
 
 private:
     AppModel& model() { return application_.model(); }
+    /// Those of this run.
+    UserSettings settings();
     SessionPreferences preferences();
     void applySettings();
     void follow(const SessionEvent& event);

@@ -2,7 +2,6 @@
 
 #include "ControlProtocol/Arguments.h"
 #include "ControlProtocol/CommandLine.h"
-#include "ControlProtocol/SettingTexts.h"
 #include "Core/Session/SessionLimits.h"
 
 namespace vespra {
@@ -87,10 +86,10 @@ std::variant<LaunchOptions, int> parsedCommandLine(int argc, char** argv)
         [&](Seconds length) { options.grace = length; });
     app.add_flag_callback("--display", [&] { options.session.keepsDisplayAwake = true; }, "Keep the display on too");
     app.add_flag_callback("--closed-lid", [&] { options.session.closedLid = true; }, "Stay awake with the lid closed");
-    add<SessionSettings>(app,
-        {"--settings", "FILE", "Guardrails and agent settings, as JSON"},
-        settingTexts::file,
-        [&](const SessionSettings& settings) { options.settings = settings; });
+    add<std::vector<settingTexts::Change>>(
+        app, {"--settings", "FILE", "Settings for this run, as JSON"}, settingTexts::file, [&](const auto& settings) {
+            options.settings = settings;
+        });
     add<PlatformKind>(app,
         {"--platform",
             "NAME",

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "App/System/Platform.h"
+#include "ControlProtocol/SettingTexts.h"
 #include "ControlProtocol/StartOptions.h"
-#include "Core/Session/SessionSettings.h"
 
 #include <optional>
 #include <variant>
@@ -14,8 +14,8 @@ inline constexpr const char* programName = "vespra";
 /// What the command line asks of this launch, with windows or without.
 struct LaunchOptions {
     StartOptions session;
-    /// For this run only; absent: the settings that are stored.
-    std::optional<SessionSettings> settings;
+    /// For this run only, from the session's defaults and what else is stored; absent: the settings that are stored.
+    std::optional<std::vector<settingTexts::Change>> settings;
     /// The agents' grace delay, whatever the settings say.
     std::optional<Seconds> grace;
     /// Absent: the system's own platform, or a simulated laptop where no power manager answers.

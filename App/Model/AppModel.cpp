@@ -50,6 +50,12 @@ void AppModel::setShowsRemainingTimeInMenuBar(bool shows)
     PreferencesStore::setShowsRemainingTimeInMenuBar(shows, store());
 }
 
+void AppModel::setFlagsOfThisRun(bool playsHeatAlarm, bool showsRemainingTimeInMenuBar)
+{
+    playsHeatAlarm_.set(playsHeatAlarm);
+    showsRemainingTimeInMenuBar_.set(showsRemainingTimeInMenuBar);
+}
+
 void AppModel::changeSettings(const std::function<void(SessionSettings&)>& change)
 {
     auto inForce = coordinator_.settings();

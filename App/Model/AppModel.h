@@ -4,12 +4,12 @@
 
 #include "App/Agents/AgentIntegration.h"
 #include "App/Agents/ForcedEndAction.h"
-#include "App/Updates/AppUpdates.h"
 #include "App/LoginItem/LoginItem.h"
 #include "App/Model/RunningCommands.h"
 #include "App/Model/SettingsTab.h"
 #include "App/Model/UserDefaults.h"
 #include "App/System/Platform.h"
+#include "App/Updates/AppUpdates.h"
 #include "Core/Agents/AgentEndCondition.h"
 #include "Core/Observation/ObservedClock.h"
 #include "Core/Session/SessionCoordinator.h"
@@ -74,6 +74,8 @@ public:
     void setPlaysHeatAlarm(bool plays);
     bool showsRemainingTimeInMenuBar() const { return showsRemainingTimeInMenuBar_.get(); }
     void setShowsRemainingTimeInMenuBar(bool shows);
+    /// For this run only: what is kept stays as it was.
+    void setFlagsOfThisRun(bool playsHeatAlarm, bool showsRemainingTimeInMenuBar);
     /// Takes effect at once, also on a running session, and is kept; what else was given for this run only is not.
     /// `change` is carried out on the settings in force and on those that are kept.
     void changeSettings(const std::function<void(SessionSettings&)>& change);
@@ -107,8 +109,8 @@ public:
     /// Hides the notice of the end that is shown; the next end is shown again.
     void dismissEnd();
 
-    /// What follows when the agents end this session: the action of the settings, unless this session is to skip it or a
-    /// command still runs.
+    /// What follows when the agents end this session: the action of the settings, unless this session is to skip it or
+    /// a command still runs.
     AgentEndAction endAction() const;
     /// Some session has ended.
     void sessionEnded() { agentCondition_.set(nullptr); }

@@ -81,10 +81,10 @@ void setShowsRemainingTimeInMenuBar(bool shows, UserDefaults* defaults)
 
 bool didFinishOnboarding(const UserDefaults* defaults) { return storedBoolean(defaults, onboardingKey, false); }
 
-void setDidFinishOnboarding(UserDefaults* defaults)
+void setDidFinishOnboarding(bool finished, UserDefaults* defaults)
 {
     if (defaults)
-        defaults->setBoolean(onboardingKey, true);
+        defaults->setBoolean(onboardingKey, finished);
 }
 
 } // namespace vespra::PreferencesStore

@@ -24,6 +24,6 @@ void setShowsRemainingTimeInMenuBar(bool shows, UserDefaults* defaults);
 
 /// By default not.
 bool didFinishOnboarding(const UserDefaults* defaults);
-void setDidFinishOnboarding(UserDefaults* defaults);
+void setDidFinishOnboarding(bool finished, UserDefaults* defaults);
 
 } // namespace vespra::PreferencesStore

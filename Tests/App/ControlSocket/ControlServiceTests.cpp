@@ -1,5 +1,7 @@
 #include "App/ControlSocket/ControlService.h"
 
+#include "App/Model/ModelSettings.h"
+
 #include "Tests/Support/LaunchedApplication.h"
 
 #include <gmock/gmock.h>
@@ -48,6 +50,26 @@ TEST_F(ControlServiceTest, StartsEveryPlanForThisTimeOnly)
         coordinator().stop(end::StoppedByUser{});
     }
     EXPECT_EQ(model().preferences(), before);
+}
+
+TEST_F(ControlServiceTest, KeepsEverySettingWhereItBelongsAndWritesNoOther)
+{
+    for (const auto& setting : settingsCatalogue()) {
+        SCOPED_TRACE(setting.key);
+        defaults.texts.clear();
+        defaults.flags.clear();
+        const auto values = settingTexts::values(setting);
+        const auto before = settingTexts::text(setting, settingsOf(model()));
+        const auto value = values.back() == before ? values.front() : values.back();
+        ControlService service{model()};
+        for (const auto& each : {value, before, value})
+            EXPECT_TRUE(service.reply({.verb = ControlVerb::set, .key = std::string{setting.key}, .value = each})
+                    .contains("done"));
+        EXPECT_EQ(service.reply({.verb = ControlVerb::settings})["settings"][std::string{setting.key}], value);
+        EXPECT_EQ(defaults.texts.size() + defaults.flags.size(), 1U);
+        launch(); // reads what is kept
+        EXPECT_EQ(settingTexts::text(setting, settingsOf(model())), value);
+    }
 }
 
 } // namespace vespra

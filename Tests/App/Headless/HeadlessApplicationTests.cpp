@@ -31,8 +31,8 @@ TEST_F(HeadlessApplicationTest, ExitsByTheEndOfItsSession)
 {
     const StartOptions timer{.mode = SessionMode::timer, .timerDuration = 2h};
     const StartOptions closedLid{.mode = SessionMode::unlimited, .closedLid = true};
-    SessionSettings onBattery;
-    onBattery.energy = {.requiresACPower = false, .batteryTimeLimit = 1h};
+    const auto onBattery
+        = settingTexts::read({{"energy.requiresACPower", false}, {"energy.batteryTimeLimit", "1h"}}).value();
     struct Row {
         const char* what;
         MachineSettings before;

@@ -79,7 +79,7 @@ namespace {
         store::saveSettings(settings_, &file);
         store::setPlaysHeatAlarm(false, &file);
         store::setShowsRemainingTimeInMenuBar(true, &file);
-        store::setDidFinishOnboarding(&file);
+        store::setDidFinishOnboarding(true, &file);
         const auto next = nextLaunch();
         EXPECT_EQ(store::load(&next), chosen_);
         EXPECT_EQ(store::loadSettings(&next), settings_);

@@ -45,7 +45,7 @@ namespace {
             GTEST_SKIP() << "on a Mac nothing is replaced";
         const std::regex mac{R"(\b(Mac|MacBook|macOS|System Settings|menu bar)\b)"};
         int count = 0;
-        for (const char* folder : {"/App", "/Control"})
+        for (const char* folder : {"/App", "/Control", "/ControlProtocol"})
             for (const auto& entry : std::filesystem::recursive_directory_iterator{std::string{SOURCES} + folder}) {
                 const auto& path = entry.path();
                 if (path.extension() != ".cpp" || path.string().contains("/macos/") || path.stem() == "SystemText")
