@@ -1,10 +1,10 @@
 #include "App/Launch/AppDelegate.h"
 
 #include "App/Model/PreferencesStore.h"
+#include "Log/StandardError.h"
 #include "App/Wording/Localized.h"
 #include "Core/Coding/DisplayText.h"
 #include "HelperProtocol/Brand.h"
-#include "Log/StandardError.h"
 
 #include <cstdlib>
 

@@ -92,7 +92,7 @@ namespace {
 
 void addSettingsCommand(CLI::App& vespractl, int& exitStatus)
 {
-    auto* settings = vespractl.add_subcommand("settings", "Reads and changes what the user can set");
+    auto* settings = vespractl.add_subcommand("settings", "Reads and changes what you can set");
     settings->require_subcommand(1);
     const auto asJSON = std::make_shared<bool>(false);
 

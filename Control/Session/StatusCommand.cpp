@@ -1,5 +1,5 @@
-#include "Control/Session/Application.h"
 #include "ControlProtocol/SnapshotJSON.h"
+#include "Control/Session/Application.h"
 #include "HelperProtocol/Process.h"
 
 #include <cstdio>

@@ -29,8 +29,6 @@ _vespractl()
         return
     fi
 
-    local settings="energy.requiresACPower energy.stopsOnLowBattery energy.lowBatteryThreshold energy.batteryTimeLimit
-        closedLid.continuesOnBattery agents.endAction agents.graceDelay agents.waitingCountsAsFinished agentSafetyCap"
     case "${words[*]}" in
         "") candidates="status start stop toggle extend keep-awake cancel display closed-lid run wait settings doctor
             machine hooks simulate --version --help" ;;
@@ -40,16 +38,12 @@ _vespractl()
         display) candidates="on off --help" ;;
         closed-lid) candidates="on off set-up remove --help" ;;
         run) candidates="-- --display --closed-lid --help" ;;
-        settings) candidates="get set --help" ;;
-        "settings get") candidates="$settings --json --help" ;;
-        "settings set") candidates=$settings ;;
-        "settings set energy.lowBatteryThreshold") candidates="10 15 20 25 30 40 50 60 70 80" ;;
-        "settings set energy.batteryTimeLimit") candidates="off 15m 30m 1h 2h 4h 8h" ;;
-        "settings set agents.endAction") candidates="letSleep sleepNow shutDown" ;;
-        "settings set agents.graceDelay") candidates="0s 1m 2m 5m 15m" ;;
-        "settings set agentSafetyCap") candidates="off 1h 4h 8h 12h 24h" ;;
+        settings) candidates="list get set --help" ;;
+        "settings list") candidates="--json --help" ;;
+        "settings get") candidates="$(_vespractl_settings) --json --help" ;;
+        "settings set") candidates=$(_vespractl_settings) ;;
         "settings set "*" "*) ;;
-        "settings set "*) candidates="on off" ;;
+        "settings set "*) candidates=$(_vespractl_settings "${words[2]}") ;;
         doctor) candidates="--json --help" ;;
         machine) candidates="get set --help" ;;
         "machine get") candidates="--json --help" ;;
@@ -61,6 +55,12 @@ _vespractl()
         *) candidates="--help" ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
+}
+
+# The keys of the settings, or the values of one; the program that is typed knows them.
+_vespractl_settings()
+{
+    "${COMP_WORDS[0]/#\~\//$HOME/}" settings complete "$@" 2>/dev/null | cut -f 1
 }
 
 # KEY=VALUE; the shell takes "=" for a word of its own.

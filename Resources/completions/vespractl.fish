@@ -12,25 +12,10 @@ function __vespractl_at
     test "$plain" = "$argv"
 end
 
-function __vespractl_setting_values
-    switch (commandline -opc)[-1]
-        case energy.lowBatteryThreshold
-            printf '%s\n' 10 15 20 25 30 40 50 60 70 80
-        case energy.batteryTimeLimit
-            printf '%s\n' off 15m 30m 1h 2h 4h 8h
-        case agents.endAction
-            printf '%s\n' letSleep sleepNow shutDown
-        case agents.graceDelay
-            printf '%s\n' 0s 1m 2m 5m 15m
-        case agentSafetyCap
-            printf '%s\n' off 1h 4h 8h 12h 24h
-        case '*.*'
-            printf '%s\n' on off
-    end
+# The keys of the settings with their meaning, or the values of one; the program knows them.
+function __vespractl_settings
+    vespractl settings complete $argv 2>/dev/null
 end
-
-set -l settings energy.requiresACPower energy.stopsOnLowBattery energy.lowBatteryThreshold energy.batteryTimeLimit \
-    closedLid.continuesOnBattery agents.endAction agents.graceDelay agents.waitingCountsAsFinished agentSafetyCap
 
 complete -c vespractl -f
 complete -c vespractl -l help -d 'Print help'
@@ -47,7 +32,7 @@ for verb in \
     'closed-lid	Stay awake with the lid closed, or sleep when it closes' \
     'run	Keep awake while a command runs' \
     'wait	Wait until no session runs' \
-    'settings	Read and change the guardrails and agent settings' \
+    'settings	Read and change what you can set' \
     'doctor	Say what keeps this machine awake' \
     'machine	Steer the simulated laptop' \
     'hooks	Connect coding agents' \
@@ -56,7 +41,7 @@ for verb in \
     complete -c vespractl -n __vespractl_at -a $parts[1] -d $parts[2]
 end
 
-complete -c vespractl -n '__fish_seen_subcommand_from status doctor get' -l json -d 'As JSON'
+complete -c vespractl -n '__fish_seen_subcommand_from status doctor get list' -l json -d 'As JSON'
 complete -c vespractl -n '__vespractl_at status' -l watch -d 'Go on, and tell every change'
 complete -c vespractl -n '__vespractl_at start' -a 'timer until unlimited agent'
 complete -c vespractl -n '__fish_seen_subcommand_from start run' -l display -d 'Keep the display on too'
@@ -67,10 +52,10 @@ complete -c vespractl -n '__vespractl_at display; or __vespractl_at closed-lid' 
 complete -c vespractl -n '__vespractl_at closed-lid' -a 'set-up remove'
 complete -c vespractl -n '__fish_seen_subcommand_from run' -a '(__fish_complete_subcommand --fcs-skip=2)'
 complete -c vespractl -n '__vespractl_at settings; or __vespractl_at machine' -a 'get set'
-complete -c vespractl -n '__vespractl_at settings get; or __vespractl_at settings set' -a "$settings"
-for setting in $settings
-    complete -c vespractl -n "__vespractl_at settings set $setting" -a '(__vespractl_setting_values)'
-end
+complete -c vespractl -n '__vespractl_at settings' -a list
+complete -c vespractl -n '__vespractl_at settings get; or __vespractl_at settings set' -a '(__vespractl_settings)'
+complete -c vespractl -n '__vespractl_at settings set (commandline -opc)[-1]' \
+    -a '(__vespractl_settings (commandline -opc)[-1])'
 complete -c vespractl -n '__fish_seen_subcommand_from machine; and __fish_seen_subcommand_from set' -a '
     battery=none battery=20 battery=100 charger=on charger=off lid=open lid=closed display=internal display=external
     screen=on screen=off thermal=nominal thermal=fair thermal=serious thermal=critical helper=ready helper=notInstalled

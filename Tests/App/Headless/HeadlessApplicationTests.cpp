@@ -31,8 +31,8 @@ TEST_F(HeadlessApplicationTest, ExitsByTheEndOfItsSession)
 {
     const StartOptions timer{.mode = SessionMode::timer, .timerDuration = 2h};
     const StartOptions closedLid{.mode = SessionMode::unlimited, .closedLid = true};
-    const auto onBattery
-        = settingTexts::read({{"energy.requiresACPower", false}, {"energy.batteryTimeLimit", "1h"}}).value();
+    const std::vector onBattery{settingTexts::change("energy.requiresACPower", "off").value(),
+        settingTexts::change("energy.batteryTimeLimit", "1h").value()};
     struct Row {
         const char* what;
         MachineSettings before;
@@ -65,6 +65,15 @@ TEST_F(HeadlessApplicationTest, ExitsByTheEndOfItsSession)
         laptop.advance(0.2s);
         EXPECT_EQ(exitStatus, expected);
     }
+}
+
+TEST_F(HeadlessApplicationTest, TakesSettingsForThisRunAndKeepsNoneOfThem)
+{
+    start({.settings = std::vector{settingTexts::change("preferences.timerDuration", "2h").value(),
+               settingTexts::change("playsHeatAlarm", "off").value()}});
+    EXPECT_EQ(coordinator().state().activeSession()->plan, (SessionPlan{plan::Timer{2h}}));
+    EXPECT_FALSE(model().playsHeatAlarm());
+    EXPECT_TRUE(defaults.texts.empty() && defaults.flags.empty());
 }
 
 TEST_F(HeadlessApplicationTest, StaysForACommandThatOutlivesItsSession)
