@@ -116,10 +116,10 @@ JSON ControlService::reply(const ControlRequest& request)
     case ControlVerb::closedLid:
         return setClosedLid(request.on);
     case ControlVerb::setUpClosedLid:
-        model_.closedLid->install();
+        model_.closedLid()->install();
         return done();
     case ControlVerb::removeClosedLid:
-        model_.closedLid->remove();
+        model_.closedLid()->remove();
         return done();
     case ControlVerb::settings:
         return settings();
@@ -160,7 +160,7 @@ bool ControlService::tellsClosedLid(const ControlRequest& request) const
 bool ControlService::isClosedLidSettling(const ControlRequest& request) const
 {
     const auto status = model_.coordinator().closedLidStatus(model_.isClosedLidOn());
-    return model_.closedLid->isSettling()
+    return model_.closedLid()->isSettling()
         || (request.verb != ControlVerb::removeClosedLid && std::holds_alternative<closedLid::Verifying>(status));
 }
 

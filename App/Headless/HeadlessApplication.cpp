@@ -2,6 +2,7 @@
 
 #include "App/Launch/ExitStatus.h"
 #include "App/Model/ModelSettings.h"
+#include "App/Model/PanelFacts.h"
 #include "App/System/simulated/SimulatedMachine.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/ClosedLidWording.h"
@@ -10,8 +11,6 @@
 #include "App/Wording/SessionWording.h"
 #include "ControlProtocol/EndStatus.h"
 #include "HelperProtocol/Brand.h"
-
-#include <cmath>
 
 namespace vespra {
 
@@ -189,7 +188,6 @@ void HeadlessApplication::finish()
         return;
     if (liveLoop_)
         liveLoop_->stop();
-    nextSecond_.reset();
     model().forcedEndAction().cancel();
     application_.shouldTerminate();
     application_.willTerminate();
@@ -198,19 +196,11 @@ void HeadlessApplication::finish()
 
 void HeadlessApplication::drawLive()
 {
-    nextSecond_.reset();
-    const auto& coordinator = model().coordinator();
-    const auto* session = coordinator.state().activeSession();
+    const auto* session = model().coordinator().state().activeSession();
     if (!session)
         return output_.showLive({});
-    const auto now = coordinator.now();
+    const auto now = model().clock().now(panelFacts::clockAnchor(*session));
     output_.showLive(liveLine(*session, now, model().agentCondition().get(), model().agents()));
-
-    // Just past the next full second of what is counted, so that no second is shown twice or left out.
-    constexpr Seconds past{0.02};
-    const double counted = session->remaining(now).value_or(-session->elapsed(now)).count();
-    const Seconds toNext{counted - std::floor(counted)};
-    nextSecond_ = platform_.time.tasks->schedule(toNext + past, lifetime_.guard([this] { drawLive(); }));
 }
 
 } // namespace vespra

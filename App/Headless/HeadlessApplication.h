@@ -58,7 +58,6 @@ private:
     std::unique_ptr<ScheduledTask> startLimit_;
     std::optional<ClosedLidStatus> shownClosedLidStatus_;
     std::unique_ptr<ScheduledTask> delayedFinish_;
-    std::unique_ptr<ScheduledTask> nextSecond_;
     Lifetime lifetime_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "App/Model/PreferencesStore.h"
 #include "Log/StandardError.h"
+#include "Log/SystemLog.h"
 #include "App/Wording/Localized.h"
 #include "Core/Coding/DisplayText.h"
 #include "HelperProtocol/Brand.h"
@@ -36,22 +37,23 @@ void AppDelegate::didFinishLaunching()
     model_->agentIntegration().installCommand();
     model_->agentIntegration().refresh();
     listenToAgents();
-    model_->forcedEndAction().perform = closedLid_->performer();
+    model_->forcedEndAction().perform = closedLid().performer();
     handleEvents();
     followSystem();
     makeAssertions();
     if (surfaces_)
-        surfaces_->makePanel(*model_);
+        surfaces_->makePanel(surfaceContext());
     followRequirements();
     if (surfaces_)
         makeSurfaces();
+    registerShortcut();
     listenToTerminals();
 }
 
 void AppDelegate::makeClosedLid()
 {
     auto& platform = environment_.platform;
-    closedLid_.emplace(model_->coordinator(),
+    model_->setClosedLidController(std::make_shared<ClosedLidController>(model_->coordinator(),
         ClosedLidEnvironment{
             .service = *platform.helper.service,
             .connect = platform.helper.connect,
@@ -65,8 +67,7 @@ void AppDelegate::makeClosedLid()
                     const auto& pending = model_->forcedEndAction().pending();
                     return pending && pending->action == AgentEndAction::shutDown;
                 },
-        });
-    model_->closedLid = &*closedLid_;
+        }));
 }
 
 void AppDelegate::listenToAgents()
@@ -90,7 +91,7 @@ void AppDelegate::receive(const AgentEvent& event)
 
 void AppDelegate::handleEvents()
 {
-    auto& notifier = eventHandler_.emplace(*model_, *closedLid_, environment_.platform).notifier();
+    auto& notifier = eventHandler_.emplace(*model_, closedLid(), environment_.platform).notifier();
     model_->updates().onUpdateFound = lifetime_.guard(
         [this](const std::string& version) { eventHandler_->notifier().postUpdateAvailable(version); });
     model_->updates().onUpdateSeen = lifetime_.guard([this] { eventHandler_->notifier().removeUpdateAvailable(); });
@@ -145,9 +146,19 @@ void AppDelegate::followRequirements()
     });
 }
 
+SurfaceContext AppDelegate::surfaceContext()
+{
+    auto& platform = environment_.platform;
+    return {.model = *model_,
+        .mainLoop = *platform.time.mainLoop,
+        .tasks = *platform.time.tasks,
+        .clock = model_->clock(),
+        .appearance = *platform.appearance};
+}
+
 void AppDelegate::makeSurfaces()
 {
-    surfaces_->makeStatusItem(*model_,
+    surfaces_->makeStatusItem(surfaceContext(),
         {
             .onToggle = lifetime_.guard(
                 [this] { surfaces_->isPanelVisible() ? surfaces_->hidePanel() : surfaces_->showPanel(); }),
@@ -157,14 +168,29 @@ void AppDelegate::makeSurfaces()
         if (surfaces_->hasStatusItem() && !surfaces_->isPanelVisible())
             surfaces_->showPanel();
     });
-    surfaces_->makeSettingsWindow(*model_);
+    surfaces_->makeSettingsWindow(surfaceContext());
     model_->showSettings = lifetime_.guard([this](std::optional<SettingsTab> tab) {
         surfaces_->hidePanel();
         surfaces_->showSettings(tab);
     });
     if (!PreferencesStore::didFinishOnboarding(environment_.defaults))
-        surfaces_->showOnboarding(*model_);
-    surfaces_->registerShortcut(lifetime_.guard([this] { model_->toggleSession(); }));
+        surfaces_->showOnboarding(surfaceContext());
+}
+
+void AppDelegate::registerShortcut()
+{
+    const auto registered = environment_.platform.shortcut->set(toggleSessionShortcut,
+        defaultToggleSessionKeys,
+        lifetime_.guard([this] { model_->toggleSession(); }));
+    if (registered)
+        return;
+    const SystemLog log{Brand::appBundleID(), "shortcut"};
+    switch (registered.error()) {
+    case GlobalShortcut::Failure::conflict:
+        return log.notice("Raccourci clavier déjà pris par une autre application");
+    case GlobalShortcut::Failure::unavailable:
+        return log.info("Raccourci clavier indisponible sur ce bureau");
+    }
 }
 
 /// Comes last, so that every request finds the application complete.
@@ -179,8 +205,8 @@ void AppDelegate::listenToTerminals()
 
 void AppDelegate::shouldTerminate()
 {
-    if (closedLid_)
-        closedLid_->restoreBeforeQuit(restoreLimit);
+    if (model_ && model_->closedLid())
+        closedLid().restoreBeforeQuit(restoreLimit);
 }
 
 void AppDelegate::willTerminate()
@@ -189,6 +215,7 @@ void AppDelegate::willTerminate()
         return;
     model_->coordinator().stop(end::AppTerminated{});
     controlServer_.reset();
+    environment_.platform.shortcut->clear(toggleSessionShortcut);
     if (assertionLoop_)
         assertionLoop_->stop();
     environment_.platform.session->sessionRuns(false);

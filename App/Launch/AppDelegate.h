@@ -39,7 +39,7 @@ public:
     bool isListeningToAgents() const { return agentSocket_ && agentSocket_->isListening(); }
     /// From launch on.
     AppModel& model() { return *model_; }
-    ClosedLidController& closedLid() { return *closedLid_; }
+    ClosedLidController& closedLid() { return *model_->closedLid(); }
 
 private:
     void makeClosedLid();
@@ -51,13 +51,14 @@ private:
     void makeAssertions();
     void followRequirements();
     void makeSurfaces();
+    SurfaceContext surfaceContext();
+    void registerShortcut();
     void listenToTerminals();
 
     AppEnvironment environment_;
     AppSurfaces* surfaces_;
     bool tracesAgents_;
     std::optional<AppModel> model_;
-    std::optional<ClosedLidController> closedLid_;
     std::optional<AgentSocketServer> agentSocket_;
     std::optional<SessionEventHandler> eventHandler_;
     std::optional<PowerAssertionController> assertions_;

@@ -7,7 +7,21 @@
 
 namespace vespra {
 
+class AppearanceMonitoring;
 class AppModel;
+class MainLoop;
+class ObservedClock;
+class TaskScheduling;
+
+/// What every surface works with. All of it outlives the surfaces' use of it, which ends with the application.
+struct SurfaceContext {
+    AppModel& model;
+    MainLoop& mainLoop;
+    TaskScheduling& tasks;
+    /// The date, for what shows passing seconds.
+    const ObservedClock& clock;
+    const AppearanceMonitoring& appearance;
+};
 
 /// What the user sees and presses. The application in a terminal has none. Each of the `make` functions is called once,
 /// in this order, at launch; every other only after its own. Main thread only.
@@ -18,7 +32,7 @@ public:
     /// Takes the application to the front.
     virtual void activate() = 0;
 
-    virtual void makePanel(AppModel& model) = 0;
+    virtual void makePanel(const SurfaceContext& context) = 0;
     virtual bool isPanelVisible() const = 0;
     /// Under the status item.
     virtual void showPanel() = 0;
@@ -31,16 +45,13 @@ public:
         std::function<void()> onToggle;
         std::function<void()> onSettings;
     };
-    virtual void makeStatusItem(AppModel& model, StatusItemActions actions) = 0;
+    virtual void makeStatusItem(const SurfaceContext& context, StatusItemActions actions) = 0;
 
-    virtual void makeSettingsWindow(AppModel& model) = 0;
+    virtual void makeSettingsWindow(const SurfaceContext& context) = 0;
     /// At the page that it shows already, if none is given.
     virtual void showSettings(std::optional<SettingsTab> tab) = 0;
 
-    virtual void showOnboarding(AppModel& model) = 0;
-
-    /// The key that works from any application has been released.
-    virtual void registerShortcut(std::function<void()> onKeyUp) = 0;
+    virtual void showOnboarding(const SurfaceContext& context) = 0;
 };
 
 } // namespace vespra

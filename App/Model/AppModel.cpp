@@ -95,8 +95,8 @@ void AppModel::startUnconnected(const SessionPreferences& preferences)
 /// The obstacle to closed-lid mode may have gone since the last look.
 void AppModel::refreshClosedLid()
 {
-    if (closedLid)
-        closedLid->refreshUnlessReady();
+    if (const auto& controller = closedLid())
+        controller->refreshUnlessReady();
 }
 
 void AppModel::toggleSession()

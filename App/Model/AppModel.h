@@ -98,6 +98,14 @@ public:
     /// Why the last try to switch closed-lid mode on during a session was refused.
     const std::optional<StartRefusal>& closedLidToggleRefusal() const { return closedLidToggleRefusal_.get(); }
 
+    /// Carries out closed-lid mode, tells of the component and sets it up; null before launch.
+    const std::shared_ptr<ClosedLidController>& closedLid() const { return closedLid_.get(); }
+    /// Works with this model's coordinator.
+    void setClosedLidController(std::shared_ptr<ClosedLidController> controller)
+    {
+        closedLid_.set(std::move(controller));
+    }
+
     /// A session runs on a hot machine, and the heat will not end it.
     bool isRunningHot() const;
     /// The preferences ask for agents and none is connected.
@@ -115,8 +123,6 @@ public:
     /// Some session has ended.
     void sessionEnded() { agentCondition_.set(nullptr); }
 
-    /// Set at launch, for as long as the application runs.
-    ClosedLidController* closedLid = nullptr;
     /// Opens the settings window, at a page or where it was. Empty where there is none.
     std::function<void(std::optional<SettingsTab>)> showSettings;
     /// Opens the panel. Empty where there is none.
@@ -143,6 +149,7 @@ private:
     Observed<bool> showsRemainingTimeInMenuBar_;
     Observed<std::optional<StartRefusal>> closedLidToggleRefusal_;
     Observed<std::optional<SessionEnd>> dismissedEnd_;
+    Observed<std::shared_ptr<ClosedLidController>> closedLid_;
 };
 
 } // namespace vespra

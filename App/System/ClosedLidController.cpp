@@ -95,6 +95,7 @@ void ClosedLidController::limitWait(const std::shared_ptr<Request>& request, Sec
 void ClosedLidController::setStatus(HelperStatus status)
 {
     status_ = status;
+    told_.set({status_, isApplied_});
     coordinator_.updateHelper(status_, isApplied_);
     scheduleRetry();
 }

@@ -3,12 +3,12 @@
 #include "App/System/HelperConnection.h"
 #include "App/System/HelperService.h"
 #include "App/System/MachineFacts.h"
-#include "Log/SystemLog.h"
 #include "App/System/SystemPower.h"
-#include "Core/Session/AgentPolicy.h"
 #include "Core/Observation/ObservationLoop.h"
 #include "Core/Scheduling/TaskScheduling.h"
+#include "Core/Session/AgentPolicy.h"
 #include "Core/Session/SessionCoordinator.h"
+#include "Log/SystemLog.h"
 
 namespace vespra {
 
@@ -42,12 +42,15 @@ public:
     ClosedLidController(const ClosedLidController&) = delete;
     ClosedLidController& operator=(const ClosedLidController&) = delete;
 
-    const HelperStatus& status() const { return status_; }
+    // Followed by observation loops.
+    const HelperStatus& status() const { return told_.get().status; }
     /// The component has confirmed the override.
-    bool isApplied() const { return isApplied_; }
+    bool isApplied() const { return told_.get().isApplied; }
 
-    /// Registers the component: an action of the user's.
+    /// Registers the component, and takes the user to where it is approved if need be: an action of the user's.
     void install();
+    /// Takes the user to where the component is approved.
+    void openApproval() { environment_.service.openSettings(); }
     /// Takes the component out of the system: an action of the user's.
     void remove();
     /// Asks the system, and then the component, anew.
@@ -79,6 +82,12 @@ private:
     struct Request {
         std::function<void(const HelperUnreachable&)> giveUp;
         std::unique_ptr<ScheduledTask> limit;
+    };
+
+    struct Told {
+        HelperStatus status = helper::NotInstalled{};
+        bool isApplied = false;
+        bool operator==(const Told&) const = default;
     };
 
     HelperConnection& connection();
@@ -120,6 +129,8 @@ private:
     SystemLog log_;
     std::unique_ptr<HelperConnection> connection_;
     HelperStatus status_ = helper::NotInstalled{};
+    /// What the controller's own loop must not follow: the two as the coordinator and the views know them.
+    Observed<Told> told_;
     bool wantsApplied_ = false;
     bool isApplied_ = false;
     bool isQuitting_ = false;

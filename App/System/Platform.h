@@ -3,7 +3,9 @@
 // App/System: one header for each facility of the system, its adapters in linux/, macos/ and simulated/, and the
 // controllers that use them. Platform is all of them together.
 
+#include "App/System/AppearanceMonitoring.h"
 #include "App/System/DisplayControl.h"
+#include "App/System/GlobalShortcut.h"
 #include "App/System/HelperConnection.h"
 #include "App/System/HelperService.h"
 #include "App/System/LidMonitoring.h"
@@ -16,12 +18,12 @@
 #include "App/System/SystemSleepObserving.h"
 #include "App/System/Updater.h"
 #include "App/System/UserNotificationCenter.h"
+#include "Core/Energy/PowerSourceMonitoring.h"
+#include "Core/Energy/ThermalMonitoring.h"
 #include "Core/RawValue.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
 #include "Core/Scheduling/MainLoop.h"
-#include "Core/Energy/PowerSourceMonitoring.h"
 #include "Core/Scheduling/TaskScheduling.h"
-#include "Core/Energy/ThermalMonitoring.h"
 #include "Core/Scheduling/WallClock.h"
 
 #include <expected>
@@ -80,6 +82,8 @@ struct Platform {
     /// Of the heat alarm.
     std::unique_ptr<SoundPlayer> alarm;
     std::unique_ptr<LoginService> login;
+    std::unique_ptr<GlobalShortcut> shortcut;
+    std::unique_ptr<AppearanceMonitoring> appearance;
     /// Null where new versions come by other means, such as the system's packages.
     std::unique_ptr<Updater> updater;
     PlatformHelper helper;

@@ -80,11 +80,16 @@ _vespractl_machine()
         thermal) candidates="nominal fair serious critical" ;;
         helper) candidates="ready notInstalled awaitingApproval failed noBuiltInDisplay unsignedBuild refusing outdated
             stuck" ;;
+        appearance) candidates="light dark" ;;
+        contrast) candidates="normal high" ;;
+        motion) candidates="full reduced" ;;
         sleep) candidates="now" ;;
+        shortcut) candidates="pressed" ;;
         press) candidates="session.endingSoon/session.extend agents.finished/agents.cancelForcedAction" ;;
         "")
             compopt -o nospace
-            candidates="battery= charger= lid= display= screen= thermal= helper= sleep= update= press="
+            candidates="battery= charger= lid= display= screen= thermal= helper= appearance= contrast= motion= sleep=
+                shortcut= update= press="
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")

@@ -60,7 +60,8 @@ complete -c vespractl -n '__fish_seen_subcommand_from machine; and __fish_seen_s
     battery=none battery=20 battery=100 charger=on charger=off lid=open lid=closed display=internal display=external
     screen=on screen=off thermal=nominal thermal=fair thermal=serious thermal=critical helper=ready helper=notInstalled
     helper=awaitingApproval helper=failed helper=noBuiltInDisplay helper=unsignedBuild helper=refusing helper=outdated
-    helper=stuck sleep=now update= press=session.endingSoon/session.extend press=agents.finished/agents.cancelForcedAction'
+    helper=stuck appearance=light appearance=dark contrast=normal contrast=high motion=full motion=reduced sleep=now
+    shortcut=pressed update= press=session.endingSoon/session.extend press=agents.finished/agents.cancelForcedAction'
 complete -c vespractl -n '__vespractl_at hooks' -a 'status preview connect disconnect'
 complete -c vespractl -n '__fish_seen_subcommand_from hooks' -l home -r -a '(__fish_complete_directories)' \
     -d 'Another home directory'

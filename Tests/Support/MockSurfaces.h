@@ -9,16 +9,15 @@ namespace vespra {
 class MockSurfaces : public AppSurfaces {
 public:
     MOCK_METHOD(void, activate, (), (override));
-    MOCK_METHOD(void, makePanel, (AppModel&), (override));
+    MOCK_METHOD(void, makePanel, (const SurfaceContext&), (override));
     MOCK_METHOD(bool, isPanelVisible, (), (const, override));
     MOCK_METHOD(void, showPanel, (), (override));
     MOCK_METHOD(void, hidePanel, (), (override));
     MOCK_METHOD(bool, hasStatusItem, (), (const, override));
-    MOCK_METHOD(void, makeStatusItem, (AppModel&, StatusItemActions), (override));
-    MOCK_METHOD(void, makeSettingsWindow, (AppModel&), (override));
+    MOCK_METHOD(void, makeStatusItem, (const SurfaceContext&, StatusItemActions), (override));
+    MOCK_METHOD(void, makeSettingsWindow, (const SurfaceContext&), (override));
     MOCK_METHOD(void, showSettings, (std::optional<SettingsTab>), (override));
-    MOCK_METHOD(void, showOnboarding, (AppModel&), (override));
-    MOCK_METHOD(void, registerShortcut, (std::function<void()>), (override));
+    MOCK_METHOD(void, showOnboarding, (const SurfaceContext&), (override));
 };
 
 } // namespace vespra

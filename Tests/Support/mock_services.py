@@ -117,6 +117,9 @@ def result(call):
         note(member)
     elif member == "CheckAuthorization":
         return check_authorization(arguments)
+    elif member == "ReadAll":  # the settings portal: the properties of each interface by its name
+        return "a{sa{sv}}", {interface: dbus.Dictionary(state.properties.get((call.get_path(), interface), {}), "sv")
+                             for interface in arguments[0]}
     elif member == "Get":
         return "v", read_property(call, arguments[1])
     elif member == "GetAll":

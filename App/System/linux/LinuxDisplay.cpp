@@ -43,10 +43,9 @@ LinuxDisplay::LinuxDisplay(TaskScheduling& tasks, SystemLog log)
 {
 }
 
-/// Under Wayland an X server is there too, but it has no displays of its own.
 LinuxDisplay::Way LinuxDisplay::way()
 {
-    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("DISPLAY"))
+    if (isX11Session())
         return Way::x11;
     return desktop::isCurrent("GNOME") ? Way::gnome : desktop::isCurrent("KDE") ? Way::plasma : Way::none;
 }

@@ -11,12 +11,14 @@
 #include "App/System/linux/LinuxThermal.h"
 #include "App/System/linux/Logind.h"
 #include "App/System/linux/LogindSleep.h"
+#include "App/System/linux/PortalAppearance.h"
 #include "App/System/linux/ProcessSoundPlayer.h"
 #include "App/System/linux/SessionInhibitor.h"
 #include "App/System/linux/TimerfdScheduler.h"
+#include "App/System/linux/X11Shortcut.h"
 #include "App/System/QtMainLoop.h"
-#include "Host/Host.h"
 #include "HelperProtocol/Brand.h"
+#include "Host/Host.h"
 
 #include <QCoreApplication>
 
@@ -31,6 +33,7 @@ namespace {
 
     SystemLog assertionsLog() { return {Brand::appBundleID(), "assertions"}; }
     SystemLog notificationsLog() { return {Brand::appBundleID(), "notifications"}; }
+    SystemLog shortcutLog() { return {Brand::appBundleID(), "shortcut"}; }
     /// The name of the application's desktop files, without their ending.
     QString desktopEntry() { return QString::fromStdString(Brand::appBundleID()); }
     QString application() { return QString::fromStdString(Brand::appName()); }
@@ -167,6 +170,8 @@ std::expected<Platform, std::string> makeSystemPlatform()
         notificationsLog());
     platform.login = std::make_unique<AutostartEntry>(
         AutostartEntry::Place::standard(desktopEntry()), application(), QCoreApplication::applicationFilePath());
+    platform.shortcut = std::make_unique<X11Shortcut>(*platform.time.mainLoop, shortcutLog());
+    platform.appearance = std::make_unique<PortalAppearance>();
     platform.helper = makeLinuxHelper();
     return platform;
 }

@@ -8,14 +8,6 @@ namespace vespra {
 
 namespace {
 
-    struct Free {
-        void operator()(void* reply) const { std::free(reply); }
-    };
-    template <class Reply> std::unique_ptr<Reply, Free> owned(Reply* reply)
-    {
-        return std::unique_ptr<Reply, Free>{reply};
-    }
-
     bool has(xcb_connection_t* connection, xcb_extension_t& extension)
     {
         const auto* data = xcb_get_extension_data(connection, &extension);
@@ -23,6 +15,15 @@ namespace {
     }
 
 } // namespace
+
+bool isX11Session()
+{
+    const auto isSet = [](const char* variable) {
+        const auto* value = std::getenv(variable); // NOLINT(concurrency-mt-unsafe): nothing changes the environment
+        return value && *value;
+    };
+    return !isSet("WAYLAND_DISPLAY") && isSet("DISPLAY");
+}
 
 XcbConnection connectToX11()
 {

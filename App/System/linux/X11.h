@@ -2,6 +2,7 @@
 
 #include "App/System/linux/Inhibition.h"
 
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <xcb/xcb.h>
@@ -13,8 +14,21 @@ struct XcbDisconnect {
 };
 using XcbConnection = std::unique_ptr<xcb_connection_t, XcbDisconnect>;
 
+/// The user's session is an X server's own. Under Wayland an X server is there too, but it has neither displays nor all
+/// of the keyboard.
+bool isX11Session();
+
 /// Connects to the display of the environment; empty if there is none.
 XcbConnection connectToX11();
+
+struct XcbFree {
+    void operator()(void* message) const { std::free(message); }
+};
+/// A reply, an event or an error, which the caller of xcb owns.
+template <class Message> std::unique_ptr<Message, XcbFree> owned(Message* message)
+{
+    return std::unique_ptr<Message, XcbFree>{message};
+}
 
 /// Suspends the X server's own screen saver and screen blanking; ends with the connection.
 class X11ScreenSaver final : public Inhibition {

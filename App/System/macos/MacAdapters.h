@@ -1,6 +1,8 @@
 #pragma once
 
+#include "App/System/AppearanceMonitoring.h"
 #include "App/System/DisplayControl.h"
+#include "App/System/GlobalShortcut.h"
 #include "App/System/LidMonitoring.h"
 #include "App/System/LoginService.h"
 #include "App/System/PowerAssertionBackend.h"
@@ -8,10 +10,10 @@
 #include "App/System/SystemSleepObserving.h"
 #include "App/System/Updater.h"
 #include "App/System/UserNotificationCenter.h"
-#include "Core/Scheduling/DeadlineScheduling.h"
-#include "Core/Scheduling/MainLoop.h"
 #include "Core/Energy/PowerSourceMonitoring.h"
 #include "Core/Energy/ThermalMonitoring.h"
+#include "Core/Scheduling/DeadlineScheduling.h"
+#include "Core/Scheduling/MainLoop.h"
 
 #include <memory>
 
@@ -29,6 +31,8 @@ std::unique_ptr<DisplayControl> makeMacDisplay();
 std::unique_ptr<UserNotificationCenter> makeMacNotificationCenter(MainLoop& mainLoop);
 std::unique_ptr<SoundPlayer> makeMacSoundPlayer(MainLoop& mainLoop);
 std::unique_ptr<LoginService> makeMacLoginService();
+std::unique_ptr<GlobalShortcut> makeCarbonShortcut(MainLoop& mainLoop);
+std::unique_ptr<AppearanceMonitoring> makeMacAppearance();
 /// Null in an application without the updater's framework.
 std::unique_ptr<Updater> makeSparkleUpdater();
 

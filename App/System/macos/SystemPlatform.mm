@@ -51,6 +51,8 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.notifications = makeMacNotificationCenter(*platform.time.mainLoop);
     platform.alarm = makeMacSoundPlayer(*platform.time.mainLoop);
     platform.login = makeMacLoginService();
+    platform.shortcut = makeCarbonShortcut(*platform.time.mainLoop);
+    platform.appearance = makeMacAppearance();
     platform.updater = makeSparkleUpdater();
     platform.helper = makeMacHelper(*platform.time.mainLoop);
     return platform;

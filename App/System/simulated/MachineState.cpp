@@ -63,6 +63,20 @@ namespace {
         return value == "now";
     }
 
+    template <bool Appearance::* flag>
+    bool setAppearance(
+        MachineChange& change, std::string_view value, std::string_view whenTrue, std::string_view whenFalse)
+    {
+        change.state.appearance.*flag = value == whenTrue;
+        return value == whenTrue || value == whenFalse;
+    }
+
+    bool setShortcut(MachineChange& change, std::string_view value)
+    {
+        change.pressesShortcut = true;
+        return value == "pressed";
+    }
+
     bool setUpdate(MachineChange& change, std::string_view value)
     {
         change.update = value;
@@ -82,7 +96,7 @@ namespace {
     using State = MachineState;
     using Text = std::string_view;
 
-    constexpr std::array<Key, 10> keys{{
+    constexpr std::array<Key, 14> keys{{
         {"battery",
             "0..100|none",
             setBattery,
@@ -113,7 +127,26 @@ namespace {
             "ready|notInstalled|awaitingApproval|failed|noBuiltInDisplay|unsignedBuild|refusing|outdated|stuck",
             setHelper,
             [](const State& state) { return std::string{rawValue(state.helper)}; }},
+        {"appearance",
+            "light|dark",
+            [](Change& change, Text value) {
+                return setAppearance<&Appearance::isDark>(change, value, "dark", "light");
+            },
+            [](const State& state) -> std::string { return state.appearance.isDark ? "dark" : "light"; }},
+        {"contrast",
+            "normal|high",
+            [](Change& change, Text value) {
+                return setAppearance<&Appearance::hasHighContrast>(change, value, "high", "normal");
+            },
+            [](const State& state) -> std::string { return state.appearance.hasHighContrast ? "high" : "normal"; }},
+        {"motion",
+            "full|reduced",
+            [](Change& change, Text value) {
+                return setAppearance<&Appearance::reducesMotion>(change, value, "reduced", "full");
+            },
+            [](const State& state) -> std::string { return state.appearance.reducesMotion ? "reduced" : "full"; }},
         {"sleep", "now", setSleep, nullptr},
+        {"shortcut", "pressed", setShortcut, nullptr},
         {"update", "VERSION", setUpdate, nullptr},
         {"press", "NOTIFICATION[/ACTION]", setPress, nullptr},
     }};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "App/System/AppearanceMonitoring.h"
 #include "App/System/simulated/SimulatedHelperMode.h"
 #include "App/System/UserNotificationCenter.h"
 #include "Core/Energy/PowerSnapshot.h"
@@ -22,6 +23,7 @@ struct MachineState {
     bool isScreenOn = true;
     ThermalLevel thermal = ThermalLevel::nominal;
     SimulatedHelperMode helper = SimulatedHelperMode::notInstalled;
+    Appearance appearance;
 
     PowerSnapshot power() const { return {.isOnACPower = hasCharger || !battery, .batteryLevel = battery}; }
     bool isClosedWithoutExternalDisplay() const { return isLidClosed && !hasExternalDisplay; }
@@ -39,6 +41,8 @@ struct MachineChange {
     bool sleepsNow = false;
     /// A version of the application that has come out.
     std::optional<std::string> update;
+    /// The user presses and releases the keys of the global shortcuts.
+    bool pressesShortcut = false;
     /// What the user does with a notification, last of all.
     std::optional<NotificationResponse> response;
 };

@@ -21,6 +21,8 @@ std::expected<void, std::string> SimulatedMachine::set(const MachineSettings& se
     }
     if (change->update)
         notify(onUpdate, *change->update);
+    if (change->pressesShortcut)
+        notify(onShortcut);
     return change->response ? respond(*change->response) : std::expected<void, std::string>{};
 }
 

@@ -56,6 +56,9 @@ public:
     /// Called with each version of the application that comes out.
     std::function<void(const std::string& version)> onUpdate;
 
+    /// Called when the keys of the global shortcuts have been pressed and released.
+    std::function<void()> onShortcut;
+
     /// Called after every change of the state; for as long as the machine is there.
     void onChange(std::function<void()> listener) { listeners_.push_back(std::move(listener)); }
     /// Called with true when the machine goes to sleep and with false when it wakes up.

@@ -1,6 +1,7 @@
 #include "App/System/simulated/SimulatedPlatform.h"
 
 #include "App/System/Reading.h"
+#include "App/System/simulated/SimulatedDesktop.h"
 #include "App/System/simulated/SimulatedGeneral.h"
 #include "App/System/simulated/SimulatedHelper.h"
 #include "App/System/simulated/SimulatedNotifications.h"
@@ -200,6 +201,8 @@ Platform makeSimulatedPlatform(PlatformTime time)
     platform.notifications = std::make_unique<SimulatedNotifications>(machine);
     platform.alarm = std::make_unique<SimulatedAlarm>(machine, *platform.time.mainLoop, *platform.time.tasks);
     platform.login = std::make_unique<SimulatedLoginService>();
+    platform.shortcut = std::make_unique<SimulatedShortcut>(*machine);
+    platform.appearance = std::make_unique<SimulatedAppearance>(machine);
     platform.updater = std::make_unique<SimulatedUpdater>(machine, *platform.time.clock);
     platform.helper = makeSimulatedHelper(machine, *platform.time.mainLoop);
     return platform;

@@ -44,13 +44,11 @@ namespace {
             ON_CALL(surfaces, showPanel).WillByDefault(Assign(&isPanelVisible, true));
             ON_CALL(surfaces, hidePanel).WillByDefault(Assign(&isPanelVisible, false));
             ON_CALL(surfaces, makeStatusItem).WillByDefault(SaveArg<1>(&actions));
-            ON_CALL(surfaces, registerShortcut).WillByDefault(SaveArg<0>(&shortcut));
         }
 
         NiceMock<MockSurfaces> surfaces;
         bool isPanelVisible = false;
         AppSurfaces::StatusItemActions actions;
-        std::function<void()> shortcut;
     };
 
 } // namespace
@@ -73,7 +71,6 @@ TEST_F(AppDelegateTest, LaunchesInItsOrder)
         EXPECT_CALL(surfaces, makeStatusItem);
         EXPECT_CALL(surfaces, makeSettingsWindow);
         EXPECT_CALL(surfaces, showOnboarding);
-        EXPECT_CALL(surfaces, registerShortcut);
     }
     laptop.platform.notifications = std::move(notifications);
     laptop.platform.lid = std::move(lid);
@@ -83,7 +80,7 @@ TEST_F(AppDelegateTest, LaunchesInItsOrder)
     EXPECT_TRUE(coordinator().conditions().lidClosedWithoutExternalDisplay);
     EXPECT_FALSE(model().needsAgentConnection({.mode = SessionMode::agent})) << "the agents are known";
     EXPECT_TRUE(fs::exists(support / "control.sock"));
-    EXPECT_EQ(model().closedLid, &delegate->closedLid());
+    EXPECT_EQ(model().closedLid().get(), &delegate->closedLid());
 }
 
 TEST_F(AppDelegateTest, ShowsTheOnboardingOnce)
@@ -112,10 +109,36 @@ TEST_F(AppDelegateTest, JoinsTheSurfacesWithTheModel)
     notify(model().showPanel);
     actions.onSettings();
     notify(model().showSettings, SettingsTab::power);
-    shortcut();
+}
+
+TEST_F(AppDelegateTest, TheShortcutTogglesASessionAlsoWithoutWindows)
+{
+    launch();
+    const MachineSettings press{{"shortcut", "pressed"}};
+    laptop.set(press);
     EXPECT_TRUE(isActive());
-    shortcut();
+    laptop.set(press);
     EXPECT_EQ(lastEnd(), "stoppedByUser");
+    delegate->willTerminate();
+    laptop.set(press);
+    EXPECT_FALSE(isActive());
+}
+
+TEST_F(AppDelegateTest, ViewsFollowTheComponentAndSetItUp)
+{
+    launch();
+    std::string seen;
+    const ObservationLoop view{laptop.mainLoop, [&] {
+                                   const auto& closedLid = *model().closedLid();
+                                   seen += std::string{caseName(closedLid.status())}
+                                       + (closedLid.isApplied() ? " applied " : " ");
+                               }};
+    model().closedLid()->install();
+    laptop.advance(1s);
+    prefer(SessionMode::unlimited, {.closedLid = true});
+    model().start();
+    laptop.advance(1s);
+    EXPECT_EQ(seen, "notInstalled ready ready applied ");
 }
 
 TEST_F(AppDelegateTest, TellsTheUserOfWhatTheyDidNotDo)
@@ -225,8 +248,7 @@ TEST_F(AppDelegateTest, CallbacksOfTheSystemOutliveIt)
     delegate.reset();
     willSleep();
     actions.onToggle();
-    shortcut();
-    laptop.set({{"charger", "off"}, {"thermal", "critical"}});
+    laptop.set({{"shortcut", "pressed"}, {"charger", "off"}, {"thermal", "critical"}});
 }
 
 } // namespace vespra

@@ -2,9 +2,11 @@
 #include "App/System/linux/LinuxLid.h"
 #include "App/System/linux/LinuxPowerSource.h"
 #include "App/System/linux/LogindSleep.h"
+#include "App/System/linux/PortalAppearance.h"
 #include "App/System/linux/SessionInhibitor.h"
 #include "App/System/linux/TimerfdScheduler.h"
 #include "App/System/QtMainLoop.h"
+#include "Core/Observation/ObservationLoop.h"
 #include "Core/Scheduling/VirtualTime.h"
 #include "HelperProtocol/UnixSocket.h"
 #include "Tests/Support/FakeMonitors.h"
@@ -311,6 +313,34 @@ TEST_F(LinuxServices, LidFollowsUPowerOrElseLogindAndTheDisplays)
     time.advance(5s);
     QtApplication::runUntil([&] { return told.size() == 4; });
     EXPECT_FALSE(lid.isClosedWithoutExternalDisplay());
+}
+
+TEST_F(LinuxServices, AppearanceFollowsThePortal)
+{
+    const auto portal = "org.freedesktop.portal.Desktop", path = "/org/freedesktop/portal/desktop";
+    const auto common = "org.freedesktop.appearance", gnomes = "org.gnome.desktop.interface";
+    QtMainLoop loop;
+    PortalAppearance appearance;
+    std::vector<Appearance> seen;
+    const ObservationLoop view{loop, [&] { seen.push_back(appearance.current()); }};
+    const auto next = [&] {
+        seen.clear();
+        QtApplication::runUntil([&] { return !seen.empty(); });
+        return seen.back();
+    };
+    const auto change = [&](const char* interface, const char* name, const QVariant& value) {
+        bus().setProperty(path, interface, name, value);
+        bus().emitSignal(path, "org.freedesktop.portal.Settings", "SettingChanged", {interface, name});
+        return next();
+    };
+    bus().setProperty(path, common, "color-scheme", 1U);
+    bus().own(portal);
+    EXPECT_EQ(next(), (Appearance{.isDark = true}));
+    EXPECT_EQ(change(common, "contrast", 1U), (Appearance{.isDark = true, .hasHighContrast = true}));
+    EXPECT_EQ(change(common, "color-scheme", 2U), (Appearance{.hasHighContrast = true})) << "light is wanted";
+    EXPECT_EQ(change(gnomes, "enable-animations", false), (Appearance{.hasHighContrast = true, .reducesMotion = true}));
+    bus().disown(portal);
+    EXPECT_EQ(next(), Appearance{});
 }
 
 TEST_F(LinuxServices, SleepIsDelayedUntilTheEndOfTheSessionHasBeenDealtWith)

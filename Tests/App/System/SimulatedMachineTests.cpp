@@ -43,7 +43,9 @@ TEST(MachineSettings, RefuseWhatTheyDoNotTake)
              {"display", "two"},
              {"thermal", "hot"},
              {"helper", "Ready"},
+             {"appearance", "auto"},
              {"sleep", "later"},
+             {"shortcut", "now"},
              {"press", ""},
              {"press", "/session.extend"},
              {"press", "session.endingSoon/"}}) {

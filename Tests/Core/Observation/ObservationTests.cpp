@@ -1,5 +1,7 @@
 #include "Core/Observation/ObservationLoop.h"
 #include "Core/Observation/Observed.h"
+#include "Core/Observation/ObservedClock.h"
+#include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/ManualMainLoop.h"
 
 #include <gtest/gtest.h>
@@ -97,6 +99,28 @@ TEST_F(Observation, ValuesMayEndBeforeTheirReaders)
     ObservationLoop loop{mainLoop, [&] { runs += shortLived ? std::to_string(shortLived->get()) : "-"; }};
     shortLived.reset();
     EXPECT_EQ(mainLoop.run(), 0);
+}
+
+TEST_F(Observation, TheClockTicksAtWholeSecondsWhileSomebodyReadsIt)
+{
+    VirtualTime time;
+    const ObservedClock clock{time, time};
+    clock.now(time.now());
+    EXPECT_EQ(time.pendingTasks(), 0U) << "not read inside a loop";
+    for (const Seconds anchor : {-0.4s, 3.6s}) { // counted up and down
+        runs.clear();
+        std::optional<ObservationLoop> loop;
+        const auto start = time.now();
+        loop.emplace(mainLoop, [&] { runs += std::to_string(static_cast<int>((clock.now(start + anchor) - start).count() * 100 + 0.5)) + " "; });
+        for (int turn = 0; turn < 30; ++turn) {
+            time.advance(100ms);
+            mainLoop.run();
+        }
+        EXPECT_EQ(runs, "0 70 170 270 ");
+        loop.reset();
+        time.advance(2s);
+        EXPECT_EQ(time.pendingTasks(), 0U) << "nobody reads it any more";
+    }
 }
 
 } // namespace
