@@ -1,11 +1,11 @@
 #include "App/Launch/AppDelegate.h"
 
 #include "App/Model/PreferencesStore.h"
-#include "Log/StandardError.h"
-#include "Log/SystemLog.h"
 #include "App/Wording/Localized.h"
 #include "Core/Coding/DisplayText.h"
 #include "HelperProtocol/Brand.h"
+#include "Log/StandardError.h"
+#include "Log/SystemLog.h"
 
 #include <cstdlib>
 
@@ -179,9 +179,8 @@ void AppDelegate::makeSurfaces()
 
 void AppDelegate::registerShortcut()
 {
-    const auto registered = environment_.platform.shortcut->set(toggleSessionShortcut,
-        defaultToggleSessionKeys,
-        lifetime_.guard([this] { model_->toggleSession(); }));
+    const auto registered = environment_.platform.shortcut->set(
+        toggleSessionShortcut, defaultToggleSessionKeys, lifetime_.guard([this] { model_->toggleSession(); }));
     if (registered)
         return;
     const SystemLog log{Brand::appBundleID(), "shortcut"};

@@ -3,9 +3,9 @@
 // App/Launch: from the command line to a running application, and its end. AppDelegate joins everything.
 
 #include "App/Agents/AgentSocketServer.h"
-#include "App/Model/AppModel.h"
-#include "App/Launch/AppSurfaces.h"
 #include "App/ControlSocket/ControlServer.h"
+#include "App/Launch/AppSurfaces.h"
+#include "App/Model/AppModel.h"
 #include "App/Notifications/SessionEventHandler.h"
 #include "App/System/ClosedLidController.h"
 #include "App/System/PowerAssertionController.h"

@@ -134,11 +134,14 @@ TEST_F(AppDelegateTest, ViewsFollowTheComponentAndSetItUp)
                                        + (closedLid.isApplied() ? " applied " : " ");
                                }};
     model().closedLid()->install();
-    laptop.advance(1s);
+    laptop.settle();
+    laptop.set({{"helper", "ready"}});
+    model().closedLid()->refreshStatus();
+    laptop.settle();
     prefer(SessionMode::unlimited, {.closedLid = true});
     model().start();
     laptop.advance(1s);
-    EXPECT_EQ(seen, "notInstalled ready ready applied ");
+    EXPECT_EQ(seen, "notInstalled awaitingApproval ready ready applied ");
 }
 
 TEST_F(AppDelegateTest, TellsTheUserOfWhatTheyDidNotDo)
