@@ -51,7 +51,7 @@ struct SessionClock {
 };
 SessionClock sessionClock(const ActiveSession& session, Instant now);
 
-/// The moment from which, or to which, the session's clock counts whole seconds.
+/// The moment from which, or to which, the session's clock counts whole seconds: what `model.clock()` is asked with.
 Instant clockAnchor(const ActiveSession& session);
 
 /// The time left, beside the menu-bar item: a blank and the countdown. Absent while it is not to be shown.

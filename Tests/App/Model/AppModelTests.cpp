@@ -1,5 +1,3 @@
-#include "App/Model/PanelFacts.h"
-
 #include "App/Model/PreferencesStore.h"
 #include "Tests/Support/LaunchedApplication.h"
 
@@ -221,38 +219,6 @@ TEST_F(AppModelTest, CommandsShareASessionAndItsOptionsGoWithTheLastThatAskedFor
     commands.end(command);
     EXPECT_FALSE(model().isClosedLidOn());
     EXPECT_TRUE(isActive()) << "the user's";
-}
-
-TEST_F(AppModelTest, ShowsTheEndByAGuardrailUntilItIsDismissed)
-{
-    const auto endByCharger = [this] {
-        laptop.set({{"charger", "on"}});
-        model().start();
-        laptop.set({{"charger", "off"}});
-    };
-    endByCharger();
-    ASSERT_TRUE(panelFacts::visibleGuardrailEnd(model()));
-    model().dismissEnd();
-    EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model()));
-    laptop.advance(1s);
-    endByCharger();
-    EXPECT_TRUE(panelFacts::visibleGuardrailEnd(model())) << "another end";
-    laptop.set({{"charger", "on"}});
-    model().start();
-    EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model())) << "a session runs";
-    model().toggleSession();
-    EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model())) << "no guardrail's";
-}
-
-TEST_F(AppModelTest, NamesTheAgentThatFinished)
-{
-    EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), "Your agents are done");
-    agent(AgentSignal::working);
-    agent(AgentSignal::finished);
-    EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), "Claude Code finished in project");
-    model().agents().record({.agent = AgentKind::codex, .sessionID = "b", .signal = AgentSignal::working});
-    model().agents().record({.agent = AgentKind::codex, .sessionID = "b", .signal = AgentSignal::finished});
-    EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), "Codex is done");
 }
 
 TEST_F(AppModelTest, WhatFollowsTheAgentsIsSkippedOnceOrCalledOff)

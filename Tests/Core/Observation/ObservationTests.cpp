@@ -111,7 +111,9 @@ TEST_F(Observation, TheClockTicksAtWholeSecondsWhileSomebodyReadsIt)
         runs.clear();
         std::optional<ObservationLoop> loop;
         const auto start = time.now();
-        loop.emplace(mainLoop, [&] { runs += std::to_string(static_cast<int>((clock.now(start + anchor) - start).count() * 100 + 0.5)) + " "; });
+        loop.emplace(mainLoop, [&] {
+            runs += std::to_string(static_cast<int>((clock.now(start + anchor) - start).count() * 100 + 0.5)) + " ";
+        });
         for (int turn = 0; turn < 30; ++turn) {
             time.advance(100ms);
             mainLoop.run();
