@@ -37,14 +37,11 @@ namespace {
         return name ? memberFor(name->get_ref<const std::string&>()) : nullptr;
     }
 
-    /// Of a key that comes twice the last value counts, whatever it is. False if `json` is none.
-    bool read(std::string_view json, std::optional<std::string>& member)
+    /// Absent for what is no text, and for a text that cannot stand in UTF-8: an event is not lost with it.
+    std::optional<std::string> readableText(std::string_view json)
     {
-        auto value = parsedJSON(json);
-        if (!value)
-            return false;
-        member = value->is_string() ? std::optional{std::move(value->get_ref<std::string&>())} : std::nullopt;
-        return true;
+        auto text = json.starts_with('"') ? parsedJSON(json) : std::nullopt;
+        return text ? std::optional{std::move(text->get_ref<std::string&>())} : std::nullopt;
     }
 
     bool isWhitespace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
@@ -271,10 +268,8 @@ void HookInputParser::separate()
 void HookInputParser::endValue()
 {
     place_ = closings_.empty() ? Place::end : Place::afterValue;
-    if (!wanted_ || closings_.size() > 1)
-        return;
-    if (!read(std::exchange(kept_, {}), input_.*std::exchange(wanted_, nullptr)))
-        place_ = Place::wrong;
+    if (wanted_ && closings_.size() <= 1)
+        input_.*std::exchange(wanted_, nullptr) = readableText(std::exchange(kept_, {}));
 }
 
 void HookInputParser::keep(std::string_view bytes)

@@ -8,8 +8,9 @@
 
 namespace vespra {
 
-/// What Vespra reads of a hook's input. A member is absent when its key is missing or holds anything but a string; the
-/// megabytes that may stand beside it are skipped.
+/// What Vespra reads of a hook's input. A member is absent when its key is missing or holds anything but a text in
+/// Unicode, such as one that was cut within a character; of a key that comes twice the last value counts. The megabytes
+/// that may stand beside them are skipped.
 struct HookInput {
     std::optional<std::string> hookEventName; // "hook_event_name"
     std::optional<std::string> sessionID; // "session_id"
@@ -20,9 +21,9 @@ struct HookInput {
     bool operator==(const HookInput&) const = default;
 };
 
-/// Absent if `json` is not one JSON object. The values of these keys must be valid JSON in every respect. Of all other
-/// values only the structure is checked: agents cut texts in the middle of a character, which leaves half a pair of
-/// escapes behind, and write numbers larger than any program holds.
+/// Absent if `json` does not have the structure of one JSON object. Which escapes, bytes and sizes its texts and numbers
+/// hold does not matter: agents cut texts in the middle of a character, which leaves half a pair of escapes behind, and
+/// write numbers larger than any program holds.
 std::optional<HookInput> parsedHookInput(std::string_view json);
 /// The same of an object that has been parsed already.
 HookInput hookInput(const JSON& object);

@@ -40,8 +40,9 @@ TEST(AgentEvent, ComesFromTheHookInput)
             {"", {}},
             {"{\"session_id\":\"\xff\",\"hook_event_name\":\"Stop\"}", {}},
             {R"({"session_id":"\ud83d","hook_event_name":"Stop"})", {}},
-            {R"({"session_id":"s","hook_event_name":"Stop","cwd":["\ud83d"]})", {}},
-            {R"({"session_id":"s","hook_event_name":"Stop","cwd":1e999})", {}},
+            // What is no text in UTF-8 is only left out
+            {R"({"session_id":"s","hook_event_name":"Stop","cwd":["\ud83d"],"message":1e999})", AgentSignal::finished},
+            {R"({"session_id":"s","hook_event_name":"Stop","cwd":"/x","cwd":"/caf\udce9"})", AgentSignal::finished},
             // Whatever else stands in the object does not matter
             {R"({"tool_input":{"session_id":"x","hook_event_name":"Stop"},"session_id":"s","hook_event_name":"PostToolUse",
                  "transcript_path":null,"list":[{"session_id":"y"}],"big":1e300,"yes":true})",
@@ -82,7 +83,7 @@ TEST(AgentEvent, NeedsOnlyTheFormOfWhatIsNotWanted)
 TEST(AgentEvent, OfANotificationFollowsItsTypeAndElseItsMessage)
 {
     for (const auto& [members, signal] : std::vector<std::pair<std::string, std::optional<AgentSignal>>>{
-             {R"("notification_type":"permission_prompt")", AgentSignal::waitingForApproval},
+             {R"("notification_type":"permission_prompt","message":"\ud83d")", AgentSignal::waitingForApproval},
              {R"("notification_type":"agent_needs_input")", AgentSignal::waitingForApproval},
              {R"("notification_type":"elicitation_dialog")", AgentSignal::waitingForApproval},
              {R"("notification_type":"idle_prompt","message":"needs your permission")", AgentSignal::finished},
