@@ -144,7 +144,7 @@ class DaemonTest(unittest.TestCase):
         self.assert_untouched()
 
     def test_a_slow_disk_makes_no_lease_longer(self):
-        self.enabled(lease=2, DELAY="60000")
+        self.client = self.enabled(lease=2, DELAY="60000")  # stays connected
         self.assertTrue(self.is_held())
         wait("the end of the lock", lambda: not self.is_held(), 3.0)
 
