@@ -198,10 +198,11 @@ void HelperDaemon::sleepNow(HelperReply<HelperRefusal> reply, int triesLeft)
         return reply(refusal(slept));
     const auto due = machine_.tasks.continuousNow() + sleepRetryInterval;
     sleepRetry_ = machine_.tasks.schedule(sleepRetryInterval, lifetime_.guard([this, reply, triesLeft, due] {
-        if (!wasSleptOver(due, machine_.tasks.continuousNow()))
+        const bool hasSlept = wasSleptOver(due, machine_.tasks.continuousNow());
+        if (!hasSlept && leases_.isIdle())
             return sleepNow(reply, triesLeft - 1);
         sleepRetry_.reset();
-        reply(HelperRefusal{});
+        reply(hasSlept ? HelperRefusal{} : HelperRefusal{"le mode capot fermé a été activé entre-temps"});
     }));
 }
 

@@ -313,17 +313,19 @@ void ClosedLidController::scheduleHeartbeat()
 void ClosedLidController::heartbeat()
 {
     scheduleHeartbeat();
-    send(&HelperXPCProtocol::heartbeat, replyLimit, [this](const std::expected<bool, HelperUnreachable>& inForce) {
-        if (!wantsApplied_ || isChanging_)
-            return;
-        if (!inForce)
-            return unreachable(inForce.error());
-        if (*inForce)
-            return;
-        isApplied_ = false;
-        setStatus(status_);
-        doWhatIsWanted();
-    });
+    send(&HelperXPCProtocol::heartbeat,
+        heartbeatReplyLimit,
+        [this](const std::expected<bool, HelperUnreachable>& inForce) {
+            if (!wantsApplied_ || isChanging_)
+                return;
+            if (!inForce)
+                return unreachable(inForce.error());
+            if (*inForce)
+                return;
+            isApplied_ = false;
+            setStatus(status_);
+            doWhatIsWanted();
+        });
 }
 
 void ClosedLidController::restore()
@@ -384,15 +386,16 @@ void ClosedLidController::sleepNow()
 {
     if (!isReady(status_))
         return sleepDirectly();
-    send(
-        &HelperXPCProtocol::sleepNow, replyLimit, [this](const std::expected<HelperRefusal, HelperUnreachable>& reply) {
-            if (!reply)
+    send(&HelperXPCProtocol::sleepNow,
+        replyLimit,
+        [this, due = environment_.tasks.continuousNow() + replyLimit](
+            const std::expected<HelperRefusal, HelperUnreachable>& reply) {
+            if (!reply) {
                 unreachable(reply.error());
-            else if (const auto& refusal = *reply)
+                if (!isOvertaken(due))
+                    sleepDirectly();
+            } else if (const auto& refusal = *reply)
                 log_.error("Mise en veille refusée par le helper : " + *refusal);
-            else
-                return;
-            sleepDirectly();
         });
 }
 
@@ -401,8 +404,10 @@ void ClosedLidController::shutDown()
     if (!isReady(status_))
         return sleepNow();
     isShuttingDown_.set(true);
-    send(
-        &HelperXPCProtocol::shutDown, replyLimit, [this](const std::expected<HelperRefusal, HelperUnreachable>& reply) {
+    send(&HelperXPCProtocol::shutDown,
+        replyLimit,
+        [this, due = environment_.tasks.continuousNow() + replyLimit](
+            const std::expected<HelperRefusal, HelperUnreachable>& reply) {
             isShuttingDown_.set(false);
             if (!reply)
                 unreachable(reply.error());
@@ -410,8 +415,16 @@ void ClosedLidController::shutDown()
                 log_.error("Extinction refusée par le helper : " + *refusal);
             else
                 return;
-            shutDownDirectly();
+            if (!isOvertaken(due))
+                sleepNow();
         });
+}
+
+/// Whoever has started a session, or woken the computer, since something was asked of the component is not to be
+/// surprised by what would take its place. `due` is when the reply was.
+bool ClosedLidController::isOvertaken(ContinuousInstant due) const
+{
+    return coordinator_.state().isActive() || environment_.tasks.continuousNow() - due > lateness;
 }
 
 void ClosedLidController::sleepDirectly()
@@ -420,16 +433,6 @@ void ClosedLidController::sleepDirectly()
         if (!result)
             log.error("Mise en veille impossible : " + result.error());
     });
-}
-
-void ClosedLidController::shutDownDirectly()
-{
-    environment_.power.shutDown(lifetime_.guard([this](const std::expected<void, std::string>& result) {
-        if (result)
-            return;
-        log_.error("Extinction impossible : " + result.error());
-        sleepDirectly();
-    }));
 }
 
 void ClosedLidController::perform(AgentEndAction action)

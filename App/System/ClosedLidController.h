@@ -4,6 +4,7 @@
 #include "App/System/HelperService.h"
 #include "App/System/MachineFacts.h"
 #include "App/System/SystemPower.h"
+#include "Core/ClosedLid/ClosedLidLease.h"
 #include "Core/Observation/ObservationLoop.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Core/Session/AgentPolicy.h"
@@ -37,6 +38,9 @@ public:
     static constexpr Seconds replyLimit = 25s;
     /// Enabling may wait for the user's password.
     static constexpr Seconds enableReplyLimit = 120s;
+    /// A heartbeat that is not answered by then may not have come, and the lease of the one before has run out.
+    static constexpr Seconds heartbeatReplyLimit
+        = ClosedLidLease<ContinuousInstant>::defaultTimeout - HelperXPC::heartbeatInterval;
 
     ClosedLidController(SessionCoordinator& coordinator, ClosedLidEnvironment environment);
     ClosedLidController(const ClosedLidController&) = delete;
@@ -60,10 +64,10 @@ public:
     /// The status is being found out or changed, and may be another soon. Followed by observation loops.
     bool isSettling() const { return isAsking_.get() || isRegistering_.get(); }
 
-    /// Through the component; without it, directly.
+    /// Through the component; without it, directly. What the component refuses is not done otherwise.
     void sleepNow();
-    /// Through the component; without it the machine sleeps instead. The override stays until it has answered: a shut
-    /// computer would sleep first.
+    /// Through the component; without it, or refused, the machine sleeps instead. The override stays until it has
+    /// answered: a shut computer would sleep first.
     void shutDown();
     /// Carries out what follows an agent session.
     void perform(AgentEndAction action);
@@ -121,8 +125,8 @@ private:
     void restored(const std::expected<HelperRefusal, HelperUnreachable>& reply);
     void doWhatIsWanted();
 
+    bool isOvertaken(ContinuousInstant due) const;
     void sleepDirectly();
-    void shutDownDirectly();
 
     SessionCoordinator& coordinator_;
     ClosedLidEnvironment environment_;

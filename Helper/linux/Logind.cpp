@@ -2,6 +2,8 @@
 
 #include "HelperProtocol/Brand.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/epoll.h>
@@ -27,6 +29,13 @@ namespace {
             list.remove_prefix(colon == list.npos ? list.size() : colon + 1);
         }
         return false;
+    }
+
+    /// Of the values that the lid's settings may have; not "ignore", "lock" or "poweroff", which are other wishes.
+    bool meansSleep(std::string_view action)
+    {
+        static constexpr std::array sleeps{"suspend", "hibernate", "hybrid-sleep", "suspend-then-hibernate", "sleep"};
+        return std::ranges::find(sleeps, action) != sleeps.end();
     }
 
 } // namespace
@@ -235,7 +244,7 @@ bool LogindPower::shouldSleepForLid()
     const auto onCharger = isOnCharger ? manager_.text("HandleLidSwitchExternalPower") : std::nullopt;
     // The one for the charger is empty where it follows the other.
     const auto action = onCharger && !onCharger->empty() ? onCharger : manager_.text("HandleLidSwitch");
-    return action != "ignore" && !isLidHeldByOthers();
+    return meansSleep(action.value_or("suspend")) && !isLidHeldByOthers();
 }
 
 BusSlot LogindPower::onPrepareForSleep(std::function<void()> prepare)

@@ -24,6 +24,13 @@ namespace {
         return found;
     }
 
+    /// Leaves the details at the end unread: polkit tells there how it came to its verdict.
+    int readVerdict(sd_bus_message& reply, int& isAuthorized, int& isChallenge)
+    {
+        const int entered = sd_bus_message_enter_container(&reply, 'r', "bba{ss}");
+        return entered < 0 ? entered : sd_bus_message_read(&reply, "bb", &isAuthorized, &isChallenge);
+    }
+
     Authorization::Verdict denied(Authorization::Denial::Reason reason, const std::string& description)
     {
         return std::unexpected{Authorization::Denial{reason, description}};
@@ -111,7 +118,7 @@ int PolkitAuthorization::answered(sd_bus_message* reply, void* userdata, sd_bus_
     int isAuthorized = 0, isChallenge = 0;
     if (const auto* error = sd_bus_message_get_error(reply))
         answer(denied(Reason::unanswered, "polkit : " + std::string{error->message ? error->message : error->name}));
-    else if (const int read = sd_bus_message_read(reply, "(bba{ss})", &isAuthorized, &isChallenge, 0); read < 0)
+    else if (const int read = readVerdict(*reply, isAuthorized, isChallenge); read < 0)
         answer(denied(Reason::unanswered, "polkit : " + systemError(read)));
     else if (!isAuthorized)
         answer(denied(isChallenge ? Reason::needsAuthentication : Reason::denied, "polkit ne l'autorise pas"));

@@ -278,6 +278,13 @@ namespace {
         time.sleep(1h); // at the shut lid's instance
         EXPECT_EQ(refusals.size(), 3u);
         EXPECT_EQ(machine.deeds.size(), 1u) << "whoever opens the lid is not sent to sleep again";
+
+        machine.isDisabled = true;
+        session->sleepNow(note);
+        enable(*other);
+        time.advance(10s);
+        EXPECT_TRUE(heartbeat(*other)) << "it was asked for later";
+        EXPECT_TRUE(refusals.back());
     }
 
     TEST_F(HelperDaemonTest, AsksForSleepWhileTheLidStaysShut)

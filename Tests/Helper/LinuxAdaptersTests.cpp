@@ -176,6 +176,12 @@ namespace {
             launch();
             EXPECT_TRUE(shows(shown));
         }
+        PrivateBus::set(R"({"polkit": "password"})");
+        launch();
+        EXPECT_TRUE(shows(helper::AwaitingApproval{}));
+        helper.service->openSettings();
+        EXPECT_TRUE(shows(helper::Ready{})) << "although it counts only once";
+        startClosedLidSession();
     }
 
     TEST_F(LinuxAdaptersTest, WhatHasLetGoOfTheLidIsNoticedAtOnceAndTheLockTakenAgain)
@@ -195,15 +201,13 @@ namespace {
         }
     }
 
-    TEST_F(LinuxAdaptersTest, SleepsAndShutsDownThroughLogind)
+    TEST_F(LinuxAdaptersTest, SleepsThroughLogindWithoutAskingForAPassword)
     {
-        int done = 0;
-        const auto count = [&](const std::expected<void, std::string>& result) { done += result.has_value(); };
-        helper.power->sleepNow(count);
-        helper.power->shutDown(count);
-        ASSERT_TRUE(becomes([&] { return done == 2; }));
+        bool isDone = false;
+        helper.power->sleepNow([&](const auto& result) { isDone = result.has_value(); });
+        ASSERT_TRUE(becomes([&] { return isDone; }));
         const auto deeds = bus().deeds();
-        EXPECT_TRUE(deeds.contains("Suspend") && deeds.contains("PowerOff")) << deeds.constData();
+        EXPECT_TRUE(deeds.contains("Suspend") && deeds.contains("\"asks\": false")) << deeds.constData();
     }
 
     TEST_F(LinuxAdaptersTest, AHelperOtherThanTheApplicationsIsReplacedByTheApplicationsOwn)
@@ -224,9 +228,10 @@ namespace {
             return said.value_or(HelperServiceStatus::unknown);
         };
         const auto isSetUp = [&] {
-            std::optional<bool> succeeded;
-            service.registerService([&](const auto& result) { succeeded = result.has_value(); });
-            return becomes([&] { return succeeded.has_value(); }) && *succeeded;
+            std::vector<bool> succeeded; // whoever asks twice waits for one installation
+            for (int times = 0; times < 2; ++times)
+                service.registerService([&](const auto& result) { succeeded.push_back(result.has_value()); });
+            return becomes([&] { return succeeded.size() == 2; }) && std::ranges::count(succeeded, true) > 0;
         };
         EXPECT_EQ(status(), HelperServiceStatus::enabled) << "installed by other means";
         for (auto stale : {std::string{"older"}, std::string(textOf(own)->size(), 'x')}) {

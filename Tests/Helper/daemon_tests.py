@@ -271,7 +271,7 @@ class DaemonTest(unittest.TestCase):
 
     def test_sleeps_for_a_lid_that_stays_shut(self):
         lid = "handle-lid-switch"
-        for changes, sleeps in (({}, True), ({"docked": True}, False), ({"lidAction": "ignore"}, False),
+        for changes, sleeps in (({}, True), ({"docked": True}, False), ({"lidAction": "lock"}, False),
                                 ({"foreign": [[lid, "presentation", "talk", "block", 1000, 1]]}, False),
                                 ({"foreign": [["handle-power-key:" + lid, "desktop", "", "block", 1000, 1]]}, True)):
             with self.subTest(changes=changes):

@@ -94,7 +94,10 @@ def check_authorization(arguments):
     verdict = state.settings["polkit"]
     if verdict == "broken":
         raise Refused("no such action")
-    return "(bba{ss})", (verdict == "allow", verdict == "ask", {})
+    is_proved = verdict == "password" and bool(flags)
+    asks = verdict in ("ask", "password") and not is_proved
+    details = {"polkit.retains_authorization_after_challenge": "1"} if asks else {}
+    return "(bba{ss})", (verdict == "allow" or is_proved, asks, details)
 
 
 def result(call):
@@ -114,7 +117,7 @@ def result(call):
     elif member == "CanSuspend":
         return "s", state.settings["canSuspend"]
     elif member in ("Suspend", "PowerOff"):
-        note(member)
+        note(member, asks=bool(arguments[0]))
     elif member == "CheckAuthorization":
         return check_authorization(arguments)
     elif member == "ReadAll":  # the settings portal: the properties of each interface by its name

@@ -48,18 +48,14 @@ namespace {
         dbus::Call call_;
     };
 
-    /// Suspend and PowerOff as the active user's right. logind asks for a password where they are not.
+    /// Suspend as the active user's right.
     class LogindSystemPower final : public SystemPower {
     public:
-        void sleepNow(Done done) override { ask(QStringLiteral("Suspend"), std::move(done)); }
-        void shutDown(Done done) override { ask(QStringLiteral("PowerOff"), std::move(done)); }
-
-    private:
-        void ask(const QString& method, Done done)
+        void sleepNow(Done done) override
         {
             const int id = ++lastCall_;
             calls_[id] = dbus::call(dbus::systemBus(),
-                logind::manager().method(method, {true}),
+                logind::manager().method(QStringLiteral("Suspend"), {false}),
                 dbus::untilAnswered,
                 [this, id, done = std::move(done)](const QDBusMessage& reply) {
                     calls_.erase(id);
@@ -71,6 +67,7 @@ namespace {
                 });
         }
 
+    private:
         std::map<int, dbus::Call> calls_;
         int lastCall_ = 0;
     };

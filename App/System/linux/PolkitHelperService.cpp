@@ -100,7 +100,10 @@ void PolkitHelperService::status(std::function<void(HelperServiceStatus)> answer
             if (!reply.arguments().value(0).toStringList().contains(QLatin1String{installation::busName})
                 || programs_.areDifferent())
                 return answer(HelperServiceStatus::notRegistered);
-            askPolkit(false, dbus::readingTimeout, answer);
+            askPolkit(false, dbus::readingTimeout, [this, answer](HelperServiceStatus said) {
+                const bool isSettled = isApproved_ && said == HelperServiceStatus::requiresApproval;
+                answer(isSettled ? HelperServiceStatus::enabled : said);
+            });
         });
 }
 
@@ -113,40 +116,46 @@ void PolkitHelperService::askPolkit(bool mayAskTheUser, int timeout, Answer answ
 
 void PolkitHelperService::openSettings()
 {
-    askPolkit(true, dbus::untilAnswered, [this](HelperServiceStatus) { notify(onChange); });
+    askPolkit(true, dbus::untilAnswered, [this](HelperServiceStatus said) {
+        isApproved_ = said == HelperServiceStatus::enabled;
+        notify(onChange);
+    });
 }
 
 void PolkitHelperService::registerService(std::function<void(std::expected<void, std::string>)> done)
 {
-    const auto program = programs_.own;
-    if (installer_ || program.isEmpty())
-        return refuse(installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable", done);
-    status(lifetime_.guard([this, done, program](HelperServiceStatus current) {
+    if (isRefused(done))
+        return;
+    status(lifetime_.guard([this, done](HelperServiceStatus current) {
+        // Another may have begun meanwhile.
+        if (isRefused(done))
+            return;
         if (current != HelperServiceStatus::notRegistered && programs_.areInPlace())
             return done({});
-        change(program, QStringLiteral("--install"), done);
+        change(QStringLiteral("--install"), done);
     }));
 }
 
 void PolkitHelperService::unregisterService(std::function<void(std::expected<void, std::string>)> done)
 {
-    const auto program = programs_.own;
-    if (installer_ || program.isEmpty())
-        return refuse(installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable", done);
-    change(program, QStringLiteral("--uninstall"), done);
+    if (!isRefused(done))
+        change(QStringLiteral("--uninstall"), done);
 }
 
 /// Answers in a later turn.
-void PolkitHelperService::refuse(
-    const std::string& reason, const std::function<void(std::expected<void, std::string>)>& done)
+bool PolkitHelperService::isRefused(const std::function<void(std::expected<void, std::string>)>& done)
 {
+    if (!installer_ && !programs_.own.isEmpty())
+        return false;
+    const std::string reason = installer_ ? "une installation est déjà en cours" : "vespra-helper est introuvable";
     ask(dbus::bus().method(QStringLiteral("GetId")), dbus::readingTimeout, [done, reason](const QDBusMessage&) {
         done(std::unexpected{reason});
     });
+    return true;
 }
 
 void PolkitHelperService::change(
-    const QString& program, const QString& option, const std::function<void(std::expected<void, std::string>)>& done)
+    const QString& option, const std::function<void(std::expected<void, std::string>)>& done)
 {
     installer_ = std::make_unique<QProcess>();
     const auto finish = [this, done] { ended(done); };
@@ -155,7 +164,7 @@ void PolkitHelperService::change(
         if (error == QProcess::FailedToStart)
             finish();
     });
-    installer_->start(QStringLiteral("pkexec"), {program, option});
+    installer_->start(QStringLiteral("pkexec"), {programs_.own, option});
 }
 
 void PolkitHelperService::ended(const std::function<void(std::expected<void, std::string>)>& done)

@@ -31,16 +31,18 @@ private:
     void askPolkit(bool mayAskTheUser, int timeout, Answer answer);
     /// Tells `onChange` when the component appears on the bus, and when what the bus can start has changed.
     void watchBus();
-    /// Runs the component's own `program` as an administrator.
-    void change(const QString& program, const QString& option,
-        const std::function<void(std::expected<void, std::string>)>& done);
-    void refuse(const std::string& reason, const std::function<void(std::expected<void, std::string>)>& done);
+    /// Runs the application's own component as an administrator.
+    void change(const QString& option, const std::function<void(std::expected<void, std::string>)>& done);
+    /// One change at a time, and none without a program. If so, `done` is told.
+    bool isRefused(const std::function<void(std::expected<void, std::string>)>& done);
     void ended(const std::function<void(std::expected<void, std::string>)>& done);
 
     HelperPrograms programs_;
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
     std::unique_ptr<QProcess> installer_;
+    /// The user has proved that they may. Where that counts only once, the component has it proved again each time.
+    bool isApproved_ = false;
     QDBusConnection watched_{QString{}};
     std::optional<dbus::NameWatch> owner_;
     std::optional<dbus::SignalWatch> services_;

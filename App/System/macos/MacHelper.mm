@@ -130,10 +130,6 @@ namespace {
         {
         }
         void sleepNow(Done done) override { answer(std::move(done), sleep()); }
-        void shutDown(Done done) override
-        {
-            answer(std::move(done), std::unexpected{"seul le helper peut éteindre le Mac"});
-        }
 
     private:
         static std::expected<void, std::string> sleep()

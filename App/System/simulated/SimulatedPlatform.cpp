@@ -149,7 +149,6 @@ namespace {
             sleep();
             answer(std::move(done), {});
         }
-        void shutDown(Done done) override { answer(std::move(done), std::unexpected{"only with the helper"}); }
         void sleep() { std::ignore = machine_->set(MachineSettings{{"sleep", "now"}}); }
 
     private:
