@@ -147,7 +147,7 @@ TEST_F(PanelFacts, ClockCountsDownToAnEndThatIsPlannedElseUp)
              {timer, 7140.5s, {"1:00", until, "Session active, 1 minute left", 59.5 / 7200}},
              {timer, 2h + 9s, {"0:00", until, "Session active, 0 minutes left", 0.0}},
              {timer, -1h, {"3:00:00", until, "Session active, 3 hours left", 1.0}},
-             {session(plan::Until{end}, end, end),
+             {session(plan::Until{{2, 0}}, end, end),
                  0s,
                  {"2:00:00", until, "Session active, 2 hours left", 1.0}}, // no division by nothing
              {unlimited, 59.9s, {"0:59", "Unlimited · since " + since, "Session active since " + since, {}}},
@@ -170,6 +170,7 @@ TEST_F(PanelFacts, TimeLeftStandsInTheMenuBarWhileItIsCountedAndWanted)
     model().start();
     laptop.settle();
     model().setShowsRemainingTimeInMenuBar(true);
+    laptop.settle();
     laptop.advance(1.1s);
     model().setShowsRemainingTimeInMenuBar(false);
     laptop.advance(1min);
