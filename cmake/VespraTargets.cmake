@@ -51,6 +51,11 @@ function(vespra_write_layers file)
     file(WRITE "${file}" "${lines}")
 endfunction()
 
+# Most of a build is reading the same headers again, so sources are compiled several at a time. A build with OFF shows
+# that each file includes what it uses.
+option(CMAKE_UNITY_BUILD "Compile several sources at a time" ON)
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
+
 find_program(CCACHE ccache)
 if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")

@@ -10,7 +10,7 @@ namespace vespra {
 
 namespace {
 
-    std::string clock(const ActiveSession& session, Instant now)
+    std::string clockText(const ActiveSession& session, Instant now)
     {
         const auto remaining = session.remaining(now);
         if (remaining && session.mode() != SessionMode::agent)
@@ -63,7 +63,7 @@ std::string liveLine(
     const ActiveSession& session, Instant now, const AgentEndCondition* condition, const AgentTracker& tracker)
 {
     constexpr const char* separator = " · ";
-    auto line = clock(session, now);
+    auto line = clockText(session, now);
     if (condition)
         line += separator + phaseText(condition->phase(), now);
     for (const auto& agent : tracker.sessions())
