@@ -36,7 +36,7 @@ namespace {
     }
 
     /// Absent after a failure: it has been reported and `exitStatus` is set.
-    std::optional<JSON> ask(const MachineSettings& settings, int& exitStatus)
+    std::optional<JSON> askMachine(const MachineSettings& settings, int& exitStatus)
     {
         const auto path = machineProtocol::defaultPath();
         const auto answer = exchanged(path, machineProtocol::request(settings));
@@ -70,14 +70,14 @@ namespace {
         if (const auto change = changed(MachineState{}, settings); !change)
             return say(badInput, "machine: " + change.error());
         int exitStatus = done;
-        ask(settings, exitStatus);
+        askMachine(settings, exitStatus);
         return exitStatus;
     }
 
-    int get(bool asJSON)
+    int printMachine(bool asJSON)
     {
         int exitStatus = done;
-        const auto answer = ask({}, exitStatus);
+        const auto answer = askMachine({}, exitStatus);
         if (!answer)
             return exitStatus;
         if (asJSON)
@@ -104,7 +104,7 @@ void addMachineCommand(CLI::App& vespractl, int& exitStatus)
     auto* getting = command->add_subcommand("get", "Prints the state of the laptop");
     const auto asJSON = std::make_shared<bool>(false);
     getting->add_flag("--json", *asJSON, "As JSON, with what holds the laptop awake and what it shows");
-    getting->callback([asJSON, &exitStatus] { exitStatus = get(*asJSON); });
+    getting->callback([asJSON, &exitStatus] { exitStatus = printMachine(*asJSON); });
 }
 
 } // namespace vespra::control

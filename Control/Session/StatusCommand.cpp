@@ -12,7 +12,7 @@ namespace vespra::control {
 
 namespace {
 
-    bool print(const std::string& text) { return std::fputs(text.c_str(), stdout) >= 0 && process::isOutputWritten(); }
+    bool isPrinted(const std::string& text) { return std::fputs(text.c_str(), stdout) >= 0 && process::isOutputWritten(); }
 
     bool hasReader() { return process::hasReader(STDOUT_FILENO); }
 
@@ -56,7 +56,7 @@ namespace {
                 return ended();
             if (const auto failureStatus = failure(reply))
                 return *failureStatus;
-            if (!print(statusLine(*reply)))
+            if (!isPrinted(statusLine(*reply)))
                 return ended();
         }
     }
@@ -74,7 +74,7 @@ namespace {
                 return *failureStatus;
             if (auto text = description(*reply); text != shown) {
                 shown = std::move(text);
-                if (!print(shown))
+                if (!isPrinted(shown))
                     return ended();
             }
             std::this_thread::sleep_for(std::chrono::seconds{1});

@@ -176,7 +176,7 @@ namespace {
             launch();
             EXPECT_TRUE(shows(shown));
         }
-        PrivateBus::set(R"({"polkit": "password"})");
+        bus().set(R"({"polkit": "password"})");
         launch();
         EXPECT_TRUE(shows(helper::AwaitingApproval{}));
         helper.service->openSettings();
