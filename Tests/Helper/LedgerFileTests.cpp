@@ -65,7 +65,7 @@ namespace {
             EXPECT_EQ(ledger.read(), nothing);
             EXPECT_EQ(textOf(path.string() + ".bad"), text);
         }
-        putText(path, std::string(100'000, ' ') + "{}");
+        putText(path, std::string(100'000, ' ') + R"({"originalSleepDisabled":true,"appliedAt":0})");
         EXPECT_FALSE(ledger.read());
     }
 

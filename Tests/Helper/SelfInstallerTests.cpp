@@ -8,6 +8,7 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <map>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
@@ -163,6 +164,8 @@ namespace {
         const auto mode = [](const fs::path& path, int bits) { fs::permissions(path, static_cast<fs::perms>(bits)); };
         const SelfInstaller ofGroup{root.path(), {.owner = geteuid(), .callersGroup = getegid()}};
         mode(home.path(), 0775);
+        mode(program, 01757);
+        EXPECT_THAT(refusal(ofGroup), testing::StartsWith(program.string() + " can be changed"));
         mode(program, 0775);
         EXPECT_THAT(refusal(installer), testing::StartsWith(home.path().string() + " can be changed"));
         EXPECT_EQ(failure(ofGroup, program), "");
@@ -171,6 +174,7 @@ namespace {
         const FileDescriptor open{::open(program.c_str(), O_RDONLY | O_CLOEXEC)};
         fs::copy_file(program, elsewhere);
         fs::rename(elsewhere, program);
+        fs::copy_file(program, program.string() + " (deleted)"); // as the system calls the one that is open
         EXPECT_THAT(
             failure(ofGroup, "/proc/self/fd/" + std::to_string(open.get())), testing::HasSubstr("been replaced"));
         if (geteuid() == 0) {
@@ -181,6 +185,9 @@ namespace {
             EXPECT_THAT(refusal(ofGroup), testing::HasSubstr("it belongs to user 1234"));
             const SelfInstaller forCaller{root.path(), {.caller = 1234, .callersGroup = 0}};
             EXPECT_EQ(failure(forCaller, program), "");
+            EXPECT_TRUE(forCaller.verify(program));
+            ASSERT_EQ(chown((root / libexec / "vespra-helper").c_str(), 1234, 0), 0);
+            EXPECT_FALSE(forCaller.verify(program));
         }
     }
 
@@ -188,6 +195,12 @@ namespace {
     {
         constexpr int steps = 12; // six files and their directories
         EXPECT_FALSE(installer.install(home / "not there"));
+        {
+            const FileDescriptor other{::open(root.path().c_str(), O_RDONLY | O_CLOEXEC)};
+            ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
+            EXPECT_EQ(refusal(installer) + installer.uninstall().failures.at(0),
+                "Another installation is under way.Another installation is under way.");
+        }
         for (const bool isUpdate : {false, true})
             for (int step = 0; step < steps; ++step) {
                 SCOPED_TRACE(std::to_string(isUpdate) + ", step " + std::to_string(step));

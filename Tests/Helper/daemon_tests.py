@@ -82,7 +82,7 @@ class DaemonTest(unittest.TestCase):
         self.state = self.directory / "state"
         self.ledger = self.state / "sleep-override.json"
         self.set(polkit="allow", lid=False, docked=False, lidAction="suspend", foreign=[], inhibitFails=False,
-                 isSilent=False, others=[], canSuspend="yes")
+                 charger=None, isSilent=False, others=[], canSuspend="yes")
 
     def tearDown(self):
         self.end(signal.SIGKILL)
@@ -272,10 +272,11 @@ class DaemonTest(unittest.TestCase):
     def test_sleeps_for_a_lid_that_stays_shut(self):
         lid = "handle-lid-switch"
         for changes, sleeps in (({}, True), ({"docked": True}, False), ({"lidAction": "lock"}, False),
+                                ({"charger": "ignore"}, False), ({"lidAction": "ignore", "charger": ""}, False),
                                 ({"foreign": [[lid, "presentation", "talk", "block", 1000, 1]]}, False),
                                 ({"foreign": [["handle-power-key:" + lid, "desktop", "", "block", 1000, 1]]}, True)):
             with self.subTest(changes=changes):
-                self.set(lid=True, docked=False, lidAction="suspend", foreign=[])
+                self.set(lid=True, docked=False, lidAction="suspend", charger=None, foreign=[])
                 self.set(**changes)
                 self.enabled().RestoreSleep()
                 time.sleep(2.5)

@@ -15,7 +15,7 @@ from gi.repository import GLib
 LOGIND = "org.freedesktop.login1"
 REFUSED = "org.freedesktop.DBus.Error.AccessDenied"
 FIRST = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": [], "hasLid": True,
-         "others": [], "canSuspend": "yes", "inhibitFails": False, "isSilent": False}
+         "others": [], "charger": None, "canSuspend": "yes", "inhibitFails": False, "isSilent": False}
 
 
 class Refused(Exception):
@@ -84,8 +84,9 @@ def read_property(call, name):
     if call.get_path().startswith("/sessions/"):
         return call.get_path().rpartition("/")[2]
     settings = state.settings
-    return {"LidClosed": settings["lid"], "Docked": settings["docked"], "OnExternalPower": False,
-            "HandleLidSwitch": settings["lidAction"], "HandleLidSwitchExternalPower": ""}.get(name, settings["hasLid"])
+    return {"LidClosed": settings["lid"], "Docked": settings["docked"], "OnExternalPower": settings["charger"] is not None,
+            "HandleLidSwitch": settings["lidAction"],
+            "HandleLidSwitchExternalPower": settings["charger"] or ""}.get(name, settings["hasLid"])
 
 
 def check_authorization(arguments):
