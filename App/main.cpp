@@ -1,16 +1,16 @@
-#include "App/Launch/ExitStatus.h"
 #include "App/Headless/HeadlessApplication.h"
 #include "App/Headless/TerminationSignals.h"
+#include "App/Launch/ExitStatus.h"
 #include "App/Launch/SingleInstance.h"
 #include "App/Model/UserDefaults.h"
 #include "App/Wording/Localized.h"
 #include "App/Wording/Translations.h"
 #include "ControlProtocol/CommandLine.h"
 #include "ControlProtocol/ControlRequest.h"
-#include "Host/Host.h"
 #include "HelperProtocol/Brand.h"
 #include "HelperProtocol/Process.h"
 #include "HelperProtocol/PropertyList.h"
+#include "Host/Host.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -56,7 +56,7 @@ namespace {
         const auto agent = arguments.agent.empty() ? "" : " " + arguments.agent;
         say(failed,
             "hooks: " + home.string() + " belongs to another user. Run it as that user:\n  sudo -u " + user
-            + " vespractl hooks " + verb + agent + " --home '" + home.string() + "'");
+                + " vespractl hooks " + verb + agent + " --home '" + home.string() + "'");
         return false;
     }
 

@@ -1,6 +1,6 @@
-#include "ControlProtocol/Arguments.h"
 #include "Control/Command.h"
 #include "Control/Scenario/ScenarioPlayer.h"
+#include "ControlProtocol/Arguments.h"
 
 #include <cstdio>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "Control/Command.h"
-#include "Host/Host.h"
 #include "HelperProtocol/Process.h"
+#include "Host/Host.h"
 
 #include <cerrno>
 #include <cstring>

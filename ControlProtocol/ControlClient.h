@@ -17,8 +17,8 @@ public:
     bool connect(const std::string& path = controlProtocol::defaultPath());
     /// False if the application has gone or does not take it within five seconds.
     bool send(const ControlRequest& request);
-    /// The next line; absent once the application has gone, or after `limit`, if there is one: then `errno` is ETIMEDOUT;
-    /// or once nobody can read what is written to the descriptor `output`, if one is given.
+    /// The next line; absent once the application has gone, or after `limit`, if there is one: then `errno` is
+    /// ETIMEDOUT; or once nobody can read what is written to the descriptor `output`, if one is given.
     std::optional<JSON> receive(std::optional<Seconds> limit = usualLimit, int output = none);
 
 private:

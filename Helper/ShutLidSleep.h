@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Helper/PowerControl.h"
 #include "HelperProtocol/HelperXPC.h"
+#include "Log/SystemLog.h"
 
 namespace vespra {
 

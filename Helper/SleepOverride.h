@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Log/SystemLog.h"
 #include "Core/Scheduling/WallClock.h"
 #include "Helper/LedgerStorage.h"
+#include "Log/SystemLog.h"
 
 namespace vespra {
 

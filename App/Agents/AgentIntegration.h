@@ -3,12 +3,12 @@
 // App/Agents: the application's side of the agents: how each is connected, the socket for their events, and the action
 // that follows their session.
 
-#include "Host/Host.h"
-#include "Log/SystemLog.h"
 #include "Core/Agents/AgentKind.h"
 #include "Core/Agents/HookSettingsFile.h"
 #include "Core/Observation/Observed.h"
 #include "HelperProtocol/Brand.h"
+#include "Host/Host.h"
+#include "Log/SystemLog.h"
 
 #include <map>
 

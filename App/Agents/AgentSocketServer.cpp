@@ -1,9 +1,9 @@
 #include "App/Agents/AgentSocketServer.h"
 
 #include "App/Agents/AgentSocketReceiver.h"
-#include "Host/Host.h"
 #include "HelperProtocol/Brand.h"
 #include "HelperProtocol/UnixSocket.h"
+#include "Host/Host.h"
 
 #include <pthread.h>
 #include <sys/socket.h>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Log/SystemLog.h"
 #include "Core/Agents/AgentEvent.h"
 #include "Core/Scheduling/MainLoop.h"
 #include "Core/Scheduling/WallClock.h"
 #include "HelperProtocol/FileDescriptor.h"
+#include "Log/SystemLog.h"
 
 #include <functional>
 #include <memory>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Core/Session/AgentPolicy.h"
 #include "Core/Lifetime.h"
 #include "Core/Observation/Observed.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Core/Scheduling/WallClock.h"
+#include "Core/Session/AgentPolicy.h"
 
 namespace vespra {
 

@@ -6,8 +6,8 @@
 #include "ControlProtocol/SnapshotJSON.h"
 #include "Core/Observation/ObservationLoop.h"
 #include "HelperProtocol/Brand.h"
-#include "Host/Host.h"
 #include "HelperProtocol/UnixSocket.h"
+#include "Host/Host.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

@@ -5,9 +5,9 @@
 
 #include "App/ControlSocket/ControlService.h"
 #include "App/System/LocalSocket.h"
-#include "Log/SystemLog.h"
 #include "Core/Scheduling/MainLoop.h"
 #include "Core/Scheduling/TaskScheduling.h"
+#include "Log/SystemLog.h"
 
 #include <memory>
 #include <string>

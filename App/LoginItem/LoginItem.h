@@ -1,8 +1,8 @@
 #pragma once
 
 #include "App/System/LoginService.h"
-#include "Log/SystemLog.h"
 #include "Core/Observation/Observed.h"
+#include "Log/SystemLog.h"
 
 namespace vespra {
 

@@ -102,7 +102,8 @@ bool RunningCommands::startOwnSession(const SessionOptions& options)
 
 bool RunningCommands::isWanted(std::optional<bool> Wishes::* wish) const
 {
-    return std::ranges::any_of(commands_, [wish](const auto& each) { return (each.second.wishes.*wish).value_or(false); });
+    return std::ranges::any_of(
+        commands_, [wish](const auto& each) { return (each.second.wishes.*wish).value_or(false); });
 }
 
 /// Switches off the options that no command wants any more; that is never refused.

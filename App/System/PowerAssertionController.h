@@ -3,10 +3,10 @@
 #include "App/System/DisplayControl.h"
 #include "App/System/LidMonitoring.h"
 #include "App/System/PowerAssertionBackend.h"
-#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Core/Session/PowerRequirements.h"
+#include "Log/SystemLog.h"
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/Session/AgentPolicy.h"
 #include "Core/Agents/AgentTracker.h"
+#include "Core/Session/AgentPolicy.h"
 
 #include <string>
 

@@ -1,5 +1,5 @@
-#include "ControlProtocol/EndStatus.h"
 #include "Control/Session/Application.h"
+#include "ControlProtocol/EndStatus.h"
 #include "HelperProtocol/Brand.h"
 #include "HelperProtocol/Process.h"
 #include "HelperProtocol/UnixSocket.h"

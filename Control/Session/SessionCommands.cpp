@@ -1,5 +1,5 @@
-#include "ControlProtocol/Arguments.h"
 #include "Control/Session/Application.h"
+#include "ControlProtocol/Arguments.h"
 #include "Core/Session/SessionLimits.h"
 
 #include <map>

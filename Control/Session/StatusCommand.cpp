@@ -1,5 +1,5 @@
-#include "ControlProtocol/SnapshotJSON.h"
 #include "Control/Session/Application.h"
+#include "ControlProtocol/SnapshotJSON.h"
 #include "HelperProtocol/Process.h"
 
 #include <cstdio>
@@ -12,7 +12,10 @@ namespace vespra::control {
 
 namespace {
 
-    bool isPrinted(const std::string& text) { return std::fputs(text.c_str(), stdout) >= 0 && process::isOutputWritten(); }
+    bool isPrinted(const std::string& text)
+    {
+        return std::fputs(text.c_str(), stdout) >= 0 && process::isOutputWritten();
+    }
 
     bool hasReader() { return process::hasReader(STDOUT_FILENO); }
 

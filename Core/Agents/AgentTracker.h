@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Core/Agents/AgentEvent.h"
-#include "Core/Session/AgentPolicy.h"
 #include "Core/Observation/Observed.h"
+#include "Core/Session/AgentPolicy.h"
 
 #include <functional>
 #include <vector>

@@ -21,9 +21,9 @@ struct HookInput {
     bool operator==(const HookInput&) const = default;
 };
 
-/// Absent if `json` does not have the structure of one JSON object. Which escapes, bytes and sizes its texts and numbers
-/// hold does not matter: agents cut texts in the middle of a character, which leaves half a pair of escapes behind, and
-/// write numbers larger than any program holds.
+/// Absent if `json` does not have the structure of one JSON object. Which escapes, bytes and sizes its texts and
+/// numbers hold does not matter: agents cut texts in the middle of a character, which leaves half a pair of escapes
+/// behind, and write numbers larger than any program holds.
 std::optional<HookInput> parsedHookInput(std::string_view json);
 /// The same of an object that has been parsed already.
 HookInput hookInput(const JSON& object);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Core/Lifetime.h"
 #include "Core/Energy/PowerSourceMonitoring.h"
 #include "Core/Energy/ThermalMonitoring.h"
+#include "Core/Lifetime.h"
 
 namespace vespra {
 

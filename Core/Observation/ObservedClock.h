@@ -21,8 +21,8 @@ public:
     ObservedClock(const ObservedClock&) = delete;
     ObservedClock& operator=(const ObservedClock&) = delete;
 
-    /// The date, followed. Whole seconds are counted from `anchor`, the start or the end of what the reader shows, before
-    /// or after now.
+    /// The date, followed. Whole seconds are counted from `anchor`, the start or the end of what the reader shows,
+    /// before or after now.
     Instant now(Instant anchor) const;
 
 private:

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Core/Energy/PowerSourceMonitoring.h"
+#include "Core/Energy/ThermalMonitoring.h"
 #include "Core/Lifetime.h"
 #include "Core/Observation/Observed.h"
 #include "Core/Scheduling/DeadlineScheduling.h"
-#include "Core/Energy/PowerSourceMonitoring.h"
-#include "Core/Energy/ThermalMonitoring.h"
 #include "Core/Scheduling/WallClock.h"
 #include "Core/Session/SessionEndCondition.h"
 #include "Core/Session/SessionMachine.h"

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Core/Session/AgentPolicy.h"
 #include "Core/ClosedLid/ClosedLidPolicy.h"
 #include "Core/Coding/JSONSource.h"
 #include "Core/Energy/EnergyPolicy.h"
+#include "Core/Session/AgentPolicy.h"
 
 #include <optional>
 

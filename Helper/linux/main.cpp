@@ -4,8 +4,8 @@
 #include "Helper/linux/InstalledFiles.h"
 #include "Helper/linux/RunningHelper.h"
 #include "Helper/linux/SelfInstaller.h"
-#include "HelperProtocol/Process.h"
 #include "HelperProtocol/linux/InstallationNames.h"
+#include "HelperProtocol/Process.h"
 
 #include <algorithm>
 #include <cerrno>

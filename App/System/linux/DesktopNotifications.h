@@ -1,8 +1,8 @@
 #pragma once
 
 #include "App/System/linux/DBus.h"
-#include "Log/SystemLog.h"
 #include "App/System/UserNotificationCenter.h"
+#include "Log/SystemLog.h"
 
 #include <map>
 

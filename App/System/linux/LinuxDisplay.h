@@ -3,8 +3,8 @@
 #include "App/System/DisplayControl.h"
 #include "App/System/linux/DBus.h"
 #include "App/System/linux/X11.h"
-#include "Log/SystemLog.h"
 #include "Core/Scheduling/TaskScheduling.h"
+#include "Log/SystemLog.h"
 
 namespace vespra {
 

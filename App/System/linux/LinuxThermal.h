@@ -3,8 +3,8 @@
 #include "App/System/Reading.h"
 #include "App/System/ThermalEstimate.h"
 #include "Core/Energy/PowerSourceMonitoring.h"
-#include "Core/Scheduling/TaskScheduling.h"
 #include "Core/Energy/ThermalMonitoring.h"
+#include "Core/Scheduling/TaskScheduling.h"
 
 #include <filesystem>
 #include <memory>

@@ -2,8 +2,8 @@
 
 #include "App/System/linux/DBus.h"
 #include "App/System/linux/Inhibition.h"
-#include "Log/SystemLog.h"
 #include "Core/Scheduling/TaskScheduling.h"
+#include "Log/SystemLog.h"
 
 #include <optional>
 #include <QDBusUnixFileDescriptor>

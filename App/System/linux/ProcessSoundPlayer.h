@@ -1,9 +1,9 @@
 #pragma once
 
 #include "App/System/SoundPlayer.h"
-#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainLoop.h"
+#include "Log/SystemLog.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "App/System/macos/MacAdapters.h"
-#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainThread.h"
 #include "HelperProtocol/Brand.h"
+#include "Log/SystemLog.h"
 
 #import <Foundation/Foundation.h>
 #import <UserNotifications/UserNotifications.h>

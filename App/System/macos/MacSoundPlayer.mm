@@ -1,9 +1,9 @@
 #include "App/System/macos/MacAdapters.h"
-#include "Host/Host.h"
-#include "Log/SystemLog.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainThread.h"
 #include "HelperProtocol/Brand.h"
+#include "Host/Host.h"
+#include "Log/SystemLog.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,8 +1,8 @@
 #include "App/System/simulated/MachineSocket.h"
 
 #include "App/System/simulated/MachineProtocol.h"
-#include "Log/SystemLog.h"
 #include "HelperProtocol/Brand.h"
+#include "Log/SystemLog.h"
 
 #include <algorithm>
 

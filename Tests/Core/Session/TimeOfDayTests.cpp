@@ -63,7 +63,11 @@ TEST(TimeOfDay, NextOccurrenceIsStrictlyLaterAndAtMostADayAhead)
              {"also in winter", paris, {12, 0}, "2040-01-01T08:00:00Z", "2040-01-01T11:00:00Z"},
              {"south of the equator", "Australia/Sydney", {12, 0}, "2050-01-01T00:00:00Z", "2050-01-01T01:00:00Z"},
              {"a skip at midnight", "America/Havana", {0, 30}, "2026-03-08T03:00:00Z", "2026-03-08T05:00:00Z"},
-             {"a skip before midnight, by rule", "America/Nuuk", {0, 30}, "2040-03-25T00:15:00Z", "2040-03-25T01:30:00Z"},
+             {"a skip before midnight, by rule",
+                 "America/Nuuk",
+                 {0, 30},
+                 "2040-03-25T00:15:00Z",
+                 "2040-03-25T01:30:00Z"},
              {"half an hour", "Australia/Lord_Howe", {2, 15}, "2026-10-03T15:00:00Z", "2026-10-03T15:30:00Z"},
          }) {
         SCOPED_TRACE(row.rule);
