@@ -62,7 +62,11 @@ if(CCACHE)
     set(CMAKE_OBJCXX_COMPILER_LAUNCHER "${CCACHE}")
 endif()
 
-add_compile_options(-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+add_compile_options(-Wall -Wextra -Wnon-virtual-dtor -Woverloaded-virtual)
+if(NOT CMAKE_UNITY_BUILD)
+    # Sources that are compiled together see each other's names, and shadow what is none of theirs.
+    add_compile_options(-Wshadow)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Members with a default may be left out of a designated initialiser: that is what the defaults are for.
     add_compile_options(-Wno-missing-field-initializers)
