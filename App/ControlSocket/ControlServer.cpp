@@ -6,6 +6,7 @@
 #include "ControlProtocol/SnapshotJSON.h"
 #include "Core/Observation/ObservationLoop.h"
 #include "HelperProtocol/Brand.h"
+#include "HelperProtocol/Process.h"
 #include "HelperProtocol/UnixSocket.h"
 #include "Host/Host.h"
 
@@ -154,6 +155,8 @@ void ControlServer::read(Client& client)
     for (int handled = 0; client.socket.hasLine() && !client.isBacklogged() && !client.owed; ++handled) {
         if (handled == requestsPerTurn)
             return readLater(client);
+        if (!process::hasReader(client.socket.descriptor()))
+            return forget(client);
         const auto line = *client.socket.takeLine();
         if (line.size() > controlProtocol::longestLine)
             return refuseLength(client);

@@ -17,7 +17,8 @@ namespace vespra {
 
 /// Lets programs of this user query and steer the application over a local socket: JSON Lines, one reply per request,
 /// in order. Never blocks on a client: requests that come too fast stay in its socket, and so does the rest while it
-/// does not read its replies. Main thread only.
+/// does not read its replies. A request whose client has closed the connection before its turn is not carried out: the
+/// client may have told its user that nothing answers. Main thread only.
 class ControlServer {
 public:
     /// Beyond this number the oldest idle connection is closed; if none is idle, the new one is refused.

@@ -47,6 +47,19 @@ std::optional<ControlClient> connected(const ControlRequest& request, int& exitS
     return {};
 }
 
+std::optional<ControlClient> connectedForLong(const ControlRequest& request, int& exitStatus)
+{
+    auto client = connected({.verb = ControlVerb::settings}, exitStatus);
+    if (!client)
+        return {};
+    if (const auto failed = failure(client->receive())) {
+        exitStatus = *failed;
+        return {};
+    }
+    client->send(request);
+    return client;
+}
+
 std::optional<int> failure(const std::optional<JSON>& reply)
 {
     if (!reply && errno == ETIMEDOUT)
@@ -68,14 +81,13 @@ int closedLidStatus(const JSON& reply)
     const auto message = told.value("message", std::string{});
     if (!told.value("isPossible", false))
         return say(noClosedLid, message);
-    std::fprintf(stderr, "%s\n", message.c_str());
-    return done;
+    return say(done, message);
 }
 
 int ask(const ControlRequest& request, const std::function<void(const JSON&)>& use, std::optional<Seconds> limit)
 {
     int exitStatus = done;
-    auto client = connected(request, exitStatus);
+    auto client = limit ? connected(request, exitStatus) : connectedForLong(request, exitStatus);
     if (!client)
         return exitStatus;
     const auto reply = client->receive(limit);

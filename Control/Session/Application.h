@@ -12,6 +12,9 @@ namespace vespra::control {
 /// `exitStatus` is set.
 std::optional<ControlClient> connected(const ControlRequest& request, int& exitStatus);
 
+/// The same for a request whose reply may take as long as it likes: first the application has to show that it answers.
+std::optional<ControlClient> connectedForLong(const ControlRequest& request, int& exitStatus);
+
 /// The exit status for an error, or for a missing reply whose reason `ControlClient::receive` has left in `errno`; the
 /// message has been printed. Absent for any other reply.
 std::optional<int> failure(const std::optional<JSON>& reply);

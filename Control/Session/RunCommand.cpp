@@ -73,8 +73,7 @@ namespace {
 
     int failedStart(const std::string& command, int error, int exitStatus)
     {
-        std::fprintf(stderr, "vespractl: %s: %s\n", command.c_str(), std::strerror(error));
-        return exitStatus;
+        return say(exitStatus, command + ": " + std::strerror(error));
     }
 
     /// The command's process, or the status to exit with after a complaint.
@@ -127,9 +126,8 @@ namespace {
     void tellOfTheEnd(ControlClient& client)
     {
         const auto reply = client.receive({});
-        const auto line
-            = reply ? endMessage(*reply) : "vespractl: " + Brand::appName() + " has gone; the command goes on.";
-        std::fprintf(stderr, "%s\n", line.c_str());
+        commandLine::complain(
+            programName, reply ? endMessage(*reply) : Brand::appName() + " has gone; the command goes on.");
     }
 
     int run(const std::vector<std::string>& command, const StartOptions& options)
@@ -158,7 +156,7 @@ namespace {
     int wait()
     {
         int exitStatus = done;
-        auto client = connected({.verb = ControlVerb::wait}, exitStatus);
+        auto client = connectedForLong({.verb = ControlVerb::wait}, exitStatus);
         if (!client)
             return exitStatus;
         const auto reply = client->receive({});

@@ -23,7 +23,8 @@ class SecondStart(ApplicationTest):
             self.assertEqual(self.start(*options), (1, "", refusal))
         self.assertEqual(self.status()["state"], "idle")
         os.kill(application.pid, signal.SIGSTOP)
-        waiting = [self.ctl_later(*verb) for verb in (("status",), ("status", "--watch", "--json"), ("stop",))]
+        waiting = [self.ctl_later(*verb) for verb in (
+            ("status",), ("status", "--watch", "--json"), ("start",), ("wait",), ("closed-lid", "set-up"))]
         self.assertEqual(self.start(), (1, "", "vespra: Vespra is already running, but does not answer.\n"))
         for each in waiting:
             _, complaint = each.communicate(timeout=SLOW)
@@ -31,6 +32,7 @@ class SecondStart(ApplicationTest):
                              (4, "vespractl: Vespra does not answer; it may have been stopped.\n"))
         os.kill(application.pid, signal.SIGCONT)
         self.assertEqual(self.start(), (0, "", ""))
+        self.assertEqual((self.status()["state"], self.status()["helper"]), ("idle", "notInstalled"))
 
     def test_a_socket_that_cannot_be_reached_is_no_application_that_does_not_run(self):
         self.launch()

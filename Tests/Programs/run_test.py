@@ -77,7 +77,7 @@ class Run(ApplicationTest):
         self.launch()
         run = self.running(script='trap "echo told; exit 3" TERM; echo up; while :; do sleep 0.05; done')
         self.done("stop")
-        self.assertEqual(run.stderr.readline(), "Session ended\n")
+        self.assertEqual(run.stderr.readline(), "vespractl: Session ended\n")
         self.done("start", "timer", "5m")  # one of the user's own, which the end of the run leaves alone
         self.assertIsNone(run.poll())
         run.terminate()
