@@ -2,6 +2,7 @@
 #include "App/Agents/HookTexts.h"
 #include "App/Wording/SystemText.h"
 #include "Control/Command.h"
+#include "Core/Coding/DisplayText.h"
 #include "Core/Scheduling/WallClock.h"
 #include "HelperProtocol/PropertyList.h"
 
@@ -100,7 +101,8 @@ namespace {
     {
         if (!result) {
             const std::string title{hookTexts::failureTitle}, message{systemText(hookTexts::message(result.error()))};
-            return say(failed, title + "\n" + message);
+            const auto file = arguments.integration().settingsFile(arguments.kind()).string();
+            return say(failed, title + ": " + displayText(file) + "\n" + message);
         }
         const auto integration = arguments.integration();
         const auto kind = arguments.kind();
@@ -147,7 +149,7 @@ void addHooksCommand(CLI::App& vespractl, int& exitStatus)
     hooks->require_subcommand(1);
     hooks->fallthrough();
     hooks->add_option("--home", arguments->home, "Another home directory; it must be this user's own")
-        ->check(CLI::ExistingDirectory.description(""))
+        ->check(commandLine::directory())
         ->type_name("DIRECTORY");
 
     const auto add = [&](const char* name, const char* description, auto run) {
@@ -160,7 +162,7 @@ void addHooksCommand(CLI::App& vespractl, int& exitStatus)
         add(name, description, run)
             ->add_option("AGENT", arguments->agent, "claude or codex")
             ->required()
-            ->check(CLI::IsMember({"claude", "codex"}));
+            ->check(commandLine::oneOf({"claude", "codex"}));
     };
     add("status", "Tells how each agent is connected", status)->add_flag("--json", arguments->json, "As JSON");
     addForAgent("preview", "Prints what connecting adds to the agent's settings file", preview);

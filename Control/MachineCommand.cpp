@@ -96,10 +96,17 @@ void addMachineCommand(CLI::App& vespractl, int& exitStatus)
     command->require_subcommand(1);
 
     auto* setting = command->add_subcommand("set", "Changes the laptop: " + machineSettingsHelp());
-    const auto settings = std::make_shared<std::vector<std::string>>();
-    setting->add_option("KEY=VALUE", *settings, "What to change; all of it or, if any of it is wrong, nothing")
+    const auto first = std::make_shared<std::string>();
+    setting->add_option("KEY=VALUE...", *first, "What to change; all of it or, if any of it is wrong, nothing")
         ->required();
-    setting->callback([settings, &exitStatus] { exitStatus = set(*settings); });
+    // An option with several values would take brackets off them.
+    setting->allow_extras();
+    setting->callback([=, &exitStatus] {
+        auto settings = setting->remaining();
+        std::erase(settings, "--");
+        settings.insert(settings.begin(), *first);
+        exitStatus = set(settings);
+    });
 
     auto* getting = command->add_subcommand("get", "Prints the state of the laptop");
     const auto asJSON = std::make_shared<bool>(false);

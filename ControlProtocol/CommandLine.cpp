@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <sstream>
 
 namespace vespra::commandLine {
@@ -179,6 +180,17 @@ namespace {
         return {};
     }
 
+    /// "NAME: expected LENGTH" and "NAME takes no value", in place of the library's words.
+    std::string mismatch(std::string text)
+    {
+        constexpr std::string_view before = ": 1 required ", after = " missing", withValue = " was given a disallowed";
+        if (const auto start = text.find(before); start != std::string::npos && text.ends_with(after))
+            return text.erase(text.size() - after.size()).replace(start, before.size(), ": expected ");
+        if (const auto start = text.find(withValue); start != std::string::npos)
+            return "--" + text.substr(0, start) + " takes no value";
+        return text;
+    }
+
     std::string complaint(const CLI::App& program, const CLI::ParseError& error)
     {
         const bool isIncomplete = dynamic_cast<const CLI::RequiredError*>(&error);
@@ -188,7 +200,15 @@ namespace {
         const auto chain = given(program);
         if (isIncomplete && chain.back()->get_require_subcommand_min() > 0)
             return "expected a verb; " + seeHelp(chain);
-        return error.what();
+        return dynamic_cast<const CLI::ArgumentMismatch*>(&error) ? mismatch(error.what()) : error.what();
+    }
+
+    CLI::Validator validator(std::string expected, std::function<bool(const std::string&)> isFine)
+    {
+        const auto check = [expected = std::move(expected), isFine = std::move(isFine)](const std::string& text) {
+            return isFine(text) ? std::string{} : "expected " + expected + ", not \"" + text + "\"";
+        };
+        return {check, /*description=*/""};
     }
 
     /// Through stdio, whose failures the programs look for at their end.
@@ -214,8 +234,26 @@ void complain(std::string_view program, std::string_view message)
 void prepare(CLI::App& program)
 {
     program.formatter(std::make_shared<Help>());
+    // Of an option that is given twice the last one counts.
+    program.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)->disable_flag_override();
     program.set_help_flag("-h,--help", "Print this help");
     program.set_version_flag("--version", program.get_name() + " " + VESPRA_VERSION, "Print the version");
+}
+
+CLI::Validator oneOf(const std::vector<std::string>& words)
+{
+    std::string list = words.front();
+    for (std::size_t index = 1; index < words.size(); ++index)
+        list += (index + 1 == words.size() ? " or " : ", ") + words[index];
+    return validator(list, [words](const std::string& text) { return std::ranges::find(words, text) != words.end(); });
+}
+
+CLI::Validator directory()
+{
+    return validator("a directory that exists", [](const std::string& text) {
+        std::error_code ignored;
+        return std::filesystem::is_directory(text, ignored);
+    });
 }
 
 std::optional<int> parse(CLI::App& program, int argc, char** argv)

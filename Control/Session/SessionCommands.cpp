@@ -79,7 +79,7 @@ namespace {
     {
         auto* command = vespractl.add_subcommand(name, help);
         const auto text = std::make_shared<std::string>();
-        command->add_option("STATE", *text, "on or off")->required()->check(CLI::IsMember({"on", "off"}));
+        command->add_option("STATE", *text, "on or off")->required()->check(commandLine::oneOf({"on", "off"}));
         command->callback([=, &exitStatus] { exitStatus = ask({.verb = verb, .on = *text == "on"}); });
     }
 
@@ -102,7 +102,7 @@ namespace {
         const auto text = std::make_shared<std::string>();
         command->add_option("STATE", *text, "on, off, set-up or remove")
             ->required()
-            ->check(CLI::IsMember({"on", "off", "set-up", "remove"}));
+            ->check(commandLine::oneOf({"on", "off", "set-up", "remove"}));
         command->callback([text, &exitStatus] {
             const auto& [request, waitsForPerson] = states.at(*text);
             exitStatus = ask(request, waitsForPerson ? std::nullopt : std::optional{ControlClient::usualLimit});

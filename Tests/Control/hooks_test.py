@@ -8,7 +8,7 @@ import tempfile
 import unittest
 
 MACHINE = "Mac" if sys.platform == "darwin" else "computer"
-FAILED = "vespractl: Couldn't change the agent's settings\n"
+FAILED = "vespractl: Couldn't change the agent's settings: {}\n".format
 
 
 class Hooks(unittest.TestCase):
@@ -38,9 +38,11 @@ class Hooks(unittest.TestCase):
     def test_says_what_went_wrong(self):
         self.settings.parent.mkdir()
         self.settings.write_text("{")
-        self.assertEqual(self.hooks("connect", "codex"), (1, f"{FAILED}This agent isn't installed on this {MACHINE}.\n"))
-        self.assertEqual(self.hooks("disconnect", "claude"), (1, FAILED + "Its settings file couldn't be read, so it was "
-                                                              "left untouched. Fix the file, then try again.\n"))
+        self.assertEqual(self.hooks("connect", "codex"), (
+            1, FAILED(self.home / ".codex/hooks.json") + f"This agent isn't installed on this {MACHINE}.\n"))
+        self.assertEqual(self.hooks("disconnect", "claude"), (
+            1, FAILED(self.settings) + "Its settings file couldn't be read, so it was left untouched. Fix the file, "
+                                       "then try again.\n"))
         for arguments in ((), ("connect",), ("connect", "nobody"), ("status", "now"), ("preview", "claude", "codex")):
             self.assertEqual(self.hooks(*arguments)[0], 2, arguments)
         self.assertEqual(self.hooks("status", home=self.home / "none")[0], 2)

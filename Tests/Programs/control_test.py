@@ -51,13 +51,17 @@ class Verbs(ApplicationTest):
             "-headless": 'there is no "-headless"; "vespractl --help"', "start -help": 'did you mean "--help"?',
             "start timer 59s": "timer: expected a length from 1m to 24h", "start timer 5m unlimited": "unlimited",
             "start until 24:00": "until: expected a time of day", "start --lid": "--lid",
-            "display": "STATE is required", "display maybe": "maybe", "closed-lid 1": "1",
+            "display": "STATE is required", "display maybe": 'STATE: expected on or off, not "maybe"',
+            "closed-lid 1": 'expected on, off, set-up or remove, not "1"', "start --display=no": "--display takes no value",
+            "hooks status --home": "--home: expected DIRECTORY",
+            "hooks status --home /none": '--home: expected a directory that exists, not "/none"',
             "settings": "expected a verb",
             "settings get agents.grace": 'expected one of energy.requiresACPower, ',
             "settings set playHeatAlarm off": ', not "playHeatAlarm"; did you mean "playsHeatAlarm"?',
             "settings set agents.graceDelay": "VALUE is required",
             "settings set agents.graceDelay 901s": "agents.graceDelay: expected a length from 0s to 15m",
             "machine set battery=101": "battery takes 0..100|none", "machine set wind=1": '"wind" is nothing to set',
+            "machine set []": '"[]" is not of the form', "machine set lid=open [battery=5]": '"[battery" is nothing',
         }.items():
             with self.subTest(command=command):
                 result = self.ctl(*command.split())
