@@ -44,6 +44,15 @@ namespace {
         }
     };
 
+    /// As one word of a shell, on one line: the user may copy it.
+    std::string asWord(const std::string& path)
+    {
+        std::string word = "'";
+        for (const char each : displayText(path))
+            word += each == '\'' ? std::string{"'\\''"} : std::string{each};
+        return word + "'";
+    }
+
     /// Whether the home directory is this user's. Even root changes nothing in another's: that user could not read,
     /// change or remove the files it would make.
     bool isAllowed(const HooksArguments& arguments, const std::string& verb)
@@ -56,8 +65,8 @@ namespace {
         const auto user = owner ? std::string{owner->pw_name} : "'#" + std::to_string(directory.st_uid) + "'";
         const auto agent = arguments.agent.empty() ? "" : " " + arguments.agent;
         say(failed,
-            "hooks: " + home.string() + " belongs to another user. Run it as that user:\n  sudo -u " + user
-                + " vespractl hooks " + verb + agent + " --home '" + home.string() + "'");
+            "hooks: " + displayText(home.string()) + " belongs to another user. Run it as that user:\n  sudo -u " + user
+                + " vespractl hooks " + verb + agent + " --home " + asWord(home.string()));
         return false;
     }
 

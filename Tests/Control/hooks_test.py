@@ -48,13 +48,14 @@ class Hooks(unittest.TestCase):
         self.assertEqual(self.hooks("status", home=self.home / "none")[0], 2)
 
     def test_keeps_out_of_another_users_home(self):
-        home, user = pathlib.Path("/"), "root"
+        home, word, user = pathlib.Path("/"), "/", "root"
         if os.geteuid() == 0:
-            home, user = self.home, "'#1234'"
+            home, word, user = self.home / "o'k; id", rf"{self.home}/o'\''k; id", "'#1234'"
+            home.mkdir()
             os.chown(home, 1234, 1234)
         status, said = self.hooks("connect", "codex", home=home)
         self.assertEqual(status, 1)
-        self.assertTrue(said.endswith(f"\n  sudo -u {user} vespractl hooks connect codex --home '{home}'\n"), said)
+        self.assertTrue(said.endswith(f"\n  sudo -u {user} vespractl hooks connect codex --home '{word}'\n"), said)
 
 
 if __name__ == "__main__":
