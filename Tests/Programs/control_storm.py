@@ -166,7 +166,7 @@ class Storm(ApplicationTest):
             elif not runs:
                 self.assertNotRegex(said, "5 minutes left|running hot")
         self.assertEqual(runs, is_active)
-        self.assertGreater(starts, EVENTS / 200)  # or this was no storm
+        self.assertGreater(starts, EVENTS / 600)  # or this was no storm: how many vary with the load
 
 
 if __name__ == "__main__":
