@@ -13,7 +13,7 @@ namespace vespra::control {
 
 namespace {
 
-    void print(const std::string& line) { std::printf("%s\n", line.c_str()); }
+    void printText(const std::string& line) { std::printf("%s\n", line.c_str()); }
 
     /// Gives `use` the value of every setting under its key.
     int askSettings(const std::function<void(const JSON&)>& use)
@@ -29,12 +29,12 @@ namespace {
             return say(badInput, settingTexts::change(*key, {}).error());
         return askSettings([&](const JSON& settings) {
             if (key)
-                print(settings.value(*key, std::string{}));
+                printText(settings.value(*key, std::string{}));
             else if (asJSON)
-                print(settings.dump());
+                printText(settings.dump());
             else
                 for (const auto& [each, value] : settings.items())
-                    print(each + "=" + value.get<std::string>());
+                    printText(each + "=" + value.get<std::string>());
         });
     }
 
@@ -64,7 +64,7 @@ namespace {
                 row[column].resize(width, ' ');
         }
         for (const auto& [key, value, range, meaning] : rows)
-            print(key + "  " + value + "  " + range + "  " + meaning);
+            printText(key + "  " + value + "  " + range + "  " + meaning);
     }
 
     void printJSON(const std::vector<Row>& rows)
@@ -72,7 +72,7 @@ namespace {
         auto list = JSON::array();
         for (const auto& [key, value, range, meaning] : rows)
             list.push_back({{"key", key}, {"value", value}, {"range", range}, {"meaning", meaning}});
-        print(list.dump());
+        printText(list.dump());
     }
 
     /// What may stand at this place, a line each: a key, a tab and its meaning, or a value of the setting `key`. For
@@ -81,10 +81,10 @@ namespace {
     {
         if (const auto* const setting = findSetting(key))
             for (const auto& value : settingTexts::values(*setting))
-                print(value);
+                printText(value);
         else if (key.empty())
             for (const auto& each : settingsCatalogue())
-                print(std::string{each.key} + "\t" + std::string{systemText(each.meaning)});
+                printText(std::string{each.key} + "\t" + std::string{systemText(each.meaning)});
         return done;
     }
 
