@@ -23,92 +23,53 @@ namespace {
 
 } // namespace
 
-TEST(BatterySampleFilter, BelievesOnlyWhatIsPlausible)
+TEST(BatterySampleFilter, BelievesWhatIsPlausibleAndTheRestOnceNothingElseIsSeenForTenSeconds)
 {
+    using Level = std::optional<std::int64_t>;
+    struct Step {
+        Seconds after;
+        Level sample, believed;
+        bool hasSlept = false; // before it
+    };
     struct Row {
         const char* rule;
-        std::int64_t before, sample;
-        bool isBelieved;
+        std::int64_t first;
+        std::vector<Step> steps;
     };
-    for (const auto& row : std::vector<Row>{
-             {"30 points down are plausible", 57, 27, true},
-             {"31 are not", 57, 26, false},
-             {"30 points up are plausible", 27, 57, true},
-             {"31 are not", 26, 57, false},
-             {"1 is a low level", 5, 1, true},
-             {"0 is a broken gauge", 1, 0, false},
+    for (const auto& [rule, first, steps] : std::vector<Row>{
+             {"30 points down are plausible", 57, {{0s, 27, 27}}},
+             {"31 are not", 57, {{0s, 26, 57}, {9.9s, {}, 57}, {0.1s, {}, 26}}},
+             {"30 points up are plausible", 27, {{0s, 57, 57}}},
+             {"31 are not", 26, {{0s, 57, 26}, {9.9s, {}, 26}, {0.1s, {}, 57}}},
+             {"1 is a low level", 5, {{0s, 1, 1}}},
+             {"0 is a broken gauge", 1, {{0s, 0, 1}, {9.9s, {}, 1}, {0.1s, {}, 0}}},
+             {"also at first", 0, {{0s, {}, {}}, {10s, {}, 0}}},
+             {"a good sample ends the doubt", 57, {{0s, 0, 57}, {5s, 56, 56}, {20s, {}, 56}}},
+             {"a second look 6 points off disagrees", 80, {{0s, 10, 80}, {8s, 16, 80}, {2s, {}, 80}}},
+             {"5 points off agree", 80, {{0s, 16, 80}, {8s, 21, 80}, {2s, {}, 21}}},
+             {"a sleep explains one jump, but not to 0",
+                 90,
+                 {{0s, 90, 90, true}, {3min, 0, 90}, {0s, 20, 20}, {0s, 90, 20}}},
+             {"nor one that comes much later", 90, {{181s, 59, 90, true}}},
          }) {
-        SCOPED_TRACE(row.rule);
-        Filtered filtered{battery(row.before)};
-        filtered.filter.sample(battery(row.sample));
-        EXPECT_EQ(filtered.believed, battery(row.isBelieved ? row.sample : row.before));
-        filtered.time.advance(9.9s);
-        EXPECT_EQ(filtered.believed, battery(row.isBelieved ? row.sample : row.before));
-        filtered.time.advance(0.1s);
-        EXPECT_EQ(filtered.believed, battery(row.sample)) << "nothing else has been seen for 10 s";
+        SCOPED_TRACE(rule);
+        Filtered filtered{battery(first)};
+        for (const auto& step : steps) {
+            if (step.hasSlept)
+                filtered.filter.didSleep();
+            filtered.time.advance(step.after);
+            if (step.sample)
+                filtered.filter.sample(battery(step.sample));
+            EXPECT_EQ(filtered.believed, battery(step.believed));
+        }
     }
 }
 
-TEST(BatterySampleFilter, ForgetsABadSampleAfterAGoodOne)
-{
-    Filtered filtered{battery(57)};
-    filtered.filter.sample(battery(0));
-    filtered.time.advance(5s);
-    filtered.filter.sample(battery(56));
-    EXPECT_EQ(filtered.believed, battery(56));
-    filtered.time.advance(20s);
-    EXPECT_EQ(filtered.believed, battery(56));
-}
-
-TEST(BatterySampleFilter, WaitsOnWhileTheSecondLookDisagrees)
-{
-    Filtered filtered{battery(80)};
-    filtered.filter.sample(battery(10));
-    filtered.time.advance(8s);
-    filtered.filter.sample(battery(16)); // 6 points apart
-    filtered.time.advance(2s);
-    EXPECT_EQ(filtered.believed, battery(80));
-    filtered.filter.sample(battery(21));
-    filtered.time.advance(10s);
-    EXPECT_EQ(filtered.believed, battery(21)) << "5 points apart is agreement";
-}
-
-TEST(BatterySampleFilter, BelievesTheChargerAtOnce)
+TEST(BatterySampleFilter, BelievesTheChargerAndThatABatteryIsGoneAtOnce)
 {
     Filtered filtered{charger(57)};
     filtered.filter.sample(battery(0));
     EXPECT_EQ(filtered.believed, battery(57));
-}
-
-TEST(BatterySampleFilter, DoesNotKnowTheLevelWhileTheFirstReadingIsInDoubt)
-{
-    Filtered filtered{battery(0)};
-    EXPECT_EQ(filtered.believed, battery({}));
-    filtered.time.advance(10s);
-    EXPECT_EQ(filtered.believed, battery(0));
-}
-
-TEST(BatterySampleFilter, BelievesAnyLevelBut0AfterSleep)
-{
-    Filtered filtered{battery(90)};
-    filtered.filter.didSleep();
-    filtered.filter.sample(battery(90)); // from before the sleep
-    filtered.time.advance(3min);
-    filtered.filter.sample(battery(0));
-    EXPECT_EQ(filtered.believed, battery(90));
-    filtered.filter.sample(battery(20));
-    EXPECT_EQ(filtered.believed, battery(20));
-    filtered.filter.sample(battery(90));
-    EXPECT_EQ(filtered.believed, battery(20)) << "the sleep explains one jump, not two";
-    filtered.filter.didSleep();
-    filtered.time.advance(181s);
-    filtered.filter.sample(battery(59));
-    EXPECT_EQ(filtered.believed, battery(90)) << "nor what comes much later";
-}
-
-TEST(BatterySampleFilter, BelievesThatABatteryIsGone)
-{
-    Filtered filtered{battery(57)};
     filtered.filter.sample(PowerSnapshot::desktop());
     EXPECT_EQ(filtered.believed, PowerSnapshot::desktop());
 }
