@@ -42,33 +42,22 @@ TEST(ThermalEstimate, KnowsTheThresholdsOnBothSides)
     }
 }
 
-TEST(ThermalEstimate, LooksAtTheAverageOfHalfAMinute)
+TEST(ThermalEstimate, FollowsTheCourse)
 {
-    ThermalEstimate estimate;
-    EXPECT_EQ(estimate.update({sample(60)}, at(0s)), nominal);
-    EXPECT_EQ(estimate.update({sample(95)}, at(10s)), nominal);
-    EXPECT_EQ(estimate.update({sample(95)}, at(20s)), fair);
-    EXPECT_EQ(estimate.update({sample(95)}, at(30s)), fair) << "the first reading is 30 s old and counts";
-    EXPECT_EQ(estimate.update({sample(95)}, at(40s)), serious) << "now it does not";
-}
-
-TEST(ThermalEstimate, CountsAReadingAtTheLimitAtOnce)
-{
-    ThermalEstimate estimate;
-    EXPECT_EQ(estimate.update({sample(50)}, at(0s)), nominal);
-    EXPECT_EQ(estimate.update({sample(99.9)}, at(5s)), nominal);
-    EXPECT_EQ(estimate.update({sample(100)}, at(10s)), critical);
-}
-
-TEST(ThermalEstimate, LeavesALevelFiveDegreesBelowIt)
-{
-    ThermalEstimate estimate;
-    EXPECT_EQ(estimate.update({sample(90)}, at(0s)), serious);
-    EXPECT_EQ(estimate.update({sample(85)}, at(60s)), serious);
-    EXPECT_EQ(estimate.update({sample(84.9)}, at(120s)), fair);
-    EXPECT_EQ(estimate.update({sample(89.9)}, at(180s)), fair);
-    EXPECT_EQ(estimate.update({sample(75)}, at(240s)), fair);
-    EXPECT_EQ(estimate.update({sample(74.9)}, at(300s)), nominal);
+    // The temperature at each time, and the level then. After 30 s a reading no longer counts.
+    using Course = std::vector<std::tuple<Seconds, double, ThermalLevel>>;
+    for (const auto& [rule, course] : std::vector<std::pair<const char*, Course>>{
+             {"the average of half a minute counts",
+                 {{0s, 60, nominal}, {10s, 95, nominal}, {20s, 95, fair}, {30s, 95, fair}, {40s, 95, serious}}},
+             {"a reading at the limit counts at once", {{0s, 50, nominal}, {5s, 99.9, nominal}, {10s, 100, critical}}},
+             {"serious is left 5 degrees below it", {{0s, 90, serious}, {60s, 85, serious}, {120s, 84.9, fair}}},
+             {"fair too", {{0s, 80, fair}, {60s, 89.9, fair}, {120s, 75, fair}, {180s, 74.9, nominal}}},
+         }) {
+        SCOPED_TRACE(rule);
+        ThermalEstimate estimate;
+        for (const auto& [time, temperature, level] : course)
+            EXPECT_EQ(estimate.update({sample(temperature)}, at(time)), level) << temperature;
+    }
 }
 
 TEST(ThermalEstimate, CountsTheHottestSensorThatHasALimit)
