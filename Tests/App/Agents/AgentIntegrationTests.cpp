@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Connection = HookSettingsFile::Connection;
 using CommandInstallation = AgentIntegration::CommandInstallation;
 
 struct Home {
@@ -60,22 +59,6 @@ TEST(HomeDirectory, IsThatOfThePasswordFileWithoutHOME)
     EXPECT_EQ(homeDirectory(), getpwuid(geteuid())->pw_dir);
     setenv("HOME", home.c_str(), 1);
     EXPECT_EQ(homeDirectory(), home);
-}
-
-TEST(AgentIntegration, KnowsEachAgentAfterARefresh)
-{
-    Home home;
-    fs::create_directory(home.directory / ".claude");
-    EXPECT_TRUE(home.integration.connections().empty());
-    ASSERT_TRUE(home.integration.hookFile(AgentKind::claudeCode).connect(Instant{}));
-    home.integration.refresh();
-    EXPECT_EQ(home.integration.connections(),
-        (AgentIntegration::Connections{
-            {AgentKind::claudeCode, Connection::connected}, {AgentKind::codex, Connection::agentNotFound}}));
-
-    AgentIntegration preview{home.directory.path(), home.support, /*isPreview=*/true};
-    preview.refresh();
-    EXPECT_TRUE(preview.connections().empty());
 }
 
 TEST(AgentIntegration, TheHooksRunTheCopyOfTheToolWhateverTheFolderIsCalled)
