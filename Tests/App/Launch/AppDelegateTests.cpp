@@ -46,6 +46,13 @@ namespace {
             ON_CALL(surfaces, makeStatusItem).WillByDefault(SaveArg<1>(&actions));
         }
 
+        void launchWithAShutLid()
+        {
+            launch();
+            laptop.platform.helper.service->onChange = nullptr; // a system that does not tell
+            laptop.set({{"helper", "ready"}, {"lid", "closed"}});
+        }
+
         NiceMock<MockSurfaces> surfaces;
         bool isPanelVisible = false;
         AppSurfaces::StatusItemActions actions;
@@ -124,26 +131,6 @@ TEST_F(AppDelegateTest, TheShortcutTogglesASessionAlsoWithoutWindows)
     EXPECT_FALSE(isActive());
 }
 
-TEST_F(AppDelegateTest, ViewsFollowTheComponentAndSetItUp)
-{
-    launch();
-    std::string seen;
-    const ObservationLoop view{laptop.mainLoop, [&] {
-                                   const auto& closedLid = *model().closedLid();
-                                   seen += std::string{caseName(closedLid.status())}
-                                       + (closedLid.isApplied() ? " applied " : " ");
-                               }};
-    model().closedLid()->install();
-    laptop.settle();
-    laptop.set({{"helper", "ready"}});
-    model().closedLid()->refreshStatus();
-    laptop.settle();
-    prefer(SessionMode::unlimited, {.closedLid = true});
-    model().start();
-    laptop.advance(1s);
-    EXPECT_EQ(seen, "notInstalled awaitingApproval ready ready applied ");
-}
-
 TEST_F(AppDelegateTest, TellsTheUserOfWhatTheyDidNotDo)
 {
     launch();
@@ -179,9 +166,7 @@ TEST_F(AppDelegateTest, WarnsOfHeatAndSoundsTheAlarmUnlessItIsOff)
 
 TEST_F(AppDelegateTest, AnOverheatedClosedMachineStaysAwakeForTheAlarm)
 {
-    launch();
-    laptop.platform.helper.service->onChange = nullptr; // a system that does not tell
-    laptop.set({{"helper", "ready"}, {"lid", "closed"}});
+    launchWithAShutLid();
     prefer(SessionMode::unlimited, {.closedLid = true});
     model().start();
     laptop.advance(1s);
@@ -198,9 +183,7 @@ TEST_F(AppDelegateTest, AnOverheatedClosedMachineStaysAwakeForTheAlarm)
 
 TEST_F(AppDelegateTest, AShutMachineStaysAwakeForTheCountdownToItsShutdown)
 {
-    launch();
-    laptop.platform.helper.service->onChange = nullptr; // a system that does not tell
-    laptop.set({{"helper", "ready"}, {"lid", "closed"}});
+    launchWithAShutLid();
     model().setClosedLid(true);
     laptop.settle();
     EXPECT_TRUE(isReady(coordinator().conditions().helper));
