@@ -86,26 +86,4 @@ TEST_F(AutostartEntryTest, StartsAProgramOfAnyName)
         usleep(10'000);
 }
 
-TEST(LoginItem, IsNotEnabledBeforeTheUserAllowsIt)
-{
-    struct Asking final : LoginService {
-        LoginServiceStatus status() const override { return now; }
-        std::expected<void, std::string> registerApplication() override
-        {
-            now = LoginServiceStatus::requiresApproval;
-            return {};
-        }
-        std::expected<void, std::string> unregisterApplication() override { return std::unexpected{"no"}; }
-        LoginServiceStatus now = LoginServiceStatus::notRegistered;
-    } service;
-    LoginItem item{&service};
-    item.setEnabled(true);
-    EXPECT_FALSE(item.isEnabled());
-    EXPECT_TRUE(item.requiresApproval());
-    service.now = LoginServiceStatus::enabled;
-    item.setEnabled(false);
-    EXPECT_TRUE(item.isEnabled()) << "it could not be taken back";
-    EXPECT_FALSE(item.requiresApproval());
-}
-
 } // namespace vespra
