@@ -51,7 +51,6 @@ TEST_F(AppModelTest, HasAnEndConditionExactlyWhileAnAgentSessionRuns)
 {
     connectClaude();
     model().start();
-    EXPECT_EQ(model().agentCondition(), nullptr) << "a timer has none";
     prefer(SessionMode::agent);
     model().start();
     EXPECT_EQ(model().agentCondition(), nullptr) << "the timer still runs";
@@ -66,51 +65,15 @@ TEST_F(AppModelTest, HasAnEndConditionExactlyWhileAnAgentSessionRuns)
     EXPECT_EQ(model().agentCondition(), nullptr);
 }
 
-TEST_F(AppModelTest, OptionsAreThoseOfTheSessionWhileOneRuns)
-{
-    model().setKeepsDisplayAwake(true);
-    EXPECT_TRUE(PreferencesStore::load(&defaults).options.keepsDisplayAwake);
-    model().start();
-    laptop.settle();
-    EXPECT_EQ(laptop.held(), "activity PreventUserIdleSystemSleep PreventUserIdleDisplaySleep");
-    prefer(SessionMode::timer);
-    EXPECT_TRUE(model().keepsDisplayAwake()) << "the session's";
-    model().setKeepsDisplayAwake(false);
-    laptop.settle();
-    EXPECT_EQ(laptop.held(), "activity PreventUserIdleSystemSleep");
-    EXPECT_FALSE(model().keepsDisplayAwake());
-}
-
 TEST_F(AppModelTest, RunsHotOnlyWhileAHotSessionGoesOn)
 {
-    const auto runsHot = [this](const char* level) {
+    for (const auto& [hasSession, level, isHot] : std::vector<std::tuple<bool, const char*, bool>>{
+             {false, "critical", false}, {true, "fair", false}, {true, "serious", true}, {true, "critical", true}}) {
         laptop.set({{"thermal", level}});
-        return model().isRunningHot();
-    };
-    EXPECT_FALSE(runsHot("critical")) << "no session";
-    laptop.set({{"thermal", "nominal"}, {"helper", "ready"}});
-    model().start();
-    EXPECT_FALSE(runsHot("fair"));
-    EXPECT_TRUE(runsHot("serious"));
-    EXPECT_TRUE(runsHot("critical"));
-}
-
-TEST_F(AppModelTest, KeepsEveryChoiceAtOnce)
-{
-    model().setPlaysHeatAlarm(false);
-    model().setShowsRemainingTimeInMenuBar(true);
-    EXPECT_EQ(defaults.flags,
-        (std::map<std::string, bool>{{"playsHeatAlarm", false}, {"showsRemainingTimeInMenuBar", true}}));
-    defaults.texts.erase("sessionPreferences");
-    model().setPreferences(model().preferences());
-    EXPECT_TRUE(defaults.texts.contains("sessionPreferences")) << "also what has not changed";
-
-    const AppModel next{{.platform = laptop.platform,
-        .defaults = &defaults,
-        .home = home.path(),
-        .supportDirectory = home / "support"}};
-    EXPECT_FALSE(next.playsHeatAlarm());
-    EXPECT_TRUE(next.showsRemainingTimeInMenuBar());
+        if (hasSession)
+            model().start();
+        EXPECT_EQ(model().isRunningHot(), isHot) << level;
+    }
 }
 
 TEST_F(AppModelTest, WhatChangesASettingKeepsNothingThatWasForThisRunOnly)
