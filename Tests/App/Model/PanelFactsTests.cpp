@@ -52,7 +52,6 @@ TEST_F(PanelFacts, SumUpWhatWatchesTheSession)
 {
     EXPECT_FALSE(panelFacts::guardrailSummary(model()));
     model().start();
-    EXPECT_EQ(panelFacts::guardrailSummary(model()), "Charger required");
     setSettings([](auto& settings) { settings.energy = {.requiresACPower = false, .stopsOnLowBattery = false}; });
     EXPECT_FALSE(panelFacts::guardrailSummary(model()));
     setSettings([](auto& settings) {
@@ -81,19 +80,6 @@ TEST_F(PanelFacts, ShowTheEndByAGuardrailUntilItIsDismissed)
     EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model())) << "a session runs";
     model().toggleSession();
     EXPECT_FALSE(panelFacts::visibleGuardrailEnd(model())) << "no guardrail's";
-}
-
-TEST_F(PanelFacts, NameTheAgentThatFinished)
-{
-    EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), "Your agents are done");
-    for (const auto& [cwd, title] : std::vector<std::pair<std::optional<std::string>, std::string>>{
-             {"/home/u/project", "Codex finished in project"},
-             {{}, "Codex is done"},
-         }) {
-        for (const auto signal : {AgentSignal::working, AgentSignal::finished})
-            model().agents().record({.agent = AgentKind::codex, .sessionID = title, .cwd = cwd, .signal = signal});
-        EXPECT_EQ(panelFacts::agentsFinishedTitle(model()), title);
-    }
 }
 
 TEST_F(PanelFacts, SetTheLengthInTheModesThatHaveOne)
