@@ -81,8 +81,6 @@ TEST_F(Notifier, EveryNotificationSaysWhatIsAgreed)
                  {"session.heatWarning",
                      localized("Your Mac is running hot"),
                      "The session continues. Make sure it has room to breathe."}},
-             {[&] { notifier.postEnded({end::LowBattery{5}, sixPM}); },
-                 {"session.ended", "Session ended \u2014 battery at 5%", localized("Your Mac can go to sleep again.")}},
              {[&] { notifier.postEnded({end::Overheating{}, sixPM}); },
                  {"session.ended",
                      localized("Session ended — Mac too hot"),
@@ -140,8 +138,6 @@ TEST(NotifierResponses, ReachExactlyTheOneTheyAreFor)
              {{"agents.finished", "agents.cancelForcedAction"}, {"cancel"}},
              {{"updates.available", ""}, {"open update"}},
              {{"session.endingSoon", ""}, {}},
-             {{"agents.finished", ""}, {}},
-             {{"session.ended", ""}, {}},
              {{"session.heatWarning", "unknown"}, {}},
          }) {
         SCOPED_TRACE(row.response.notification + " " + row.response.action);
