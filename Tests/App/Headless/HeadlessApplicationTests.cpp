@@ -43,8 +43,6 @@ TEST_F(HeadlessApplicationTest, ExitsByTheEndOfItsSession)
     for (const auto& [what, before, session, then, expected] : std::vector<Row>{
              {"refused", {{"charger", "off"}, {"battery", "20"}}, timer, [] {}, 3},
              {"time", {}, timer, [this] { laptop.advance(2h); }, 0},
-             {"stopped", {}, timer, [this] { model().toggleSession(); }, 0},
-             {"low battery", {{"charger", "off"}}, timer, [this] { laptop.set({{"battery", "20"}}); }, 11},
              {"battery limit", {{"charger", "off"}}, timer, [this] { laptop.advance(1h); }, 13},
              {"heat",
                  {{"helper", "ready"}},
