@@ -40,10 +40,8 @@ TEST_F(UpdatesTest, WhereNewVersionsComeByOtherMeansNothingHappens)
     launch();
     EXPECT_FALSE(model().updates().isAvailable());
     model().updates().setAutomaticallyChecks(true);
-    model().updates().setAutomaticallyInstalls(true);
     model().updates().checkForUpdates();
     EXPECT_FALSE(model().updates().automaticallyChecks());
-    EXPECT_FALSE(model().updates().automaticallyInstalls());
 }
 
 } // namespace vespra
