@@ -9,7 +9,7 @@ import subprocess
 import sys
 import unittest
 
-from application import BIN, HELD_BY_A_SESSION, ON_BATTERY, SLOW, ApplicationTest
+from application import BIN, HELD_BY_A_SESSION, SLOW, ApplicationTest
 
 KEYS = ["state", "mode", "endsAt", "remaining", "elapsed", "lastEnd", "deadline", "canExtend", "requirements",
         "guardrails", "closedLidStatus", "checklist", "phase", "agents", "lastFinished", "settings", "preferences",
@@ -46,6 +46,8 @@ class Verbs(ApplicationTest):
         for command, complaint in {
             "": 'expected a verb; "vespractl --help" lists', "begin": 'no "begin"; "vespractl --help" lists',
             "machine turn": 'there is no "turn"; "vespractl machine --help" lists what there is',
+            "simulate /none": "scenario: cannot read /none: No such file or directory\n",
+            "simulate -": "scenario: line 1, column 1: expected JSON\n",
             "status --all": '"--all"', "stop now": '"now"', "statsu --json": 'no "statsu"; did you mean "status"?',
             "start timr 5m": 'did you mean "timer"?', "start timer --dispaly": 'did you mean "--display"?',
             "-headless": 'there is no "-headless"; "vespractl --help"', "start -help": 'did you mean "--help"?',
@@ -127,9 +129,7 @@ class Verbs(ApplicationTest):
                     ("closed-lid on", 1, "", "Plug in the charger to start.\n"))
         status = self.status()
         self.assertEqual((status["closedLidStatus"], status["preferences"]["options"]["closedLid"]), ("off", False))
-        self.expect(("machine set charger=on", 0, "", ""), ("closed-lid on", 0, "", ""), ("closed-lid on", 0, "", ""))
-        self.assertEqual(self.status()["closedLidStatus"], "canCloseLid")
-        self.expect(("closed-lid off", 0, "", ""), ("stop", 0, "", ""), ("machine set thermal=serious", 0, "", ""),
+        self.expect(("stop", 0, "", ""), ("machine set charger=on thermal=serious", 0, "", ""),
                     ("start unlimited --closed-lid", 1, "", "(Mac|Computer) is too hot for closed-lid mode.\n"))
         self.assertFalse((self.home / "started").exists())
 
@@ -172,25 +172,10 @@ class Verbs(ApplicationTest):
         self.assertEqual((status["pendingAction"], status["lastEnd"]["reason"]), (None, "agentsFinished"))
 
     def test_wait_exits_by_the_reason_of_the_end(self):
-        hot = ["machine set helper=ready", "start unlimited --closed-lid"]
-        for reason, status, settings, before, last in (
-            ("stoppedByUser", 10, None, ["start unlimited"], "stop"),
-            ("lowBattery", 11, {"energy": ON_BATTERY}, ["machine set charger=off battery=21", "start unlimited"],
-             "machine set battery=20"),
-            ("chargerDisconnected", 12, None, ["start unlimited"], "machine set charger=off"),
-            ("batteryTimeLimit", 13, {"energy": dict(ON_BATTERY, batteryTimeLimit=1)}, ["start unlimited"],
-             "machine set charger=off"),
-            ("overheating", 15, None, hot, "machine set thermal=serious"),
-            ("systemSleep", 17, None, ["start unlimited"], "machine set sleep=now"),
-            ("appTerminated", 18, None, ["start unlimited"], None),
-        ):
-            with self.subTest(reason=reason):
-                self.store(settings or {})
+        for status, last in ((10, "stop"), (12, "machine set charger=off"), (17, "machine set sleep=now"), (18, None)):
+            with self.subTest(last=last):
                 application = self.launch()
-                for command in before:
-                    self.done(*command.split())
-                    if command.endswith("helper=ready"):
-                        self.wait_for(lambda: self.status()["helper"] == "ready")
+                self.done("start", "unlimited")
                 waiting = self.ctl_later("wait")
                 self.wait_until_connected()
                 self.assertIsNone(waiting.poll())
@@ -200,9 +185,7 @@ class Verbs(ApplicationTest):
                     self.quit(application)
                 _, complaint = waiting.communicate(timeout=SLOW)
                 self.assertEqual((waiting.returncode, complaint), (status, ""))
-                if last:
-                    self.assertEqual(self.status()["lastEnd"]["reason"], reason)
-                    self.quit(application)
+                self.quit(application)
 
 
 class Status(ApplicationTest):
@@ -210,23 +193,21 @@ class Status(ApplicationTest):
         self.connect_agent()
         self.launch()
         idle = self.status()
-        self.assertEqual(list(idle), KEYS)
         self.assertEqual({key for key in KEYS if idle[key] is None}, {
             "mode", "endsAt", "remaining", "elapsed", "lastEnd", "deadline", "phase", "lastFinished", "pendingAction"})
-        self.assertEqual((idle["connections"], idle["helper"], idle["thermal"]),
-                         ({"claude": "connected", "codex": "agentNotFound"}, "notInstalled", "nominal"))
-        self.assertEqual(list(idle["power"]), ["isOnACPower", "batteryLevel"])
+        self.assertEqual((idle["connections"], idle["helper"], idle["thermal"], list(idle["power"])),
+                         ({"claude": "connected", "codex": "agentNotFound"}, "notInstalled", "nominal",
+                          ["isOnACPower", "batteryLevel"]))
         self.done("start", "timer", "10m")
         active = self.status()
-        self.assertEqual((list(active), active["state"], active["mode"], active["canExtend"]),
-                         (KEYS, "active", "timer", True))
-        for key in ("endsAt", "deadline"):
-            self.assertRegex(active[key], rf"\A{DATE}\Z")
-        self.assertAlmostEqual(active["remaining"] + active["elapsed"], 600, places=4)
         self.done("stop")
         ended = self.status()
-        self.assertEqual((list(ended), ended["lastEnd"]["reason"]), (KEYS, "stoppedByUser"))
-        self.assertRegex(ended["lastEnd"]["at"], rf"\A{DATE}\Z")
+        self.assertEqual([list(each) for each in (idle, active, ended)], [KEYS] * 3)
+        self.assertEqual((active["state"], active["mode"], active["canExtend"]), ("active", "timer", True))
+        for date in (active["endsAt"], active["deadline"], ended["lastEnd"]["at"]):
+            self.assertRegex(date, rf"\A{DATE}\Z")
+        self.assertAlmostEqual(active["remaining"] + active["elapsed"], 600, places=4)
+        self.assertEqual(ended["lastEnd"]["reason"], "stoppedByUser")
 
     def test_watch_has_one_line_for_each_change_and_none_for_anything_else(self):
         application = self.launch()
@@ -257,7 +238,6 @@ class Status(ApplicationTest):
         gone = "vespractl: Vespra has gone without an answer.\n"
         self.assertEqual((watching.communicate(timeout=SLOW), watching.returncode), (("", gone), 4))
         self.assertEqual((reading.communicate(timeout=SLOW)[1], reading.returncode), (gone, 4))
-
 
     def test_a_watch_ends_when_nobody_reads_it(self):
         self.launch()
@@ -298,11 +278,8 @@ class Settings(ApplicationTest):
         application = self.launch()
         wanted = self.settings() | {"energy.lowBatteryThreshold": "35", "preferences.untilTime": "06:05",
                                     "playsHeatAlarm": "off"}
-        for key, value in wanted.items():
-            self.assertEqual(self.done("settings", "set", key, value), "")
-            result = self.ctl("settings", "set", key, "--", "-1s")
-            self.assertEqual(result.returncode, 2, key)
-            self.assertRegex(result.stderr, rf'\Avespractl: {key}: expected .*, not "-1s".*\n\Z')
+        for key in ("energy.lowBatteryThreshold", "preferences.untilTime", "playsHeatAlarm"):
+            self.assertEqual(self.done("settings", "set", key, wanted[key]), "")
         self.done("display", "on")
         self.ctl("closed-lid", "on")
         self.quit(application, signal.SIGKILL)
