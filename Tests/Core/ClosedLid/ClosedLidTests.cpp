@@ -1,5 +1,4 @@
 #include "Core/ClosedLid/ClosedLidLease.h"
-#include "Core/ClosedLid/SleepOverrideLedger.h"
 #include "Core/Energy/PowerSnapshot.h"
 #include "Core/Energy/ThermalLevel.h"
 
@@ -18,25 +17,6 @@ TEST(ClosedLidLease, ExpiresAtItsEndAndNeverMovesBack)
     lease.renew(start + 10s);
     lease.renew(start + 5s);
     EXPECT_EQ(lease.expiresAt(), start + 35s);
-}
-
-TEST(SleepOverrideLedger, KeepsTheFirstOriginal)
-{
-    const Instant start;
-    for (const bool original : {false, true}) {
-        SleepOverrideLedger ledger;
-        EXPECT_EQ(ledger.prepareRestore(), std::nullopt);
-        EXPECT_FALSE(ledger.needsRecovery());
-        const auto first = ledger.prepareApply(original, start);
-        EXPECT_EQ(first, (SleepOverrideRecord{original, start}));
-        EXPECT_EQ(ledger.prepareApply(!original, start + 1s), first);
-
-        SleepOverrideLedger afterCrash{ledger.record()};
-        EXPECT_TRUE(afterCrash.needsRecovery());
-        EXPECT_EQ(afterCrash.prepareApply(!original, start + 2s), first);
-        EXPECT_EQ(afterCrash.prepareRestore(), original);
-        EXPECT_EQ(afterCrash.prepareRestore(), std::nullopt);
-    }
 }
 
 TEST(PowerSnapshot, ReadsTheSystemsList)
