@@ -3,20 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 using namespace vespra;
 
 namespace {
-
-TEST(DurationSteps, AscendFromAMinuteToADay)
-{
-    const auto& values = DurationSteps::values();
-    EXPECT_EQ(values.size(), 45u);
-    EXPECT_TRUE(std::ranges::is_sorted(values));
-    EXPECT_EQ(values.front(), 60s);
-    EXPECT_EQ(values.back(), 24h);
-}
 
 TEST(DurationSteps, StepStrictlyUpAndDown)
 {
