@@ -9,12 +9,6 @@ namespace {
 
 Instant at(const char* text) { return Instant::fromISO8601(text).value(); }
 
-TEST(TimeOfDay, ClampsToTheClock)
-{
-    EXPECT_EQ((TimeOfDay{24, 60}), (TimeOfDay{23, 59}));
-    EXPECT_EQ((TimeOfDay{-1, -1}), (TimeOfDay{0, 0}));
-}
-
 TEST(TimeOfDay, StepsToTheNextQuarterAcrossMidnight)
 {
     struct Row {
@@ -63,11 +57,7 @@ TEST(TimeOfDay, NextOccurrenceIsStrictlyLaterAndAtMostADayAhead)
              {"also in winter", paris, {12, 0}, "2040-01-01T08:00:00Z", "2040-01-01T11:00:00Z"},
              {"south of the equator", "Australia/Sydney", {12, 0}, "2050-01-01T00:00:00Z", "2050-01-01T01:00:00Z"},
              {"a skip at midnight", "America/Havana", {0, 30}, "2026-03-08T03:00:00Z", "2026-03-08T05:00:00Z"},
-             {"a skip before midnight, by rule",
-                 "America/Nuuk",
-                 {0, 30},
-                 "2040-03-25T00:15:00Z",
-                 "2040-03-25T01:30:00Z"},
+             {"before midnight, by rule", "America/Nuuk", {0, 30}, "2040-03-25T00:15:00Z", "2040-03-25T01:30:00Z"},
              {"half an hour", "Australia/Lord_Howe", {2, 15}, "2026-10-03T15:00:00Z", "2026-10-03T15:30:00Z"},
          }) {
         SCOPED_TRACE(row.rule);
@@ -108,24 +98,15 @@ TEST(Calendar, AgreesWithTheSystemsDateInEveryZoneAndFormOfTZ)
     EXPECT_EQ(shownByDate(TimeOfDay(9, 30).nextOccurrence(at("2026-07-01T12:00:00Z"), calendar)), "09:30:00");
 }
 
-TEST(Calendar, RefusesAnUnknownZone)
-{
-    EXPECT_EQ(Calendar::inZone("Mars/Olympus").error(), "unknown time zone \"Mars/Olympus\"");
-}
-
 TEST(Instant, ReadsAndWritesISO8601)
 {
     EXPECT_EQ(at("2026-01-31T10:15:00+01:00").iso8601(), "2026-01-31T09:15:00Z");
     EXPECT_EQ(at("2026-01-31T09:15:00.999Z").iso8601(), "2026-01-31T09:15:00Z");
-    for (const char* text : {"",
-             "2026-01-31",
-             "2026-01-31T09:15:00",
-             "2026-01-31T09:15:00Zx",
-             "2026-13-01T00:00:00Z",
-             "2026-01-31T25:00:00Z",
-             "9999-01-01T00:00:00Z",
-             "yesterday"})
+    std::istringstream wrong{"2026-01-31 2026-01-31T09:15:00 2026-01-31T09:15:00Zx 2026-13-01T00:00:00Z "
+                             "2026-01-31T25:00:00Z 9999-01-01T00:00:00Z yesterday"};
+    for (std::string text; wrong >> text;)
         EXPECT_FALSE(Instant::fromISO8601(text)) << text;
+    EXPECT_FALSE(Instant::fromISO8601(""));
 }
 
 TEST(Instant, SumsOfDecimalFractionsCompareAsTheyRead)
