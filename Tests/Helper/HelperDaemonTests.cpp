@@ -296,6 +296,12 @@ namespace {
         };
         for (const auto& row : std::vector<Row>{
                  {"nothing happens", [] {}, 6},
+                 {"it is not heard for an hour",
+                     [&] {
+                         time.advance(1h);
+                         EXPECT_TRUE(daemon->isIdle() && time.pendingTasks() == 0);
+                     },
+                     std::size_t{ShutLidSleep::mostLooks}},
                  {"the lid opens", [&] { machine.isLidShut = false; }, 1},
                  {"it sleeps, and is woken with its lid shut", [&] { time.sleep(1h); }, 1},
                  {"the system is about to sleep", [&] { daemon->systemWillSleep(); }, 1},
@@ -313,17 +319,6 @@ namespace {
             EXPECT_EQ(machine.deeds.size(), row.expected);
             end();
         }
-    }
-
-    TEST_F(HelperDaemonTest, StopsAskingAtSomeTime)
-    {
-        machine.isLidShut = true;
-        startEnabled();
-        session.reset();
-        time.advance(1h);
-        EXPECT_EQ(machine.deeds.size(), std::size_t{ShutLidSleep::mostLooks});
-        EXPECT_TRUE(daemon->isIdle());
-        EXPECT_EQ(time.pendingTasks(), 0u);
     }
 
     /// What two clients, kills and time do in any order, on any disk: the override never outlives the last sign of life
