@@ -38,20 +38,15 @@ namespace {
         EXPECT_EQ(ledger.read(), nothing);
         ASSERT_TRUE(ledger.write({}));
         ASSERT_TRUE(ledger.write(sample));
+        struct stat file, folder;
+        ASSERT_EQ(stat(path.c_str(), &file) + stat(state.c_str(), &folder), 0);
+        EXPECT_EQ(file.st_mode & 0777, 0600u);
+        EXPECT_EQ(folder.st_mode & 0777, 0700u);
         EXPECT_EQ(LedgerFile{state}.read(), Reading{sample});
         ASSERT_TRUE(ledger.erase());
         ASSERT_TRUE(ledger.erase());
         EXPECT_EQ(ledger.read(), nothing);
         EXPECT_TRUE(std::filesystem::is_empty(state));
-    }
-
-    TEST_F(LedgerFileTest, IsForItsOwnerAlone)
-    {
-        ASSERT_TRUE(ledger.write(sample));
-        struct stat file, folder;
-        ASSERT_EQ(stat(path.c_str(), &file) + stat(state.c_str(), &folder), 0);
-        EXPECT_EQ(file.st_mode & 0777, 0600u);
-        EXPECT_EQ(folder.st_mode & 0777, 0700u);
     }
 
     TEST_F(LedgerFileTest, KeepsAsideWhatItCannotRead)
@@ -65,16 +60,13 @@ namespace {
             EXPECT_EQ(ledger.read(), nothing);
             EXPECT_EQ(textOf(path.string() + ".bad"), text);
         }
-        putText(path, std::string(100'000, ' ') + R"({"originalSleepDisabled":true,"appliedAt":0})");
+        const std::string sound = R"({"originalSleepDisabled":true,"appliedAt":0})";
+        putText(path, std::string(100'000, ' ') + sound);
         EXPECT_FALSE(ledger.read());
-    }
-
-    TEST_F(LedgerFileTest, FollowsNoLink)
-    {
-        putText(directory / "elsewhere", R"({"originalSleepDisabled":true,"appliedAt":0})");
-        std::filesystem::create_directories(state);
+        putText(directory / "elsewhere", sound);
+        std::filesystem::remove(path);
         std::filesystem::create_symlink(directory / "elsewhere", path);
-        EXPECT_FALSE(ledger.read());
+        EXPECT_FALSE(ledger.read()) << "follows no link";
     }
 
     TEST_F(LedgerFileTest, NothingThatFailsCountsAsDone)
