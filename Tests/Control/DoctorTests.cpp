@@ -12,11 +12,12 @@ namespace vespra::doctor {
 TEST(Doctor, BelievesThatASessionIsHeldOnlyIfEachServiceSaysSo)
 {
     const SessionMarker::Session running{.pid = 7, .platform = "linux"};
-    const auto held = [](const char* service, const char* what, const char* who, const char* mode, long pid) {
+    using Text = const char*;
+    const auto held = [](Text service, Text what, Text who = "Vespra", Text mode = "block", long pid = 7) {
         return Inhibitor{.service = service, .what = what, .who = who, .why = "", .mode = mode, .pid = pid};
     };
-    const Inhibitor ours = held("logind", "idle", "Vespra", "block", 7),
-                    gnome = held("gsm", "suspend", "Vespra", "", 0);
+    const Inhibitor ours = held("logind", "idle"), gnome = held("gsm", "suspend", "Vespra", "", 0),
+                    another = held("gsm", "suspend", "Other", "", 0);
     const Keeper logind{"logind", "idle", true}, silentLogind{"logind", "idle", false}, desktop{"gsm", "suspend", true},
         silentDesktop{"gsm", "suspend", false};
     struct Row {
@@ -32,20 +33,12 @@ TEST(Doctor, BelievesThatASessionIsHeldOnlyIfEachServiceSaysSo)
              {"our lock is there", running, {ours}, {logind}, Verdict::listed},
              {"nothing is there", running, {}, {logind}, Verdict::missing},
              {"another's lock", running, {held("logind", "idle", "Vespra", "block", 6)}, {logind}, Verdict::missing},
-             {"a delay", running, {held("logind", "sleep:idle", "Vespra", "delay", 7)}, {logind}, Verdict::missing},
-             {"for something else",
-                 running,
-                 {held("logind", "sleep", "Vespra", "block", 7)},
-                 {logind},
-                 Verdict::missing},
+             {"a delay", running, {held("logind", "sleep:idle", "Vespra", "delay")}, {logind}, Verdict::missing},
+             {"for something else", running, {held("logind", "sleep")}, {logind}, Verdict::missing},
              {"both list it", running, {ours, gnome}, {logind, desktop}, Verdict::listed},
              {"the desktop does not", running, {ours}, {logind, desktop}, Verdict::missing},
              {"logind does not", running, {gnome}, {logind, desktop}, Verdict::missing},
-             {"the desktop lists another's",
-                 running,
-                 {ours, held("gsm", "suspend", "Other", "", 0)},
-                 {logind, desktop},
-                 Verdict::missing},
+             {"the desktop lists another's", running, {ours, another}, {logind, desktop}, Verdict::missing},
              {"the desktop does not tell", running, {ours}, {logind, silentDesktop}, Verdict::unknown},
              {"it is missing in any case", running, {}, {logind, silentDesktop}, Verdict::missing},
              {"logind does not answer", running, {gnome}, {silentLogind, desktop}, Verdict::unknown},
