@@ -20,7 +20,7 @@ namespace {
 using Connection = HookSettingsFile::Connection;
 using Failure = HookSettingsFile::Failure;
 
-const auto now = Instant::fromISO8601("2026-01-31T09:15:00Z").value();
+const auto morning = Instant::fromISO8601("2026-01-31T09:15:00Z").value();
 const auto partlyOurs = R"({"model":"x","hooks":{"Stop":[{"hooks":[{"command":"vespra-agent"}]}]}})";
 
 /// A home directory with Claude Code in it, and the settings file under test.
@@ -87,7 +87,7 @@ TEST(HookSettingsFile, TellsHowTheAgentIsConnected)
     const Home home;
     fs::remove(home.directory / ".claude");
     EXPECT_EQ(home.settings().connection(), Connection::agentNotFound);
-    EXPECT_EQ(home.settings().connect(now).error(), Failure::agentNotFound);
+    EXPECT_EQ(home.settings().connect(morning).error(), Failure::agentNotFound);
 }
 
 TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
@@ -96,7 +96,7 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
         std::vector<std::optional<std::string>>{{}, "", "{ \"model\" : 1.50 }", "\t{\r\n}\r\n", R"({"hooks":{}})"}) {
         SCOPED_TRACE(text.value_or("absent"));
         const Home home{text};
-        ASSERT_TRUE(home.settings().connect(now));
+        ASSERT_TRUE(home.settings().connect(morning));
         EXPECT_EQ(home.text(), home.installed(text));
         EXPECT_EQ(home.backups(), text ? std::multiset{*text} : std::multiset<std::string>{});
 
@@ -104,10 +104,10 @@ TEST(HookSettingsFile, DisconnectingAtOncePutsBackEveryByte)
         EXPECT_EQ(record.contains("original"), text.has_value());
         EXPECT_EQ(record["written"], *home.text());
 
-        ASSERT_TRUE(home.settings().disconnect(now));
+        ASSERT_TRUE(home.settings().disconnect(morning));
         EXPECT_FALSE(fs::exists(home.work / "claude.json"));
         const auto backups = home.backups();
-        ASSERT_TRUE(home.settings().disconnect(now)) << "what holds no hooks of ours";
+        ASSERT_TRUE(home.settings().disconnect(morning)) << "what holds no hooks of ours";
         EXPECT_EQ(home.text(), text);
         EXPECT_EQ(home.backups(), backups);
     }
@@ -118,11 +118,11 @@ TEST(HookSettingsFile, DisconnectingKeepsWhatCameInBetweenAndNeverPutsHooksOfOur
     for (const auto& [before, changesInBetween] : {std::pair{"{}\n", true}, {partlyOurs, true}, {partlyOurs, false}}) {
         SCOPED_TRACE(before);
         const Home home{before};
-        ASSERT_TRUE(home.settings().connect(now));
+        ASSERT_TRUE(home.settings().connect(morning));
         if (changesInBetween)
             home.write(OrderedJSON::parse(home.text().value())->setting("model", "x").formatted());
         const auto changed = home.text().value();
-        ASSERT_TRUE(home.settings().disconnect(now));
+        ASSERT_TRUE(home.settings().disconnect(morning));
         EXPECT_EQ(home.text(), "{\n  \"model\": \"x\"\n}");
         EXPECT_TRUE(home.hasBackup(changed));
     }
@@ -132,19 +132,19 @@ TEST(HookSettingsFile, LeavesAFileAloneThatItCannotUse)
 {
     for (const std::string text : {"{", R"({"hooks":[]})", "{}\x80"}) {
         const Home home{text};
-        EXPECT_EQ(home.settings().connect(now).error(), Failure::unreadableSettings) << text;
+        EXPECT_EQ(home.settings().connect(morning).error(), Failure::unreadableSettings) << text;
         EXPECT_EQ(home.text(), text);
         EXPECT_TRUE(home.backups().empty());
     }
     const Home home;
     fs::create_directory(home.file);
-    EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
-    EXPECT_TRUE(home.settings().disconnect(now));
+    EXPECT_EQ(home.settings().connect(morning).error(), Failure::writeFailed);
+    EXPECT_TRUE(home.settings().disconnect(morning));
     fs::remove(home.file);
-    EXPECT_TRUE(home.settings().disconnect(now)) << "a deleted file needs none";
+    EXPECT_TRUE(home.settings().disconnect(morning)) << "a deleted file needs none";
     EXPECT_FALSE(fs::exists(home.file));
     ASSERT_EQ(mkfifo(home.file.c_str(), 0600), 0);
-    EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
+    EXPECT_EQ(home.settings().connect(morning).error(), Failure::writeFailed);
     EXPECT_TRUE(fs::is_fifo(home.file));
 }
 
@@ -154,7 +154,7 @@ TEST(HookSettingsFile, KeepsEveryBackupOfOneSecond)
     const std::multiset<std::string> texts{"{ }", "{\"a\":1}", "{\"a\":2}", ""};
     for (const auto& text : texts) {
         home.write(text);
-        ASSERT_TRUE(home.settings().connect(now));
+        ASSERT_TRUE(home.settings().connect(morning));
         EXPECT_EQ(home.settings().connection(), Connection::connected);
     }
     EXPECT_EQ(home.backups(), texts);
@@ -171,7 +171,7 @@ TEST(HookSettingsFile, KeepsModeAndOwnerAndMakesItsOwnFilesPrivate)
         ASSERT_EQ(chown(home.file.c_str(), 1234, 5678), 0);
     }
     for (const bool connects : {true, false}) {
-        ASSERT_TRUE(connects ? home.settings().connect(now) : home.settings().disconnect(now));
+        ASSERT_TRUE(connects ? home.settings().connect(morning) : home.settings().disconnect(morning));
         EXPECT_EQ(mode(home.file), 0640u);
         struct stat status{};
         ASSERT_EQ(stat(home.file.c_str(), &status), 0);
@@ -186,7 +186,7 @@ TEST(HookSettingsFile, KeepsModeAndOwnerAndMakesItsOwnFilesPrivate)
         EXPECT_EQ(mode(home.directory / directory), 0700u) << directory;
 
     const Home empty;
-    ASSERT_TRUE(empty.settings().connect(now));
+    ASSERT_TRUE(empty.settings().connect(morning));
     EXPECT_EQ(mode(empty.file), 0600u);
 }
 
@@ -199,7 +199,7 @@ TEST(HookSettingsFile, KeepsTheOwnerOfAFileWhoseGroupItCannotKeep)
         ASSERT_EQ(chown(path.c_str(), 1234, 5678), 0);
     fs::permissions(home.file, fs::perms{0640});
     ASSERT_EQ(seteuid(1234), 0);
-    const auto connected = home.settings().connect(now);
+    const auto connected = home.settings().connect(morning);
     ASSERT_EQ(seteuid(0), 0);
     EXPECT_TRUE(connected);
     EXPECT_EQ(mode(home.file), 0640u);
@@ -217,17 +217,17 @@ TEST(HookSettingsFile, FollowsLinksAndLeavesThemLinks)
         fs::create_symlink(home.directory / "dotfiles/link", home.directory / ".claude/second");
         fs::create_symlink("../.claude/second", home.file);
 
-        ASSERT_TRUE(home.settings().connect(now));
+        ASSERT_TRUE(home.settings().connect(morning));
         EXPECT_EQ(home.settings().connection(), Connection::connected);
         EXPECT_TRUE(fs::is_symlink(home.file) && fs::is_symlink(home.directory / "dotfiles/link"));
         EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
-        ASSERT_TRUE(home.settings().disconnect(now));
+        ASSERT_TRUE(home.settings().disconnect(morning));
         EXPECT_EQ(textOf(target), text ? std::optional<std::string>{text} : std::nullopt);
         EXPECT_TRUE(fs::is_symlink(home.file));
     }
     const Home home;
     fs::create_symlink("settings.json", home.file);
-    EXPECT_EQ(home.settings().connect(now).error(), Failure::writeFailed);
+    EXPECT_EQ(home.settings().connect(morning).error(), Failure::writeFailed);
 }
 
 TEST(HookSettingsFile, ComputesAgainWhatSomebodyElseChangedMeanwhile)
@@ -243,7 +243,7 @@ TEST(HookSettingsFile, ComputesAgainWhatSomebodyElseChangedMeanwhile)
             if (fs::exists(home.directory / ".claude/.settings.json.vespra-1") && changes < most)
                 home.write("{\"change\":" + std::to_string(++changes) + "}");
         };
-        const auto connected = home.settings(files).connect(now);
+        const auto connected = home.settings(files).connect(morning);
         const auto theirs = "{\"change\":" + std::to_string(most) + "}";
         EXPECT_EQ(connected.has_value(), succeeds);
         EXPECT_EQ(home.text(), succeeds ? home.installed(theirs) : theirs);
@@ -261,10 +261,10 @@ TEST(HookSettingsFile, ConnectingSeveralTimesAtOnceKeepsTheRecord)
         isHit = false;
         files.afterSync = [&, syncs = 0]() mutable {
             if (syncs++ == step)
-                isHit = home.settings().connect(now).has_value();
+                isHit = home.settings().connect(morning).has_value();
         };
-        ASSERT_TRUE(home.settings(files).connect(now));
-        ASSERT_TRUE(home.settings().disconnect(now));
+        ASSERT_TRUE(home.settings(files).connect(morning));
+        ASSERT_TRUE(home.settings().disconnect(morning));
         EXPECT_EQ(home.text(), "{ }") << "after " << step;
     }
 }
@@ -322,7 +322,7 @@ TEST(HookSettingsFile, SurvivesAFaultBeforeEveryStep)
                 SCOPED_TRACE(testing::Message() << operation.name << ", " << static_cast<int>(fault) << " at " << step);
                 const Home home{operation.text};
                 if (operation.disconnects) {
-                    ASSERT_TRUE(home.settings(healthy).connect(now));
+                    ASSERT_TRUE(home.settings(healthy).connect(morning));
                 }
                 if (operation.changesInBetween)
                     home.write("\n" + *home.text());
@@ -330,7 +330,7 @@ TEST(HookSettingsFile, SurvivesAFaultBeforeEveryStep)
 
                 FaultyFiles files{fault, step};
                 const auto settings = home.settings(files);
-                const auto result = operation.disconnects ? settings.disconnect(now) : settings.connect(now);
+                const auto result = operation.disconnects ? settings.disconnect(morning) : settings.connect(morning);
                 isHit = files.isHit();
                 checkAfterFault(home, before, operation);
                 if (!isHit) {
@@ -348,9 +348,9 @@ TEST(HookSettingsFile, SurvivesAFaultBeforeEveryStep)
                 }
 
                 // Whatever state that left, the way back is open.
-                ASSERT_TRUE(home.settings(healthy).connect(now));
+                ASSERT_TRUE(home.settings(healthy).connect(morning));
                 ASSERT_EQ(home.settings().connection(), Connection::connected);
-                ASSERT_TRUE(home.settings(healthy).disconnect(now));
+                ASSERT_TRUE(home.settings(healthy).disconnect(morning));
                 ASSERT_EQ(home.settings().connection(), Connection::notConnected);
                 const auto users = home.settings().installer.uninstalling(operation.text.value_or("{}"));
                 ASSERT_EQ(OrderedJSON::parse(home.text().value_or("{}")), OrderedJSON::parse(users.value()));
