@@ -138,7 +138,8 @@ class Verbs(ApplicationTest):
         no = "Closed lid: {}\n".format
         self.expect(("closed-lid on", 5, "", no("Not set up")),
                     ("closed-lid set-up", 5, "", no("Waiting for your approval")),
-                    ("start unlimited", 5, FOREVER, no("Waiting for your approval")), ("stop", 0, "", ""),
+                    ("start unlimited", 5, FOREVER, no("Waiting for your approval")),
+                    ("run true", 0, "", no("Waiting for your approval")), ("stop", 0, "", ""),
                     ("machine set helper=ready", 0, "", ""), ("closed-lid set-up", 0, "", ""),
                     ("start unlimited --closed-lid", 0, FOREVER, ""))
         self.assertEqual(self.status()["closedLidStatus"], "canCloseLid")
@@ -258,6 +259,7 @@ class Output(ApplicationTest):
                 process = self.spawn(BIN / "vespractl", *command.split(), stdout=full, stderr=subprocess.PIPE)
                 self.assertEqual((process.wait(SLOW), process.stderr.read()), (
                     1, "vespractl: cannot write to standard output: No space left on device\n"))
+                self.assertEqual(self.spawn(BIN / "vespra", "--help", stdout=full, stderr=subprocess.PIPE).wait(SLOW), 1)
 
     def test_no_file_takes_the_place_of_a_closed_descriptor(self):
         for program in (("vespra", "--headless", "--platform", "simulated", "--unlimited"), ("vespractl", "status")):

@@ -21,6 +21,7 @@ class Run(ApplicationTest):
             (("sh", "-c", "kill -TERM $$"), -signal.SIGTERM, ""), (("sh", "-c", "kill -KILL $$"), -signal.SIGKILL, ""),
             (("/none",), 127, ""), (("--", "--"), 127, ""), (("",), 127, ""), ((text,), 126, ""),
             ((script, "word"), 5, "word\n"),
+            (("grep", "SigIgn", "/proc/self/status"), 0, "SigIgn:\t0000000000000000\n"),
             (("--display", "printf", "%s|", "[1,2,3]", "[]", "", "--display", "--", "-x"), 0,
              "[1,2,3]|[]||--display|--|-x|"),
             ((), 125, ""), (("--none", "echo"), 125, ""),

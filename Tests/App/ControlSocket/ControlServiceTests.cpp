@@ -1,7 +1,7 @@
 #include "App/ControlSocket/ControlService.h"
 
 #include "App/Model/ModelSettings.h"
-
+#include "App/Model/PreferencesStore.h"
 #include "Tests/Support/LaunchedApplication.h"
 
 #include <gmock/gmock.h>
@@ -41,6 +41,16 @@ TEST_F(ControlServiceTest, StartsEveryPlanForThisTimeOnly)
         coordinator().stop(end::StoppedByUser{});
     }
     EXPECT_EQ(model().preferences(), before);
+}
+
+TEST_F(ControlServiceTest, WhatIsSetKeepsNothingThatWasForThisRunOnly)
+{
+    auto forThisRun = coordinator().settings();
+    forThisRun.agents.graceDelay = 1min;
+    coordinator().setSettings(forThisRun);
+    ControlService{model()}.reply(
+        *controlProtocol::request(R"({"request":"set","key":"agentSafetyCap","value":"3h"})"));
+    EXPECT_EQ(PreferencesStore::loadSettings(&defaults), SessionSettings{.agentSafetyCap = 3h});
 }
 
 TEST_F(ControlServiceTest, KeepsEverySettingWhereItBelongsAndWritesNoOther)

@@ -170,6 +170,15 @@ TEST_F(AppModelTest, CommandsShareASessionAndItsOptionsGoWithTheLastThatAskedFor
         commands.end(plain);
         EXPECT_FALSE(isActive());
     }
+    const auto stopped = begin(display);
+    coordinator().stop(end::StoppedByUser{});
+    model().setKeepsDisplayAwake(true);
+    model().start();
+    commands.end(stopped);
+    commands.end(begin({}));
+    EXPECT_TRUE(isActive() && model().keepsDisplayAwake()) << "the user's, unlike the one that was stopped";
+    coordinator().stop(end::StoppedByUser{});
+    model().setKeepsDisplayAwake(false);
     laptop.set({{"helper", "ready"}, {"thermal", "serious"}});
     const RunningCommands::Wishes lid{.keepsDisplayAwake = true, .closedLid = true};
     EXPECT_EQ(commands.begin(lid, {}).error(), StartRefusal{refusal::TooHot{}});

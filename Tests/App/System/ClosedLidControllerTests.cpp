@@ -268,6 +268,7 @@ namespace {
         startSession();
         helper.onChange = nullptr;
         helper.setMode(Mode::failed);
+        EXPECT_FALSE(coordinator.conditions().lidSleepDisabled) << "at once";
         helper.setMode(Mode::ready);
         mainLoop.run();
         EXPECT_TRUE(isApplied());
