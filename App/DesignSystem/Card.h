@@ -1,0 +1,74 @@
+#pragma once
+
+#include "App/DesignSystem/Label.h"
+
+#include <QBoxLayout>
+
+namespace vespra {
+
+/// A surface of rows, with a hairline between those that are shown.
+class Card final : public QWidget {
+public:
+    explicit Card(const Theme& theme);
+
+    template <class Row> Row& add(Row* row) { return added(*layout_, row); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const Theme theme_;
+    QVBoxLayout* layout_;
+    FollowsLook follows_;
+};
+
+/// A title, what explains it below, and a control at the side.
+class Row final : public QWidget {
+public:
+    /// `control` may be null; the row owns it.
+    Row(const Theme& theme, const std::string& title, QWidget* control);
+
+    /// Empty: no line.
+    void showSubtitle(const std::string& text);
+
+private:
+    Label* subtitle_;
+};
+
+/// What an agent, or a component, does now: a dot and a word in its colour.
+class Activity final : public QWidget {
+public:
+    explicit Activity(const Theme& theme);
+
+    void show(const std::string& text, Ink ink);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const Theme theme_;
+    Label* text_;
+    Ink ink_ = &Tokens::text3;
+    FollowsLook follows_;
+};
+
+/// One thing of a checklist.
+class CheckLine final : public QWidget {
+public:
+    enum class State { ok, pending, failed };
+
+    explicit CheckLine(const Theme& theme);
+
+    void show(const std::string& text, State state);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const Theme theme_;
+    Label* text_;
+    State state_ = State::pending;
+    FollowsLook follows_;
+};
+
+} // namespace vespra

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "App/DesignSystem/Look.h"
+#include "Core/Observation/ObservationLoop.h"
+
+#include <QLayout>
+#include <QWidget>
+
+#include <string>
+
+namespace vespra {
+
+/// What every control is made with; both outlive it.
+struct Theme {
+    MainLoop& mainLoop;
+    const Look& look;
+};
+
+/// Draws `widget` anew, at its new size, whenever the look changes.
+class FollowsLook {
+public:
+    FollowsLook(const Theme& theme, QWidget& widget)
+        : loop_{theme.mainLoop, [&look = theme.look, &widget] {
+                    look.tokens();
+                    look.scale();
+                    widget.updateGeometry();
+                    widget.update();
+                }}
+    {
+    }
+
+private:
+    ObservationLoop loop_;
+};
+
+inline QString qtText(const std::string& text) { return QString::fromStdString(text); }
+
+/// Adds a child to a layout and returns it.
+template <class Widget, class Layout> Widget& added(Layout& layout, Widget* widget, int stretch = 0)
+{
+    layout.addWidget(widget, stretch);
+    return *widget;
+}
+
+} // namespace vespra
