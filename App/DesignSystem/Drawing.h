@@ -22,7 +22,8 @@ enum class ButtonKind { primary, plain, stop, quiet };
 // Each fills `area`; distances inside it grow with `scale`.
 
 /// The ground of a button; its text stands in `buttonText`.
-void drawButton(QPainter& painter, const QRectF& area, ButtonKind kind, double radius, ControlState state, const Tokens& tokens);
+void drawButton(
+    QPainter& painter, const QRectF& area, ButtonKind kind, double radius, ControlState state, const Tokens& tokens);
 QColor buttonText(ButtonKind kind, ControlState state, const Tokens& tokens);
 
 /// A switch; `knob` is 0 (off) to 1 (on).
@@ -33,7 +34,8 @@ void drawSegments(QPainter& painter, const QRectF& area, double scale, const Tok
 void drawChosenSegment(QPainter& painter, const QRectF& area, double scale, const Tokens& tokens);
 
 /// The time left, 0 to 1, clockwise from twelve o'clock; absent: dots all around.
-void drawRing(QPainter& painter, const QRectF& area, std::optional<double> remaining, double scale, const Tokens& tokens);
+void drawRing(
+    QPainter& painter, const QRectF& area, std::optional<double> remaining, double scale, const Tokens& tokens);
 
 /// A surface that holds rows.
 void drawCard(QPainter& painter, const QRectF& area, double scale, const Tokens& tokens);

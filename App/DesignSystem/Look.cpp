@@ -52,10 +52,7 @@ Look::Look(const Appearance& appearance, const QFont& base)
 {
 }
 
-double Look::scale() const
-{
-    return std::clamp(QFontInfo{base_.get()}.pixelSize() / usualSize, 1.0, largestScale);
-}
+double Look::scale() const { return std::clamp(QFontInfo{base_.get()}.pixelSize() / usualSize, 1.0, largestScale); }
 
 int Look::units(double points) const { return static_cast<int>(std::lround(scaled(points))); }
 

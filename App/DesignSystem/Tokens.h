@@ -8,7 +8,8 @@ namespace vespra {
 
 /// Every colour of the look, by what it is for. The soft ones are laid over a surface.
 struct Tokens {
-    QColor window, panel, surface, surface2, raised; // grounds, from the back to the front; surface2 for what is pressed
+    QColor window, panel, surface, surface2,
+        raised; // grounds, from the back to the front; surface2 for what is pressed
     QColor line, line2; // hairlines, and those of a control
     QColor text, text2, text3; // what is said, what explains, what is not active
     QColor accent, accentFill, onAccent, accentSoft; // as text; as ground, the text on it; behind an icon

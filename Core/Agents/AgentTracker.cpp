@@ -25,6 +25,19 @@ namespace {
         return AgentActivity::idle;
     }
 
+    AgentSession newSession(const std::string& id, const AgentEvent& event)
+    {
+        return {.id = id, .agent = event.agent, .cwd = {}, .lastEventAt = event.date, .activitySince = event.date};
+    }
+
+    void take(AgentSession& session, AgentActivity activity, Instant now)
+    {
+        if (activity != session.activity)
+            session.activitySince = now;
+        session.activity = activity;
+        session.hasWorked = session.hasWorked || activity != AgentActivity::idle;
+    }
+
     auto find(auto& sessions, const std::string& id) { return std::ranges::find(sessions, id, &AgentSession::id); }
 
 } // namespace
@@ -70,10 +83,10 @@ void AgentTracker::update(const std::string& id, const AgentEvent& event)
     const auto updated = sessions_.modify([&](std::vector<AgentSession>& sessions) {
         auto session = find(sessions, id);
         if (session == sessions.end())
-            session = sessions.insert(session, {.id = id, .agent = event.agent, .cwd = {}, .lastEventAt = {}});
+            session = sessions.insert(session, newSession(id, event));
         if (event.cwd)
             session->cwd = event.cwd;
-        session->activity = activityAfter(event.signal);
+        take(*session, activityAfter(event.signal), event.date);
         session->lastEventAt = event.date;
         return *session;
     });

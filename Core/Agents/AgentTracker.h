@@ -26,6 +26,10 @@ struct AgentSession {
     std::optional<std::string> cwd; // the last working directory reported
     AgentActivity activity = AgentActivity::idle;
     Instant lastEventAt;
+    /// When the event came that changed `activity` last, or the first one.
+    Instant activitySince;
+    /// It was busy at some time since it was first seen: what is idle now has finished something.
+    bool hasWorked = false;
 
     /// The last component of `cwd` as a `displayText`; absent without one.
     std::optional<std::string> folderName() const;

@@ -73,6 +73,31 @@ TEST_F(Tracker, KeepsTheLastWorkingDirectory)
     EXPECT_EQ(tracker.sessions().front().folderName(), std::nullopt);
 }
 
+TEST_F(Tracker, KnowsSinceWhenAndWhetherItHasWorked)
+{
+    struct Row {
+        AgentSignal signal;
+        Seconds since; // after the first of them; they come a minute apart
+        bool hasWorked;
+    };
+    const auto first = time.now();
+    for (const auto& row : std::vector<Row>{
+             {sessionStarted, 0s, false},
+             {finished, 0s, false},
+             {working, 120s, true},
+             {working, 120s, true},
+             {waitingForApproval, 240s, true},
+             {finished, 300s, true},
+             {sessionStarted, 300s, true},
+         }) {
+        SCOPED_TRACE(testing::Message() << rawValue(row.signal) << " after " << (time.now() - first).count() << " s");
+        report(row.signal);
+        EXPECT_EQ(tracker.sessions().front().activitySince - first, row.since);
+        EXPECT_EQ(tracker.sessions().front().hasWorked, row.hasWorked);
+        time.advance(60s);
+    }
+}
+
 TEST_F(Tracker, RemembersWhoEndedWhileBusy)
 {
     report(working);
