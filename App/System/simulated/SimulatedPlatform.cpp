@@ -2,9 +2,10 @@
 
 #include "App/System/Reading.h"
 #include "App/System/simulated/SimulatedDesktop.h"
-#include "App/System/simulated/SimulatedGeneral.h"
 #include "App/System/simulated/SimulatedHelper.h"
+#include "App/System/simulated/SimulatedLoginService.h"
 #include "App/System/simulated/SimulatedNotifications.h"
+#include "App/System/simulated/SimulatedUpdater.h"
 #include "App/System/SystemPlatform.h"
 
 namespace vespra {

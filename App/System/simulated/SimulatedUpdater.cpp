@@ -1,4 +1,4 @@
-#include "App/System/simulated/SimulatedGeneral.h"
+#include "App/System/simulated/SimulatedUpdater.h"
 
 namespace vespra {
 

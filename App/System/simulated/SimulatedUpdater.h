@@ -1,6 +1,5 @@
 #pragma once
 
-#include "App/System/LoginService.h"
 #include "App/System/simulated/SimulatedMachine.h"
 #include "App/System/Updater.h"
 #include "Core/Lifetime.h"
@@ -9,25 +8,6 @@
 #include <memory>
 
 namespace vespra {
-
-/// The login items of a simulated laptop, which allows everything. Main thread only.
-class SimulatedLoginService final : public LoginService {
-public:
-    LoginServiceStatus status() const override { return status_; }
-    std::expected<void, std::string> registerApplication() override
-    {
-        status_ = LoginServiceStatus::enabled;
-        return {};
-    }
-    std::expected<void, std::string> unregisterApplication() override
-    {
-        status_ = LoginServiceStatus::notRegistered;
-        return {};
-    }
-
-private:
-    LoginServiceStatus status_ = LoginServiceStatus::notRegistered;
-};
 
 /// Finds the versions that come out on a simulated laptop. Its user looks at what is shown at once, and installs
 /// nothing. Main thread only.
