@@ -269,23 +269,6 @@ TEST(HookSettingsFile, ConnectingSeveralTimesAtOnceKeepsTheRecord)
     }
 }
 
-TEST(SystemFiles, ReportsWhatTheSystemRefuses)
-{
-    const TemporaryDirectory directory;
-    const auto none = directory / "none", taken = directory / "taken";
-    putText(taken, "");
-    auto& files = systemFiles();
-    EXPECT_FALSE(files.read(directory.path()));
-    EXPECT_FALSE(files.createDirectory(taken));
-    EXPECT_FALSE(files.createFile(taken));
-    for (const auto& path : {none, fs::path{"/dev/full"}})
-        EXPECT_FALSE(files.write(path, "x"));
-    EXPECT_FALSE(files.setAttributes(none, {}));
-    EXPECT_FALSE(files.sync(none));
-    EXPECT_FALSE(files.rename(none, taken));
-    EXPECT_FALSE(files.remove(none));
-}
-
 struct Operation {
     const char* name;
     std::optional<std::string> text; // before connecting

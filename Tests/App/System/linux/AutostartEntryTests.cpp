@@ -1,5 +1,3 @@
-#include "App/LoginItem/LoginItem.h"
-
 #include "App/System/linux/AutostartEntry.h"
 #include "Tests/Support/TemporaryDirectory.h"
 

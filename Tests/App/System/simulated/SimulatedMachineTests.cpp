@@ -1,10 +1,8 @@
 #include "App/System/Platform.h"
-#include "App/System/SessionMarker.h"
 #include "App/System/simulated/MachineProtocol.h"
 #include "App/System/simulated/SimulatedPlatform.h"
 #include "Tests/Support/FakeMonitors.h"
 #include "Tests/Support/QtApplication.h"
-#include "Tests/Support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <sstream>
@@ -78,28 +76,6 @@ TEST_F(SimulatedPlatform, TellsOfSleepAndOfADisplayThatComesOn)
     EXPECT_TRUE(platform.display->turnOff());
     EXPECT_FALSE(platform.machine->state().isScreenOn);
     EXPECT_THAT(set({{"screen", "on"}, {"sleep", "now"}}), ElementsAre("screens woke", "will sleep", "did wake"));
-}
-
-TEST(SessionMarker, ShowsASessionExactlyWhileItRuns)
-{
-    const TemporaryDirectory folder;
-    const auto path = (folder / "Vespra/session.lock").string();
-    EXPECT_FALSE(SessionMarker::read(path));
-    {
-        SessionMarker marker{path, "linux"};
-        marker.sessionRuns(true);
-        marker.sessionRuns(true);
-        const auto session = SessionMarker::read(path);
-        ASSERT_TRUE(session);
-        EXPECT_EQ(session->pid, getpid());
-        EXPECT_EQ(session->platform, "linux");
-        SessionMarker{path, "simulated"}.sessionRuns(true); // another one changes nothing
-        EXPECT_EQ(SessionMarker::read(path)->platform, "linux");
-        marker.sessionRuns(false);
-        EXPECT_FALSE(SessionMarker::read(path));
-        marker.sessionRuns(true);
-    }
-    EXPECT_FALSE(SessionMarker::read(path));
 }
 
 } // namespace vespra
