@@ -90,6 +90,15 @@ namespace {
         return {};
     }
 
+    Refusal set(const Keys& keys, UserSettings& settings, const std::string& text)
+    {
+        const auto given = keyCombination(text);
+        if (!given && text != off)
+            return expected("keys such as " + vespra::text(defaultToggleSessionKeys) + ", or off", text);
+        keys.field.set(settings, given);
+        return {};
+    }
+
     Refusal set(const Setting& setting, UserSettings& settings, const std::string& text)
     {
         return std::visit([&](const auto& kind) { return set(kind, settings, text); }, setting.kind);
@@ -146,7 +155,8 @@ namespace {
             return value.get<std::string>();
         if (std::holds_alternative<Flag>(kind) && value.is_boolean())
             return std::string{value.get<bool>() ? on : off};
-        if (length && length->off != Off::never && value.is_null())
+        const bool canBeOff = length ? length->off != Off::never : std::holds_alternative<Keys>(kind);
+        if (canBeOff && value.is_null())
             return std::string{off};
         if (std::holds_alternative<Time>(kind) && value.is_object())
             return timeText(value);
@@ -187,7 +197,11 @@ std::string text(const Setting& setting, const UserSettings& settings)
         [&](const Percentage& percentage) { return std::to_string(percentage.field.get(settings)); },
         [&](const Length& length) { return lengthText(length.field.get(settings)); },
         [&](const Choice& choice) { return std::string{choice.field.get(settings)}; },
-        [&](const Time& time) { return arguments::timeOfDayText(time.field.get(settings)); });
+        [&](const Time& time) { return arguments::timeOfDayText(time.field.get(settings)); },
+        [&](const Keys& keys) {
+            const auto there = keys.field.get(settings);
+            return there ? vespra::text(*there) : std::string{off};
+        });
 }
 
 std::string range(const Setting& setting)
@@ -204,7 +218,8 @@ std::string range(const Setting& setting)
                 + lengthText(length.range.highest);
         },
         [](const Choice& choice) { return joined(choice.names, "|", "|"); },
-        [](const Time&) { return std::string{"00:00..23:59"}; });
+        [](const Time&) { return std::string{"00:00..23:59"}; },
+        [](const Keys&) { return std::string{"off|[ctrl+][alt+][shift+][super+]KEY"}; });
 }
 
 std::vector<std::string> values(const Setting& setting)
@@ -221,7 +236,8 @@ std::vector<std::string> values(const Setting& setting)
         },
         [](const Length& length) { return lengths(length); },
         [](const Choice& choice) { return Texts{choice.names.begin(), choice.names.end()}; },
-        [](const Time&) { return timesOfDay(); });
+        [](const Time&) { return timesOfDay(); },
+        [](const Keys&) { return Texts{std::string{off}, vespra::text(defaultToggleSessionKeys)}; });
 }
 
 std::vector<std::pair<std::string, std::string>> all(const UserSettings& settings)

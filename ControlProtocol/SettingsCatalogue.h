@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/ClosedRange.h"
+#include "Core/KeyCombination.h"
 #include "Core/Session/SessionPreferences.h"
 #include "Core/Session/SessionSettings.h"
 
@@ -21,6 +22,7 @@ struct UserSettings {
     SessionPreferences preferences;
     bool playsHeatAlarm = true;
     bool showsRemainingTimeInMenuBar = false;
+    std::optional<KeyCombination> toggleSessionKeys = defaultToggleSessionKeys;
     bool didFinishOnboarding = false;
 
     bool operator==(const UserSettings&) const = default;
@@ -32,6 +34,7 @@ enum class StoredValue {
     sessionPreferences,
     playsHeatAlarm,
     showsRemainingTimeInMenuBar,
+    toggleSessionKeys,
     didFinishOnboarding,
 };
 
@@ -86,7 +89,12 @@ namespace setting {
         Field<TimeOfDay> field;
     };
 
-    using Kind = std::variant<Flag, Percentage, Length, Choice, Time>;
+    struct Keys {
+        /// Absent for off.
+        Field<std::optional<KeyCombination>> field;
+    };
+
+    using Kind = std::variant<Flag, Percentage, Length, Choice, Time, Keys>;
 
 } // namespace setting
 

@@ -81,6 +81,7 @@ void HeadlessApplication::applySettings()
     grace = options_.grace.value_or(grace);
     model().coordinator().setSettings(given.session);
     model().setFlagsOfThisRun(given.playsHeatAlarm, given.showsRemainingTimeInMenuBar);
+    model().sessionShortcut().setForThisRun(given.toggleSessionKeys);
 }
 
 void HeadlessApplication::followForcedAction()

@@ -5,7 +5,6 @@
 #include "Core/Coding/DisplayText.h"
 #include "HelperProtocol/Brand.h"
 #include "Log/StandardError.h"
-#include "Log/SystemLog.h"
 
 #include <cstdlib>
 
@@ -46,7 +45,7 @@ void AppDelegate::didFinishLaunching()
     followRequirements();
     if (surfaces_)
         makeSurfaces();
-    registerShortcut();
+    model_->sessionShortcut().start(lifetime_.guard([this] { model_->toggleSession(); }));
     listenToTerminals();
 }
 
@@ -177,21 +176,6 @@ void AppDelegate::makeSurfaces()
         surfaces_->showOnboarding(surfaceContext());
 }
 
-void AppDelegate::registerShortcut()
-{
-    const auto registered = environment_.platform.shortcut->set(
-        toggleSessionShortcut, defaultToggleSessionKeys, lifetime_.guard([this] { model_->toggleSession(); }));
-    if (registered)
-        return;
-    const SystemLog log{Brand::appBundleID(), "shortcut"};
-    switch (registered.error()) {
-    case GlobalShortcut::Failure::conflict:
-        return log.notice("Raccourci clavier déjà pris par une autre application");
-    case GlobalShortcut::Failure::unavailable:
-        return log.info("Raccourci clavier indisponible sur ce bureau");
-    }
-}
-
 /// Comes last, so that every request finds the application complete.
 void AppDelegate::listenToTerminals()
 {
@@ -214,7 +198,7 @@ void AppDelegate::willTerminate()
         return;
     model_->coordinator().stop(end::AppTerminated{});
     controlServer_.reset();
-    environment_.platform.shortcut->clear(toggleSessionShortcut);
+    model_->sessionShortcut().stop();
     if (assertionLoop_)
         assertionLoop_->stop();
     environment_.platform.session->sessionRuns(false);

@@ -52,7 +52,6 @@ private:
     void followRequirements();
     void makeSurfaces();
     SurfaceContext surfaceContext();
-    void registerShortcut();
     void listenToTerminals();
 
     AppEnvironment environment_;

@@ -22,6 +22,7 @@ AppModel::AppModel(const AppEnvironment& environment)
     , agentIntegration_{environment.home, environment.supportDirectory}
     , loginItem_{environment.platform.login.get()}
     , updates_{environment.platform.updater.get()}
+    , sessionShortcut_{*environment.platform.shortcut, environment.defaults}
     , forcedEndAction_{*environment.platform.time.tasks, *environment.platform.time.clock}
     , clock_{*environment.platform.time.clock, *environment.platform.time.tasks}
     , keptSettings_{coordinator_.settings()}

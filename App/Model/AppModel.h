@@ -6,6 +6,7 @@
 #include "App/Agents/ForcedEndAction.h"
 #include "App/LoginItem/LoginItem.h"
 #include "App/Model/RunningCommands.h"
+#include "App/Model/SessionShortcut.h"
 #include "App/Model/SettingsTab.h"
 #include "App/Model/UserDefaults.h"
 #include "App/System/Platform.h"
@@ -50,6 +51,8 @@ public:
     RunningCommands& commands() { return commands_; }
     LoginItem& loginItem() { return loginItem_; }
     AppUpdates& updates() { return updates_; }
+    SessionShortcut& sessionShortcut() { return sessionShortcut_; }
+    const SessionShortcut& sessionShortcut() const { return sessionShortcut_; }
     PlatformKind platformKind() const { return environment_.platform.kind; }
     UserDefaults* store() const { return environment_.defaults; }
 
@@ -136,6 +139,7 @@ private:
     AgentIntegration agentIntegration_;
     LoginItem loginItem_;
     AppUpdates updates_;
+    SessionShortcut sessionShortcut_;
     AgentTracker agents_;
     ForcedEndAction forcedEndAction_;
     ObservedClock clock_;

@@ -12,6 +12,7 @@ UserSettings settingsOf(const AppModel& model)
         .preferences = model.preferences(),
         .playsHeatAlarm = model.playsHeatAlarm(),
         .showsRemainingTimeInMenuBar = model.showsRemainingTimeInMenuBar(),
+        .toggleSessionKeys = model.sessionShortcut().keys(),
         .didFinishOnboarding = PreferencesStore::didFinishOnboarding(model.store()),
     };
 }
@@ -30,6 +31,12 @@ void changeSetting(AppModel& model, const settingTexts::Change& change)
         return model.setPlaysHeatAlarm(next.playsHeatAlarm);
     case StoredValue::showsRemainingTimeInMenuBar:
         return model.setShowsRemainingTimeInMenuBar(next.showsRemainingTimeInMenuBar);
+    case StoredValue::toggleSessionKeys:
+        if (next.toggleSessionKeys)
+            model.sessionShortcut().record(*next.toggleSessionKeys);
+        else
+            model.sessionShortcut().clear();
+        return;
     case StoredValue::didFinishOnboarding:
         return PreferencesStore::setDidFinishOnboarding(next.didFinishOnboarding, model.store());
     }

@@ -10,7 +10,8 @@ namespace {
 
     constexpr std::string_view preferencesKey = "sessionPreferences", settingsKey = "sessionSettings",
                                heatAlarmKey = "playsHeatAlarm", remainingTimeKey = "showsRemainingTimeInMenuBar",
-                               onboardingKey = "didFinishOnboarding";
+                               onboardingKey = "didFinishOnboarding", shortcutKey = "toggleSessionShortcut",
+                               noKeys = "off";
 
     std::optional<JSON> storedJSON(const UserDefaults* defaults, std::string_view key)
     {
@@ -77,6 +78,21 @@ void setShowsRemainingTimeInMenuBar(bool shows, UserDefaults* defaults)
 {
     if (defaults)
         defaults->setBoolean(remainingTimeKey, shows);
+}
+
+std::optional<KeyCombination> toggleSessionKeys(const UserDefaults* defaults)
+{
+    const auto stored = defaults ? defaults->data(shortcutKey) : std::nullopt;
+    if (stored == noKeys)
+        return {};
+    const auto keys = stored ? keyCombination(*stored) : std::nullopt;
+    return keys.value_or(defaultToggleSessionKeys);
+}
+
+void setToggleSessionKeys(const std::optional<KeyCombination>& keys, UserDefaults* defaults)
+{
+    if (defaults)
+        defaults->setData(shortcutKey, keys ? text(*keys) : std::string{noKeys});
 }
 
 bool didFinishOnboarding(const UserDefaults* defaults) { return storedBoolean(defaults, onboardingKey, false); }

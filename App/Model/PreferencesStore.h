@@ -1,6 +1,7 @@
 #pragma once
 
 #include "App/Model/UserDefaults.h"
+#include "Core/KeyCombination.h"
 #include "Core/Session/SessionPreferences.h"
 #include "Core/Session/SessionSettings.h"
 
@@ -21,6 +22,10 @@ void setPlaysHeatAlarm(bool plays, UserDefaults* defaults);
 /// By default not.
 bool showsRemainingTimeInMenuBar(const UserDefaults* defaults);
 void setShowsRemainingTimeInMenuBar(bool shows, UserDefaults* defaults);
+
+/// The keys that start or stop a session; absent where the user wants none.
+std::optional<KeyCombination> toggleSessionKeys(const UserDefaults* defaults);
+void setToggleSessionKeys(const std::optional<KeyCombination>& keys, UserDefaults* defaults);
 
 /// By default not.
 bool didFinishOnboarding(const UserDefaults* defaults);

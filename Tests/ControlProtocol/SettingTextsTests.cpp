@@ -38,6 +38,11 @@ TEST(SettingsCatalogue, HasEverySettingWithItsLimitsAndChangesThatAlone)
         {"preferences.options.closedLid", "off", "on|off", flags, none},
         {"showsRemainingTimeInMenuBar", "off", "on|off", flags, none},
         {"playsHeatAlarm", "on", "on|off", flags, none},
+        {"toggleSessionShortcut",
+            "ctrl+alt+super+w",
+            "off|[ctrl+][alt+][shift+][super+]KEY",
+            "off ctrl+0 shift+super+z",
+            "w shift+w ctrl+ ctrl+W ctrl+w+ ctrl+ctrl+w ctrl++w cmd+w ctrl+ww ctrl+: Off"},
         {"didFinishOnboarding", "off", "on|off", flags, none},
     };
     const auto words = [](const char* text, std::vector<std::string> before) {

@@ -33,7 +33,6 @@ namespace {
 
     SystemLog assertionsLog() { return {Brand::appBundleID(), "assertions"}; }
     SystemLog notificationsLog() { return {Brand::appBundleID(), "notifications"}; }
-    SystemLog shortcutLog() { return {Brand::appBundleID(), "shortcut"}; }
     /// The name of the application's desktop files, without their ending.
     QString desktopEntry() { return QString::fromStdString(Brand::appBundleID()); }
     QString application() { return QString::fromStdString(Brand::appName()); }
@@ -170,7 +169,7 @@ std::expected<Platform, std::string> makeSystemPlatform()
         notificationsLog());
     platform.login = std::make_unique<AutostartEntry>(
         AutostartEntry::Place::standard(desktopEntry()), application(), QCoreApplication::applicationFilePath());
-    platform.shortcut = std::make_unique<X11Shortcut>(*platform.time.mainLoop, shortcutLog());
+    platform.shortcut = std::make_unique<X11Shortcut>(*platform.time.mainLoop);
     platform.appearance = std::make_unique<PortalAppearance>();
     platform.helper = makeLinuxHelper();
     return platform;

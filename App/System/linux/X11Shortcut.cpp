@@ -14,25 +14,22 @@ namespace {
 
 } // namespace
 
-X11Shortcut::X11Shortcut(MainLoop& mainLoop, SystemLog log)
+X11Shortcut::X11Shortcut(MainLoop& mainLoop)
     : mainLoop_{mainLoop}
-    , log_{std::move(log)}
 {
 }
 
-std::expected<void, GlobalShortcut::Failure> X11Shortcut::set(
-    std::string_view name, const KeyCombination& keys, std::function<void()> onKeyUp)
+void X11Shortcut::set(Request request)
 {
-    clear(name);
+    clear(request.name);
     if (!connect())
-        return std::unexpected{Failure::unavailable};
-    Shortcut shortcut{.keys = keys, .onKeyUp = std::move(onKeyUp), .grabs = {}};
-    const auto grabbed = grab(shortcut);
-    if (grabbed)
-        shortcuts_.emplace(name, std::move(shortcut));
+        return notify(request.onOutcome, Outcome{std::unexpect, Failure::unavailable});
+    const auto name = request.name;
+    auto& shortcut = shortcuts_[name] = {.request = std::move(request), .grabs = {}};
+    const auto outcome = grab(shortcut);
     // What came in while an answer was waited for does not make the connection readable again.
     mainLoop_.post(lifetime_.guard([this] { handleEvents(); }));
-    return grabbed;
+    notify(shortcut.request.onOutcome, outcome);
 }
 
 void X11Shortcut::clear(std::string_view name)
@@ -61,14 +58,14 @@ bool X11Shortcut::connect()
 }
 
 /// A lock that is on counts as a modifier: the keys are grabbed once for each combination of them.
-std::expected<void, GlobalShortcut::Failure> X11Shortcut::grab(Shortcut& shortcut)
+GlobalShortcut::Outcome X11Shortcut::grab(Shortcut& shortcut)
 {
     auto* connection = connection_.get();
     const X11Keyboard keyboard{connection};
-    const auto modifiers = keyboard.modifiers(shortcut.keys);
+    const auto modifiers = keyboard.modifiers(shortcut.request.keys);
     if (!modifiers)
         return std::unexpected{Failure::unavailable};
-    for (const auto code : keyboard.codes(shortcut.keys.key))
+    for (const auto code : keyboard.codes(shortcut.request.keys.key))
         for (const auto lock : keyboard.locks())
             shortcut.grabs.push_back({code, static_cast<std::uint16_t>(*modifiers | lock)});
     std::vector<xcb_void_cookie_t> requests;
@@ -125,7 +122,7 @@ void X11Shortcut::released(const xcb_key_release_event_t& event)
         return;
     const auto name = std::exchange(pressed_, {})->name;
     if (const auto found = shortcuts_.find(name); found != shortcuts_.end())
-        mainLoop_.post(found->second.onKeyUp);
+        mainLoop_.post(found->second.request.onKeyUp);
 }
 
 bool X11Shortcut::isDown(xcb_keycode_t code)
@@ -139,9 +136,11 @@ void X11Shortcut::keyboardChanged()
 {
     for (auto& [name, shortcut] : shortcuts_)
         ungrab(shortcut);
+    std::vector<std::pair<std::function<void(const Outcome&)>, Outcome>> outcomes;
     for (auto& [name, shortcut] : shortcuts_)
-        if (!grab(shortcut))
-            log_.error("Raccourci clavier perdu : le clavier a changé");
+        outcomes.emplace_back(shortcut.request.onOutcome, grab(shortcut));
+    for (const auto& [onOutcome, outcome] : outcomes)
+        notify(onOutcome, outcome);
 }
 
 } // namespace vespra

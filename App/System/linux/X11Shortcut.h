@@ -4,7 +4,6 @@
 #include "App/System/linux/X11.h"
 #include "Core/Lifetime.h"
 #include "Core/Scheduling/MainLoop.h"
-#include "Log/SystemLog.h"
 
 #include <map>
 #include <optional>
@@ -18,10 +17,9 @@ namespace vespra {
 class X11Shortcut final : public GlobalShortcut {
 public:
     /// `mainLoop` outlives it.
-    X11Shortcut(MainLoop& mainLoop, SystemLog log);
+    explicit X11Shortcut(MainLoop& mainLoop);
 
-    std::expected<void, Failure> set(
-        std::string_view name, const KeyCombination& keys, std::function<void()> onKeyUp) override;
+    void set(Request request) override;
     void clear(std::string_view name) override;
 
 private:
@@ -31,13 +29,13 @@ private:
         bool operator==(const Grab&) const = default;
     };
     struct Shortcut {
-        KeyCombination keys;
-        std::function<void()> onKeyUp;
+        Request request;
         std::vector<Grab> grabs;
     };
 
     bool connect();
-    std::expected<void, Failure> grab(Shortcut& shortcut);
+    /// Has no grabs if it fails.
+    Outcome grab(Shortcut& shortcut);
     void ungrab(Shortcut& shortcut);
     void handleEvents();
     void pressed(const xcb_key_press_event_t& event);
@@ -46,7 +44,6 @@ private:
     bool isDown(xcb_keycode_t code);
 
     MainLoop& mainLoop_;
-    SystemLog log_;
     XcbConnection connection_;
     xcb_window_t root_ = 0;
     std::unique_ptr<QSocketNotifier> notifier_;

@@ -35,11 +35,10 @@ public:
                 onKeyUp();
         });
     }
-    std::expected<void, Failure> set(
-        std::string_view name, const KeyCombination&, std::function<void()> onKeyUp) override
+    void set(Request request) override
     {
-        actions_.insert_or_assign(std::string{name}, std::move(onKeyUp));
-        return {};
+        actions_.insert_or_assign(request.name, std::move(request.onKeyUp));
+        notify(request.onOutcome, Outcome{});
     }
     void clear(std::string_view name) override { actions_.erase(std::string{name}); }
 

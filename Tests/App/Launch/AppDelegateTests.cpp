@@ -1,3 +1,4 @@
+#include "App/Model/PreferencesStore.h"
 #include "Tests/Support/LaunchedApplication.h"
 #include "Tests/Support/MockSurfaces.h"
 
@@ -126,6 +127,24 @@ TEST_F(AppDelegateTest, TheShortcutTogglesASessionAlsoWithoutWindows)
     EXPECT_TRUE(isActive());
     laptop.set(press);
     EXPECT_EQ(lastEnd(), "stoppedByUser");
+    auto& shortcut = model().sessionShortcut();
+    shortcut.setPaused(true);
+    laptop.set(press);
+    EXPECT_FALSE(isActive()) << "a window hears it instead";
+    shortcut.setPaused(false);
+    EXPECT_FALSE(shortcut.record({.shift = true, .key = 'w'})) << "that is how people type";
+    EXPECT_EQ(shortcut.keys(), defaultToggleSessionKeys);
+    shortcut.clear();
+    laptop.set(press);
+    EXPECT_FALSE(isActive());
+    EXPECT_EQ(PreferencesStore::toggleSessionKeys(&defaults), std::nullopt);
+    const KeyCombination others{.control = true, .shift = true, .key = '1'};
+    shortcut.record(others);
+    EXPECT_EQ(PreferencesStore::toggleSessionKeys(&defaults), others);
+    for (const char* foreign : {"", "OFF", "shift+w", "super++w"}) {
+        defaults.texts["toggleSessionShortcut"] = foreign;
+        EXPECT_EQ(PreferencesStore::toggleSessionKeys(&defaults), defaultToggleSessionKeys) << foreign;
+    }
     delegate->willTerminate();
     laptop.set(press);
     EXPECT_FALSE(isActive());

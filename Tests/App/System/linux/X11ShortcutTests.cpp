@@ -1,7 +1,6 @@
 #include "App/System/linux/X11Shortcut.h"
 #include "App/System/QtMainLoop.h"
 #include "Tests/Support/QtApplication.h"
-#include "Tests/Support/RecordedLog.h"
 
 #include <gtest/gtest.h>
 #include <QProcess>
@@ -30,9 +29,13 @@ namespace {
             server_.waitForFinished();
         }
 
-        std::expected<void, Failure> set(X11Shortcut& shortcut, KeyCombination keys = defaultToggleSessionKeys)
+        GlobalShortcut::Outcome set(X11Shortcut& shortcut, KeyCombination keys = defaultToggleSessionKeys)
         {
-            return shortcut.set(toggleSessionShortcut, keys, [this] { ++count; });
+            shortcut.set({.name = "name",
+                .keys = keys,
+                .onKeyUp = [this] { ++count; },
+                .onOutcome = [this](const GlobalShortcut::Outcome& told) { outcome = told; }});
+            return outcome;
         }
         /// How often the shortcut is heard of while the user does this.
         int heard(const QStringList& does)
@@ -49,6 +52,7 @@ namespace {
         const QtApplication application;
         QtMainLoop loop;
         int count = 0;
+        GlobalShortcut::Outcome outcome;
 
     private:
         QProcess server_;
@@ -60,7 +64,7 @@ namespace {
 
 TEST_F(X11ShortcutTest, IsHeardOnceItIsReleasedWhateverLocksAreOn)
 {
-    X11Shortcut shortcut{loop, {"app", "test"}};
+    X11Shortcut shortcut{loop};
     ASSERT_TRUE(set(shortcut));
     EXPECT_EQ(heard({"key", "ctrl+alt+w"}), 0);
     for (const auto* lock : {"", "Num_Lock", "Caps_Lock", "Num_Lock"}) {
@@ -71,13 +75,13 @@ TEST_F(X11ShortcutTest, IsHeardOnceItIsReleasedWhateverLocksAreOn)
     EXPECT_EQ(heard({"keydown", "ctrl+alt+super+w", "sleep", "1.2"}), 0) << "it repeats, but is still down";
     EXPECT_EQ(heard({"keyup", "super"}), 0);
     EXPECT_EQ(heard({"keyup", "w", "keyup", "ctrl", "keyup", "alt"}), 1);
-    shortcut.clear(toggleSessionShortcut);
+    shortcut.clear("name");
     EXPECT_EQ(heard(press), 0);
 }
 
 TEST_F(X11ShortcutTest, BelongsToOneProgram)
 {
-    X11Shortcut first{loop, {"app", "test"}}, second{loop, {"app", "test"}};
+    X11Shortcut first{loop}, second{loop};
     ASSERT_TRUE(set(first));
     EXPECT_EQ(set(second).error(), Failure::conflict);
     ASSERT_TRUE(set(first, {.control = true, .key = 'y'})) << "other keys in their place";
@@ -87,7 +91,7 @@ TEST_F(X11ShortcutTest, BelongsToOneProgram)
 
 TEST_F(X11ShortcutTest, FollowsTheKeyboard)
 {
-    X11Shortcut shortcut{loop, {"app", "test"}};
+    X11Shortcut shortcut{loop};
     ASSERT_TRUE(set(shortcut));
     const auto user = connectToX11();
     constexpr xcb_keycode_t w = 25, z = 52;
@@ -102,7 +106,7 @@ TEST_F(X11ShortcutTest, FollowsTheKeyboard)
 
 TEST_F(X11ShortcutTest, IsUnavailableWithoutAnXServerOfTheSessionsOwn)
 {
-    X11Shortcut shortcut{loop, {"app", "test"}};
+    X11Shortcut shortcut{loop};
     qputenv("WAYLAND_DISPLAY", "wayland-0");
     EXPECT_EQ(set(shortcut).error(), Failure::unavailable);
     qunsetenv("WAYLAND_DISPLAY");
