@@ -10,29 +10,33 @@ ObservedClock::ObservedClock(const WallClock& clock, TaskScheduling& tasks)
 {
 }
 
-Instant ObservedClock::now(Instant anchor) const
+Instant ObservedClock::now(Instant anchor, Seconds step) const
 {
     const auto now = clock_.now();
     if (const auto reader = ReadScope::current()) {
         readers_.add(reader);
-        // Positive before the anchor, negative after it: the part above the whole number runs out next in both cases.
-        const double left = (anchor - now).count();
-        wakeBy(tasks_.continuousNow() + (Seconds{left - std::floor(left)} + past));
+        // Positive before the anchor, negative after it: the part above whole steps runs out next in both cases.
+        const auto left = anchor - now;
+        const auto untilNext = left - std::floor(left / step) * step;
+        reader->kept.push_back(tickBy(tasks_.continuousNow() + (untilNext + past)));
     }
     return now;
 }
 
-void ObservedClock::wakeBy(ContinuousInstant due) const
+std::shared_ptr<const ObservedClock::Tick> ObservedClock::tickBy(ContinuousInstant due) const
 {
-    if (due_ && *due_ <= due)
-        return;
-    due_ = due;
-    tick_ = tasks_.schedule(due - tasks_.continuousNow(), lifetime_.guard([this] { tick(); }));
+    auto next = next_.lock();
+    if (!next || due < next->due) {
+        auto task = tasks_.schedule(due - tasks_.continuousNow(), lifetime_.guard([this] { tick(); }));
+        next = std::make_shared<const Tick>(due, std::move(task));
+        next_ = next;
+    }
+    return next;
 }
 
 void ObservedClock::tick() const
 {
-    due_.reset();
+    next_.reset();
     readers_.tellAndForget();
 }
 

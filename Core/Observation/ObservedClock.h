@@ -5,12 +5,10 @@
 #include "Core/Scheduling/TaskScheduling.h"
 #include "Core/Scheduling/WallClock.h"
 
-#include <optional>
-
 namespace vespra {
 
 /// The date as a value that observation loops follow: a loop that has read it runs again just past the next whole
-/// second of what it counts. Nothing wakes up while nobody reads. Main thread only.
+/// second of what it counts, or whole minute. Nothing wakes up while nobody reads. Main thread only.
 class ObservedClock {
 public:
     /// How far past a whole second its readers are told, so that none is shown twice or left out.
@@ -21,20 +19,24 @@ public:
     ObservedClock(const ObservedClock&) = delete;
     ObservedClock& operator=(const ObservedClock&) = delete;
 
-    /// The date, followed. Whole seconds are counted from `anchor`, the start or the end of what the reader shows,
-    /// before or after now.
-    Instant now(Instant anchor) const;
+    /// The date, followed. Whole steps are counted from `anchor`, the start or the end of what the reader shows, before
+    /// or after now.
+    Instant now(Instant anchor, Seconds step = std::chrono::seconds{1}) const;
 
 private:
-    void wakeBy(ContinuousInstant due) const;
+    /// Belongs to those who read the clock, so that none is left when they are gone.
+    struct Tick {
+        ContinuousInstant due;
+        std::unique_ptr<ScheduledTask> task;
+    };
+    std::shared_ptr<const Tick> tickBy(ContinuousInstant due) const;
     void tick() const;
 
     const WallClock& clock_;
     TaskScheduling& tasks_;
     // Reading subscribes, as it does with every observed value.
     mutable Readers readers_;
-    mutable std::unique_ptr<ScheduledTask> tick_;
-    mutable std::optional<ContinuousInstant> due_;
+    mutable std::weak_ptr<const Tick> next_;
     Lifetime lifetime_;
 };
 

@@ -13,6 +13,8 @@ public:
     /// Told at most once. Opening ends with the returned object; the subscription ends with `listener`.
     struct Listener {
         std::function<void()> onChange;
+        /// What has to last as long as the subscription.
+        std::vector<std::shared_ptr<const void>> kept = {};
     };
 
     explicit ReadScope(const std::shared_ptr<Listener>& listener);

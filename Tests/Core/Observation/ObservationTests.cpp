@@ -119,10 +119,20 @@ TEST_F(Observation, TheClockTicksAtWholeSecondsWhileSomebodyReadsIt)
             mainLoop.run();
         }
         EXPECT_EQ(runs, "0 70 170 270 ");
+        const ObservationLoop slower{mainLoop, [&] { clock.now(start + anchor, 1min); }};
+        EXPECT_EQ(time.pendingTasks(), 1U) << "one tick serves all";
         loop.reset();
         time.advance(2s);
-        EXPECT_EQ(time.pendingTasks(), 0U) << "nobody reads it any more";
+        mainLoop.run();
+        EXPECT_EQ(time.pendingTasks(), 1U);
+        time.advance(1min);
+        EXPECT_EQ(time.pendingTasks(), 0U) << "it has told of the minute";
     }
+    {
+        const ObservationLoop brief{mainLoop, [&] { clock.now(time.now()); }};
+        EXPECT_EQ(time.pendingTasks(), 1U);
+    }
+    EXPECT_EQ(time.pendingTasks(), 0U) << "nobody reads it any more";
 }
 
 } // namespace
