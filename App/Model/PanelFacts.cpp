@@ -23,8 +23,6 @@ namespace {
             [](const refusal::TooHot&) { return "thermometer.high"; });
     }
 
-    bool countsDown(const ActiveSession& session) { return session.endsAt && session.mode() != SessionMode::agent; }
-
     /// A length as it is read aloud: a minute that has begun counts.
     std::string spokenLength(Seconds length)
     {
@@ -140,6 +138,8 @@ std::optional<ModeSetting> modeSetting(const AppModel& model)
     }
     return {};
 }
+
+bool countsDown(const ActiveSession& session) { return session.endsAt && session.mode() != SessionMode::agent; }
 
 SessionClock sessionClock(const ActiveSession& session, Instant now)
 {

@@ -51,6 +51,9 @@ struct SessionClock {
 };
 SessionClock sessionClock(const ActiveSession& session, Instant now);
 
+/// Whether that clock shows the time left: for sessions that end at a date, but not those of agents.
+bool countsDown(const ActiveSession& session);
+
 /// The moment from which, or to which, the session's clock counts whole seconds: what `model.clock()` is asked with.
 Instant clockAnchor(const ActiveSession& session);
 

@@ -6,13 +6,15 @@
 
 namespace vespra {
 
-/// A registration with a notification centre, for as long as it lives; delivered on the main queue.
+/// A registration with a notification centre, for as long as it lives; delivered on the main queue. Only notifications
+/// of `object` count, if there is one.
 class NotificationObserver {
 public:
-    NotificationObserver(NSNotificationCenter* center, NSNotificationName name, std::function<void()> onNotification)
+    NotificationObserver(
+        NSNotificationCenter* center, NSNotificationName name, std::function<void()> onNotification, id object = nil)
         : center_{center}
         , token_{[center addObserverForName:name
-                                     object:nil
+                                     object:object
                                       queue:[NSOperationQueue mainQueue]
                                  usingBlock:^(NSNotification*) {
                                      onNotification();
