@@ -1,7 +1,7 @@
 #include "App/Headless/HeadlessApplication.h"
-#include "App/Headless/TerminationSignals.h"
 #include "App/Launch/ExitStatus.h"
 #include "App/Launch/SingleInstance.h"
+#include "App/Launch/TerminationSignals.h"
 #include "App/Model/UserDefaults.h"
 #include "App/Wording/Localized.h"
 #include "App/Wording/Translations.h"

@@ -1,7 +1,6 @@
 #include "App/Headless/HeadlessApplication.h"
 
 #include "App/Launch/ExitStatus.h"
-#include "App/Model/ModelSettings.h"
 #include "App/Model/PanelFacts.h"
 #include "App/System/simulated/SimulatedMachine.h"
 #include "App/Wording/AgentWording.h"
@@ -10,14 +9,11 @@
 #include "App/Wording/SessionReport.h"
 #include "App/Wording/SessionWording.h"
 #include "ControlProtocol/EndStatus.h"
-#include "HelperProtocol/Brand.h"
 
 namespace vespra {
 
 namespace {
 
-    /// The component answers within this time, or the session starts without closed-lid mode.
-    constexpr Seconds componentAnswerLimit = 3s;
     /// Time for the component to put the machine to sleep, or to be found unable to.
     constexpr Seconds forcedActionLimit = 30s;
 
@@ -35,7 +31,8 @@ HeadlessApplication::HeadlessApplication(AppDelegate& application, Platform& pla
     TerminalOutput& output, std::function<void(int)> onFinish)
     : application_{application}
     , platform_{platform}
-    , options_{options}
+    , isIdle_{options.isIdle}
+    , session_{application, platform, options}
     , output_{output}
     , onFinish_{std::move(onFinish)}
     , exitStatus_{ExitStatus::done}
@@ -44,44 +41,22 @@ HeadlessApplication::HeadlessApplication(AppDelegate& application, Platform& pla
 
 HeadlessApplication::~HeadlessApplication() = default;
 
-UserSettings HeadlessApplication::settings()
-{
-    auto settings = settingsOf(model());
-    if (options_.settings) {
-        settings.session = {};
-        settings = settingTexts::changed(settings, *options_.settings);
-    }
-    return settings;
-}
-
-SessionPreferences HeadlessApplication::preferences() { return options_.session.applied(settings().preferences); }
-
 void HeadlessApplication::start()
 {
     application_.onEvent = lifetime_.guard([this](const SessionEvent& event) { follow(event); });
     application_.didFinishLaunching();
-    applySettings();
+    session_.onNote = [this](const std::string& text) { complain(text); };
+    session_.onRefusal = [this](const std::string& reason) { refuse(reason); };
+    session_.applySettings();
     followForcedAction();
     showNotifications();
     if (output_.isTerminal())
         liveLoop_.emplace(*platform_.time.mainLoop, [this] { drawLive(); });
-    if (options_.isIdle)
+    if (isIdle_)
         return;
-    if (!preferences().options.closedLid)
-        return startSession();
-    followClosedLid();
-    startOnceReady();
-}
-
-/// Settings of the command line count for this run only: what is stored stays as it is.
-void HeadlessApplication::applySettings()
-{
-    auto given = settings();
-    auto& grace = given.session.agents.graceDelay;
-    grace = options_.grace.value_or(grace);
-    model().coordinator().setSettings(given.session);
-    model().setFlagsOfThisRun(given.playsHeatAlarm, given.showsRemainingTimeInMenuBar);
-    model().sessionShortcut().setForThisRun(given.toggleSessionKeys);
+    if (session_.preferences().options.closedLid)
+        followClosedLid();
+    session_.start();
 }
 
 void HeadlessApplication::followForcedAction()
@@ -112,36 +87,6 @@ void HeadlessApplication::followClosedLid()
         if (model().coordinator().state().isActive() && std::exchange(shownClosedLidStatus_, status) != status)
             output_.printLine(localized("Closed lid: %1", {message(status)}));
     });
-}
-
-/// Whether closed-lid mode blocks a start is known only when the component has answered.
-void HeadlessApplication::startOnceReady()
-{
-    const auto start = lifetime_.guard([this] {
-        startLimit_.reset();
-        readinessLoop_.reset();
-        startSession();
-    });
-    startLimit_ = platform_.time.tasks->schedule(componentAnswerLimit, start);
-    readinessLoop_.emplace(*platform_.time.mainLoop, [this, start] {
-        if (!application_.closedLid().isSettling())
-            startLimit_ = platform_.time.tasks->schedule(0s, start);
-    });
-}
-
-void HeadlessApplication::startSession()
-{
-    const auto wanted = preferences();
-    if (wanted.mode == SessionMode::agent && !application_.isListeningToAgents())
-        return refuse(localized("No agent can report: %1 cannot be made.", {Brand::agentSocketPath()}));
-    if (model().needsAgentConnection(wanted))
-        complain(localized("No agent is connected: only hooks of your own will report. "
-                           "\"vespractl hooks connect\" connects one."));
-    model().startUnconnected(wanted);
-    if (model().coordinator().state().isActive())
-        return;
-    const auto refusal = model().coordinator().refusal(wanted.options);
-    refuse(refusal ? message(*refusal) : std::string{});
 }
 
 void HeadlessApplication::complain(const std::string& text) { output_.printNote(programName + (": " + text)); }
@@ -179,7 +124,7 @@ void HeadlessApplication::follow(const SessionEvent& event)
 
 void HeadlessApplication::finishAfter(Seconds delay)
 {
-    if (!options_.isIdle)
+    if (!isIdle_)
         delayedFinish_ = platform_.time.tasks->schedule(delay, lifetime_.guard([this] { finish(); }));
 }
 

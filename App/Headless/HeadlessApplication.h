@@ -1,10 +1,9 @@
 #pragma once
 
-// App/Headless: the application in a terminal: its output and the signals that end it.
+// App/Headless: the application in a terminal: its output.
 
 #include "App/Headless/TerminalOutput.h"
-#include "App/Launch/AppDelegate.h"
-#include "App/Launch/LaunchOptions.h"
+#include "App/Launch/CommandLineSession.h"
 
 #include <functional>
 #include <memory>
@@ -29,33 +28,26 @@ public:
 
 private:
     AppModel& model() { return application_.model(); }
-    /// Those of this run.
-    UserSettings settings();
-    SessionPreferences preferences();
-    void applySettings();
     void follow(const SessionEvent& event);
     void followForcedAction();
     void showNotifications();
     void followClosedLid();
-    void startSession();
     void complain(const std::string& text);
     void refuse(const std::string& reason);
-    void startOnceReady();
     void finishAfter(Seconds delay);
     void finish();
     void drawLive();
 
     AppDelegate& application_;
     Platform& platform_;
-    LaunchOptions options_;
+    bool isIdle_;
+    CommandLineSession session_;
     TerminalOutput& output_;
     std::function<void(int)> onFinish_;
     int exitStatus_;
     bool isFinished_ = false;
     std::optional<ObservationLoop> liveLoop_;
     std::optional<ObservationLoop> closedLidLoop_;
-    std::optional<ObservationLoop> readinessLoop_;
-    std::unique_ptr<ScheduledTask> startLimit_;
     std::optional<ClosedLidStatus> shownClosedLidStatus_;
     std::unique_ptr<ScheduledTask> delayedFinish_;
     Lifetime lifetime_;

@@ -1,4 +1,4 @@
-#include "App/Headless/TerminationSignals.h"
+#include "App/Launch/TerminationSignals.h"
 
 #include "HelperProtocol/Process.h"
 

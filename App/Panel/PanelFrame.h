@@ -1,0 +1,75 @@
+#pragma once
+
+#include "App/DesignSystem/Theme.h"
+#include "App/Panel/PanelShadow.h"
+
+#include <QPointer>
+
+#include <functional>
+
+namespace vespra {
+
+/// What the panel holds.
+struct PanelInterior {
+    QWidget* widget = nullptr;
+    /// Says how many points high it may be; what does not fit scrolls. Empty: it has no say.
+    std::function<void(int)> setMaximumHeight;
+};
+
+/// The ground of the panel, with its edge and the shadow around it, and the content on it. Main thread only.
+class PanelFrame final : public QWidget {
+public:
+    enum class Ground {
+        floating, // round, in the middle of its shadow
+        square, // where nothing can be seen through a window
+        window, // inside the frame of the desktop's windows
+    };
+
+    /// `makeContent` makes the widget, which the frame then owns.
+    PanelFrame(const Theme& theme, std::function<PanelInterior()> makeContent);
+
+    void setGround(Ground ground);
+    /// Makes the content unless it is there.
+    void build();
+    /// The content goes, in a later turn: what it is busy with comes to its end.
+    void takeDown();
+
+    /// How large the content is to be, if it may be `maximumHeight` points high.
+    QSize contentSize(int maximumHeight);
+    /// The frame around a content that is there.
+    QRect frameAround(const QRect& content) const;
+    QRect contentRect() const;
+
+    QSize sizeHint() const override;
+
+    /// The keyboard's way out.
+    std::function<void()> onEscape;
+    /// A click beside the content.
+    std::function<void()> onPressOutside;
+    /// The system closes the window; true if it may.
+    std::function<bool()> onClose;
+    /// The content asks for another size.
+    std::function<void()> onContentResize;
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    int margin() const;
+    QSize wantedSize() const;
+
+    const Theme theme_;
+    std::function<PanelInterior()> makeContent_;
+    PanelInterior content_;
+    Ground ground_ = Ground::floating;
+    PanelShadow shadow_;
+    QSize wanted_;
+    FollowsLook follows_;
+};
+
+} // namespace vespra
