@@ -3,6 +3,7 @@
 #include "App/Launch/SingleInstance.h"
 #include "App/Launch/TerminationSignals.h"
 #include "App/Model/UserDefaults.h"
+#include "App/Render/Render.h"
 #include "App/Wording/Localized.h"
 #include "App/Wording/Translations.h"
 #include "ControlProtocol/CommandLine.h"
@@ -79,6 +80,8 @@ int run(int argc, char** argv)
     if (const auto* exitStatus = std::get_if<int>(&parsed))
         return *exitStatus;
     const auto& options = std::get<LaunchOptions>(parsed);
+    if (options.render)
+        return renderSurfaces(*options.render);
     // The session goes on even if nobody reads the output any more.
     std::signal(SIGPIPE, SIG_IGN);
     // Qt looks for the home directory in the environment only.

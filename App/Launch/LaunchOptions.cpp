@@ -70,6 +70,18 @@ namespace {
         addPlan(app.add_flag("--idle", isIdle, "Start no session, only listen to the agents"));
     }
 
+    void addRendering(CLI::App& app, std::optional<RenderRequest>& request)
+    {
+        const auto takeDirectory = [&](const std::string& directory) { request.emplace().directory = directory; };
+        auto* render = app.add_option_function<std::string>(
+            "--render", takeDirectory, "Draw pictures of every window into this folder, and quit");
+        render->type_name("DIR")->trigger_on_parse();
+        const auto takeName = [&](const std::string& name) { request->name = name; };
+        app.add_option_function<std::string>("--only", takeName, "With --render: only the picture of this name")
+            ->type_name("NAME")
+            ->needs(render);
+    }
+
 } // namespace
 
 std::variant<LaunchOptions, int> parsedCommandLine(int argc, char** argv)
@@ -96,6 +108,7 @@ std::variant<LaunchOptions, int> parsedCommandLine(int argc, char** argv)
             "linux, macos or simulated; by default this system, or a simulated laptop where no power manager answers"},
         platformKind,
         [&](PlatformKind kind) { options.platform = kind; });
+    addRendering(app, options.render);
     if (const auto exitStatus = commandLine::parse(app, argc, argv))
         return *exitStatus;
     return options;

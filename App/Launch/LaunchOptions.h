@@ -11,6 +11,13 @@ namespace vespra {
 
 inline constexpr const char* programName = "vespra";
 
+/// Pictures that are to be drawn instead of running.
+struct RenderRequest {
+    std::string directory;
+    /// Only this one; absent: all.
+    std::optional<std::string> name;
+};
+
 /// What the command line asks of this launch, with windows or without.
 struct LaunchOptions {
     StartOptions session;
@@ -22,6 +29,8 @@ struct LaunchOptions {
     std::optional<PlatformKind> platform;
     /// Start no session: listen to the agents and wait for the end.
     bool isIdle = false;
+    /// Asks for nothing else then.
+    std::optional<RenderRequest> render;
 
     /// Nothing is asked for but that the application runs.
     bool isPlain() const { return session == StartOptions{} && !settings && !grace && !platform && !isIdle; }

@@ -1,17 +1,15 @@
 #pragma once
 
 #include "App/Model/UserDefaults.h"
-#include "App/System/simulated/SimulatedPlatform.h"
-#include "Core/Scheduling/VirtualTime.h"
-#include "Tests/Support/ManualMainLoop.h"
+#include "App/System/simulated/VirtualLaptop.h"
 
 #include <map>
 #include <stdexcept>
 
 namespace vespra {
 
-/// A simulated laptop whose time and turns the test makes.
-class VirtualPlatform {
+/// A virtual laptop that is changed and looked at in words.
+class VirtualPlatform : public VirtualLaptop {
 public:
     /// Changes the laptop and lets the application notice.
     void set(const MachineSettings& settings)
@@ -20,13 +18,6 @@ public:
             throw std::runtime_error{done.error()};
         settle();
     }
-    void settle() { mainLoop.run(); }
-    void advance(Seconds by)
-    {
-        time.advance(by);
-        settle();
-    }
-    SimulatedMachine& machine() { return *platform.machine; }
 
     /// The types of what holds the laptop awake, in order.
     std::string held()
@@ -44,38 +35,6 @@ public:
             identifiers += (identifiers.empty() ? "" : " ") + notification.identifier;
         return identifiers;
     }
-
-    VirtualTime time;
-    ManualMainLoop mainLoop;
-
-private:
-    /// What the platform owns of the time that is the test's.
-    struct Shared final : MainLoop, WallClock, DeadlineScheduling, TaskScheduling {
-        explicit Shared(VirtualPlatform& owner)
-            : of{owner}
-        {
-        }
-        void post(std::function<void()> task) override { of.mainLoop.post(std::move(task)); }
-        Instant now() const override { return of.time.now(); }
-        ContinuousInstant continuousNow() const override { return of.time.continuousNow(); }
-        std::unique_ptr<ScheduledDeadline> schedule(Instant date, std::function<void()> action) override
-        {
-            return of.time.schedule(date, std::move(action));
-        }
-        std::unique_ptr<ScheduledTask> schedule(Seconds after, std::function<void()> action) override
-        {
-            return of.time.schedule(after, std::move(action));
-        }
-        VirtualPlatform& of;
-    };
-
-public:
-    Platform platform = makeSimulatedPlatform({
-        .mainLoop = std::make_unique<Shared>(*this),
-        .clock = std::make_unique<Shared>(*this),
-        .deadlines = std::make_unique<Shared>(*this),
-        .tasks = std::make_unique<Shared>(*this),
-    });
 };
 
 /// Defaults in memory.

@@ -2,7 +2,7 @@
 #include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/DescriptorFamine.h"
 #include "Tests/Support/LocalClient.h"
-#include "Tests/Support/ManualMainLoop.h"
+#include "Core/Scheduling/ManualMainLoop.h"
 #include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
 

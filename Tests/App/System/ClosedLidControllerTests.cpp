@@ -4,7 +4,7 @@
 #include "Core/Scheduling/VirtualTime.h"
 #include "Tests/App/System/ClosedLidFakes.h"
 #include "Tests/Support/FakeMonitors.h"
-#include "Tests/Support/ManualMainLoop.h"
+#include "Core/Scheduling/ManualMainLoop.h"
 #include "Tests/Support/RecordedLog.h"
 
 #include <gmock/gmock.h>

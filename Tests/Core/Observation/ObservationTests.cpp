@@ -2,7 +2,7 @@
 #include "Core/Observation/Observed.h"
 #include "Core/Observation/ObservedClock.h"
 #include "Core/Scheduling/VirtualTime.h"
-#include "Tests/Support/ManualMainLoop.h"
+#include "Core/Scheduling/ManualMainLoop.h"
 
 #include <gtest/gtest.h>
 

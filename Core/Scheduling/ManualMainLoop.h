@@ -10,7 +10,7 @@
 
 namespace vespra {
 
-/// A main loop whose turns the test takes itself. Posting works from any thread.
+/// A main loop whose turns are taken by hand, for simulations and tests. Posting works from any thread.
 class ManualMainLoop final : public MainLoop {
 public:
     void post(std::function<void()> task) override
