@@ -49,6 +49,8 @@ public:
     ForcedEndAction& forcedEndAction() { return forcedEndAction_; }
     const ForcedEndAction& forcedEndAction() const { return forcedEndAction_; }
     RunningCommands& commands() { return commands_; }
+    /// `vespractl run` keeps the session going.
+    bool isCommandRunning() const { return commands_.isAnyRunning(); }
     LoginItem& loginItem() { return loginItem_; }
     AppUpdates& updates() { return updates_; }
     SessionShortcut& sessionShortcut() { return sessionShortcut_; }

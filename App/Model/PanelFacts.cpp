@@ -13,16 +13,6 @@ namespace vespra::panelFacts {
 
 namespace {
 
-    std::string_view symbol(const StartRefusal& refusal)
-    {
-        return match(
-            refusal,
-            [](const refusal::BatteryTooLow&) { return "battery.25percent"; },
-            [](const refusal::AlreadyActive&) { return "clock"; },
-            [](const refusal::ChargerRequired&) { return "powerplug"; },
-            [](const refusal::TooHot&) { return "thermometer.high"; });
-    }
-
     /// A length as it is read aloud: a minute that has begun counts.
     std::string spokenLength(Seconds length)
     {
@@ -93,6 +83,16 @@ namespace {
     }
 
 } // namespace
+
+std::string_view symbol(const StartRefusal& refusal)
+{
+    return match(
+        refusal,
+        [](const refusal::BatteryTooLow&) { return "battery.25percent"; },
+        [](const refusal::AlreadyActive&) { return "clock"; },
+        [](const refusal::ChargerRequired&) { return "powerplug"; },
+        [](const refusal::TooHot&) { return "thermometer.high"; });
+}
 
 std::optional<StartBlocker> startBlocker(const AppModel& model)
 {

@@ -6,6 +6,9 @@
 /// observation loop that calls them. Main thread only.
 namespace vespra::panelFacts {
 
+/// The name of the icon beside a refusal.
+std::string_view symbol(const StartRefusal& refusal);
+
 /// Why a start with the current preferences would be refused.
 struct StartBlocker {
     std::string_view symbol; // the name of the icon beside the text

@@ -4,6 +4,19 @@
 
 namespace vespra {
 
+std::string title(AgentEndAction action)
+{
+    switch (action) {
+    case AgentEndAction::letSleep:
+        return localized("Nothing");
+    case AgentEndAction::sleepNow:
+        return localized("Sleep");
+    case AgentEndAction::shutDown:
+        break;
+    }
+    return localized("Shut Down");
+}
+
 std::string explanation(AgentEndAction action)
 {
     switch (action) {

@@ -8,6 +8,8 @@
 /// The agents' values in the user's words.
 namespace vespra {
 
+/// "Shut Down", as the end action's label.
+std::string title(AgentEndAction action);
 /// What the end action does, under its choice.
 std::string explanation(AgentEndAction action);
 /// The body of the notification that the agents are done.
