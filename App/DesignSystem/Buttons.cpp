@@ -1,19 +1,40 @@
 #include "App/DesignSystem/Buttons.h"
 
+#include "App/DesignSystem/Accessibility.h"
 #include "App/DesignSystem/Focus.h"
 #include "App/DesignSystem/Icon.h"
+#include "App/DesignSystem/TextBlock.h"
 
-#include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
+
+#include <cmath>
 
 namespace vespra {
 
 namespace {
 
-    void setUp(QAbstractButton& button)
+    void setUp(QAbstractButton& button, double radius)
     {
         button.setAttribute(Qt::WA_Hover);
         button.setFocusPolicy(Qt::StrongFocus);
+        FocusRing::setRadius(button, radius);
+    }
+
+    void setUp(QPushButton& button, double radius)
+    {
+        setUp(static_cast<QAbstractButton&>(button), radius);
+        // Return presses it too, in a window as in a dialog.
+        button.setAutoDefault(true);
+    }
+
+    /// Return presses what has the focus, as Space does.
+    bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event)
+    {
+        const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+        if (isReturn)
+            button.click();
+        return isReturn;
     }
 
 } // namespace
@@ -24,8 +45,7 @@ Button::Button(const Theme& theme, ButtonKind kind, ButtonSize size)
     , size_{size}
     , follows_{theme, *this}
 {
-    setUp(*this);
-    FocusRing::setRadius(*this, radius());
+    setUp(*this, size == ButtonSize::small ? measure::smallButtonRadius : measure::buttonRadius);
     setSizePolicy(size == ButtonSize::small ? QSizePolicy::Fixed : QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -34,11 +54,17 @@ double Button::radius() const
     return theme_.look.scaled(size_ == ButtonSize::small ? measure::smallButtonRadius : measure::buttonRadius);
 }
 
-void Button::show(const std::string& text)
+TextStyle Button::textStyle() const { return size_ == ButtonSize::small ? TextStyle::section : TextStyle::strong; }
+
+void Button::show(const std::string& text) { show(text, text); }
+
+void Button::show(const std::string& text, const std::string& spoken)
 {
+    setAccessibleName(qtText(spoken));
+    if (std::exchange(label_, qtText(text)) == label_)
+        return;
     // An ampersand is one, not the mark of a shortcut.
-    setText(qtText(text).replace(QLatin1Char('&'), QStringLiteral("&&")));
-    setAccessibleName(qtText(text));
+    setText(QString{label_}.replace(QLatin1Char('&'), QStringLiteral("&&")));
     updateGeometry();
 }
 
@@ -46,10 +72,10 @@ QSize Button::sizeHint() const
 {
     const bool isSmall = size_ == ButtonSize::small;
     const auto& look = theme_.look;
-    const QFontMetrics metrics{look.font(isSmall ? TextStyle::section : TextStyle::strong)};
-    const int padding = look.units(isSmall ? measure::smallButtonPadding : measure::buttonPadding);
+    const double width = TextBlock{label_, look, textStyle()}.size().width();
+    const double padding = look.scaled(isSmall ? measure::smallButtonPadding : measure::buttonPadding);
     const int height = look.units(isSmall ? measure::smallButtonHeight : measure::buttonHeight);
-    return {metrics.horizontalAdvance(accessibleName()) + 2 * padding, height};
+    return {static_cast<int>(std::ceil(width + 2 * padding)), height};
 }
 
 void Button::paintEvent(QPaintEvent*)
@@ -58,9 +84,8 @@ void Button::paintEvent(QPaintEvent*)
     const auto state = controlState(*this);
     const auto& tokens = theme_.look.tokens();
     drawButton(painter, rect(), kind_, radius(), state, tokens);
-    painter.setFont(theme_.look.font(size_ == ButtonSize::small ? TextStyle::section : TextStyle::strong));
     painter.setPen(buttonText(kind_, state, tokens));
-    painter.drawText(rect(), Qt::AlignCenter, accessibleName());
+    TextBlock{label_, theme_.look, textStyle()}.draw(painter, rect(), Qt::AlignCenter);
 }
 
 IconButton::IconButton(const Theme& theme, std::string_view icon, double size, bool hasGround)
@@ -70,8 +95,7 @@ IconButton::IconButton(const Theme& theme, std::string_view icon, double size, b
     , hasGround_{hasGround}
     , follows_{theme, *this}
 {
-    setUp(*this);
-    FocusRing::setRadius(*this, theme.look.scaled(measure::stepperRadius));
+    setUp(*this, measure::stepperRadius);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -99,8 +123,7 @@ Switch::Switch(const Theme& theme)
     : theme_{theme}
     , follows_{theme, *this}
 {
-    setUp(*this);
-    FocusRing::setRadius(*this, theme.look.scaled(measure::switchHeight / 2));
+    setUp(*this, measure::switchHeight / 2);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     knob_.setStartValue(0.0);
     knob_.setEndValue(1.0);
@@ -129,49 +152,72 @@ void Switch::paintEvent(QPaintEvent*)
     QPainter painter{this};
     const bool moves = knob_.state() == QAbstractAnimation::Running;
     const double knob = moves ? knob_.currentValue().toDouble() : isChecked() ? 1 : 0;
+    if (isRightToLeft()) {
+        painter.translate(width(), 0);
+        painter.scale(-1, 1);
+    }
     drawSwitch(painter, rect(), knob, controlState(*this), theme_.look.tokens());
+}
+
+void Switch::keyPressEvent(QKeyEvent* event)
+{
+    if (!pressesByReturn(*this, *event))
+        QCheckBox::keyPressEvent(event);
 }
 
 Segment::Segment(const Theme& theme)
     : theme_{theme}
     , follows_{theme, *this}
 {
-    setUp(*this);
-    FocusRing::setRadius(*this, theme.look.scaled(measure::segmentRadius));
+    setUp(*this, measure::segmentRadius);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize Segment::sizeHint() const
 {
-    const QFontMetrics metrics{theme_.look.font(TextStyle::medium)};
-    const int padding = theme_.look.units(measure::segmentInset);
-    return {metrics.horizontalAdvance(accessibleName()) + 2 * padding, theme_.look.units(measure::segmentHeight)};
+    const double width = TextBlock{accessibleName(), theme_.look, TextStyle::medium}.size().width();
+    const int padding = theme_.look.units(2 * measure::segmentPadding);
+    return {static_cast<int>(std::ceil(width)) + padding, theme_.look.units(measure::segmentHeight)};
 }
 
+void Segment::keyPressEvent(QKeyEvent* event)
+{
+    if (!pressesByReturn(*this, *event))
+        QRadioButton::keyPressEvent(event);
+}
+
+/// A title that is too long for its segment is drawn smaller, and only then cut.
 void Segment::paintEvent(QPaintEvent*)
 {
     QPainter painter{this};
-    const auto& tokens = theme_.look.tokens();
-    const auto state = controlState(*this);
-    if (isChecked())
-        drawChosenSegment(painter, rect(), theme_.look.scale(), tokens);
-    painter.setFont(theme_.look.font(TextStyle::medium));
-    painter.setPen(isChecked() || state.isHovered ? tokens.text : tokens.text2);
-    painter.drawText(rect(), Qt::AlignCenter, accessibleName());
+    const auto& look = theme_.look;
+    const auto& tokens = look.tokens();
+    painter.setPen(isChecked() || controlState(*this).isHovered ? tokens.text : tokens.text2);
+    const double room = width() - look.scaled(measure::segmentPadding);
+    const TextBlock title{accessibleName(), look, TextStyle::medium};
+    if (title.size().width() <= room)
+        return title.draw(painter, rect(), Qt::AlignCenter);
+    const auto fitting
+        = QFontMetricsF{look.font(TextStyle::activity)}.elidedText(accessibleName(), Qt::ElideRight, room);
+    TextBlock{fitting, look, TextStyle::activity}.draw(painter, rect(), Qt::AlignCenter);
 }
 
 SegmentedControl::SegmentedControl(const Theme& theme, const std::vector<std::string>& titles)
     : theme_{theme}
-    , follows_{theme, *this}
+    , row_{new QHBoxLayout{this}}
+    , follows_{theme, *this, [this, &look = theme.look] {
+                   const int inset = look.units(measure::segmentInset);
+                   row_->setContentsMargins(inset, inset, inset, inset);
+               }}
 {
-    auto* row = new QHBoxLayout{this};
-    const int inset = theme.look.units(measure::segmentInset);
-    row->setContentsMargins(inset, inset, inset, inset);
-    row->setSpacing(0);
+    accessibility::install();
+    row_->setSpacing(0);
+    row_->setSizeConstraint(QLayout::SetNoConstraint);
     for (std::size_t index = 0; index < titles.size(); ++index) {
-        auto& segment = added(*row, new Segment{theme}, 1);
+        auto& segment = added(*row_, new Segment{theme}, 1);
         segment.setAccessibleName(qtText(titles[index]));
         connect(&segment, &QRadioButton::clicked, this, [this, index] { notify(onChoose, index); });
+        connect(&segment, &QRadioButton::toggled, this, [this] { update(); });
         segments_.push_back(&segment);
     }
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -182,7 +228,11 @@ void SegmentedControl::show(std::size_t index) { segments_.at(index)->setChecked
 void SegmentedControl::paintEvent(QPaintEvent*)
 {
     QPainter painter{this};
-    drawSegments(painter, rect(), theme_.look.scale(), theme_.look.tokens());
+    const auto& look = theme_.look;
+    drawSegments(painter, rect(), look.scale(), look.tokens());
+    for (const auto* segment : segments_)
+        if (segment->isChecked())
+            drawChosenSegment(painter, segment->geometry(), look.scale(), look.tokens());
 }
 
 } // namespace vespra

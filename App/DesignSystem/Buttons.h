@@ -4,6 +4,7 @@
 #include "App/DesignSystem/Theme.h"
 
 #include <QCheckBox>
+#include <QHBoxLayout>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVariantAnimation>
@@ -18,6 +19,8 @@ public:
     Button(const Theme& theme, ButtonKind kind, ButtonSize size = ButtonSize::regular);
 
     void show(const std::string& text);
+    /// The same, read aloud as `spoken`.
+    void show(const std::string& text, const std::string& spoken);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -27,10 +30,12 @@ protected:
 
 private:
     double radius() const;
+    TextStyle textStyle() const;
 
     const Theme theme_;
     ButtonKind kind_;
     ButtonSize size_;
+    QString label_;
     FollowsLook follows_;
 };
 
@@ -71,6 +76,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     bool hitButton(const QPoint& place) const override { return rect().contains(place); }
 
 private:
@@ -91,6 +97,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     bool hitButton(const QPoint& place) const override { return rect().contains(place); }
 
 private:
@@ -108,11 +115,15 @@ public:
     /// Called when the user has chosen another one.
     std::function<void(std::size_t index)> onChoose;
 
+    /// Narrower than its titles: they are drawn smaller then.
+    QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     const Theme theme_;
+    QHBoxLayout* row_;
     std::vector<Segment*> segments_;
     FollowsLook follows_;
 };

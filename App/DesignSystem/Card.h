@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/DesignSystem/Label.h"
+#include "App/DesignSystem/IconLabel.h"
 
 #include <QBoxLayout>
 
@@ -10,6 +10,8 @@ namespace vespra {
 class Card final : public QWidget {
 public:
     explicit Card(const Theme& theme);
+
+    /// Above `row` there is a line, unless it is the first that is shown.
 
     template <class Row> Row& add(Row* row) { return added(*layout_, row); }
 
@@ -22,7 +24,7 @@ private:
     FollowsLook follows_;
 };
 
-/// A title, what explains it below, and a control at the side.
+/// A title, what explains it below, and a control at the side, which they name unless it has a name.
 class Row final : public QWidget {
 public:
     /// `control` may be null; the row owns it.
@@ -32,7 +34,12 @@ public:
     void showSubtitle(const std::string& text);
 
 private:
+    QHBoxLayout* row_;
+    QSpacerItem* height_;
+    Label* title_;
     Label* subtitle_;
+    QWidget* control_;
+    FollowsLook follows_;
 };
 
 /// What an agent, or a component, does now: a dot and a word in its colour.
@@ -47,6 +54,7 @@ protected:
 
 private:
     const Theme theme_;
+    QHBoxLayout* row_;
     Label* text_;
     Ink ink_ = &Tokens::text3;
     FollowsLook follows_;
@@ -59,15 +67,13 @@ public:
 
     explicit CheckLine(const Theme& theme);
 
+    /// Read aloud with the state.
     void show(const std::string& text, State state);
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
-
 private:
-    const Theme theme_;
+    QHBoxLayout* row_;
+    IconLabel* icon_;
     Label* text_;
-    State state_ = State::pending;
     FollowsLook follows_;
 };
 

@@ -1,7 +1,9 @@
 #include "App/DesignSystem/Drawing.h"
 
 #include <QPainter>
+#include <QPainterPath>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -32,18 +34,18 @@ namespace {
         case ButtonKind::quiet:
             break;
         }
-        auto none = tokens.surface2;
+        auto none = tokens.text;
         none.setAlpha(0);
         return none;
     }
 
-    /// Nearer to the text the more it is touched.
-    QColor touched(const QColor& color, ControlState state, const Tokens& tokens)
+    /// Nearer to what stands on it the more it is touched.
+    QColor touched(const QColor& color, ControlState state, const QColor& standsOnIt)
     {
-        constexpr double hovered = 0.06, pressed = 0.14;
+        constexpr double hovered = 0.05, pressed = 0.11;
         if (!state.isEnabled)
             return color;
-        return mixed(color, tokens.text, state.isPressed ? pressed : state.isHovered ? hovered : 0);
+        return mixed(color, standsOnIt, state.isPressed ? pressed : state.isHovered ? hovered : 0);
     }
 
     void fill(QPainter& painter, const QRectF& area, double radius, const QColor& color)
@@ -58,6 +60,26 @@ namespace {
         painter.setPen(QPen{color, width});
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(area, radius, radius);
+    }
+
+    QPainterPath rounded(const QRectF& area, double radius)
+    {
+        QPainterPath path;
+        path.addRoundedRect(area, radius, radius);
+        return path;
+    }
+
+    /// A shadow `blur` wide: thin layers, each a little larger than the one on it.
+    void shade(QPainter& painter, const QRectF& area, double radius, double blur, double opacity)
+    {
+        constexpr int layers = 4;
+        for (int layer = 0; layer < layers; ++layer) {
+            const double out = blur * ((layer + 0.5) / layers - 0.5);
+            fill(painter,
+                area.adjusted(-out, -out, out, out),
+                radius + out,
+                QColor::fromRgbF(0, 0, 0, static_cast<float>(opacity / layers)));
+        }
     }
 
     class Saved {
@@ -80,11 +102,25 @@ namespace {
 
 } // namespace
 
+QColor buttonGround(ButtonKind kind, ControlState state, const Tokens& tokens)
+{
+    return touched(ground(kind, tokens), state, kind == ButtonKind::primary ? tokens.onAccent : tokens.text);
+}
+
+QColor switchGround(double knob, ControlState state, const Tokens& tokens)
+{
+    return touched(mixed(tokens.off, tokens.ring, knob), state, tokens.text);
+}
+
 void drawButton(
     QPainter& painter, const QRectF& area, ButtonKind kind, double radius, ControlState state, const Tokens& tokens)
 {
     const Saved saved{painter, state};
-    fill(painter, area, radius, touched(ground(kind, tokens), state, tokens));
+    fill(painter, area, radius, buttonGround(kind, state, tokens));
+    if (kind != ButtonKind::quiet && tokens.control.alpha() > 0) {
+        constexpr double half = 0.5;
+        outline(painter, area.adjusted(half, half, -half, -half), radius - half, tokens.control, 1);
+    }
 }
 
 QColor buttonText(ButtonKind kind, ControlState state, const Tokens& tokens)
@@ -98,11 +134,15 @@ QColor buttonText(ButtonKind kind, ControlState state, const Tokens& tokens)
 void drawSwitch(QPainter& painter, const QRectF& area, double knob, ControlState state, const Tokens& tokens)
 {
     const Saved saved{painter, state};
-    const double inset = area.height() * measure::switchInset / measure::switchHeight;
+    const double point = area.height() / measure::switchHeight, inset = measure::switchInset * point;
     const double size = area.height() - 2 * inset;
-    fill(painter, area, area.height() / 2, touched(mixed(tokens.off, tokens.ring, knob), state, tokens));
+    fill(painter, area, area.height() / 2, switchGround(knob, state, tokens));
     const QRectF place{area.left() + inset + knob * (area.width() - 2 * inset - size), area.top() + inset, size, size};
-    fill(painter, place.translated(0, inset / 4), size / 2, QColor{0, 0, 0, 0x40});
+    constexpr double drop = 0.5, blur = 2, darkness = 0.4;
+    painter.save();
+    painter.setClipPath(rounded(area, area.height() / 2));
+    shade(painter, place.translated(0, drop * point), size / 2, blur * point, darkness);
+    painter.restore();
     fill(painter, place, size / 2, tokens.knob);
 }
 
@@ -116,9 +156,11 @@ void drawChosenSegment(QPainter& painter, const QRectF& area, double scale, cons
 {
     const Saved saved{painter};
     const double radius = measure::segmentRadius * scale;
-    fill(painter, area.translated(0, scale), radius, QColor{0, 0, 0, 0x1C});
+    constexpr double drop = 0.5, blur = 1.5, darkness = 0.2;
+    shade(painter, area.translated(0, drop * scale), radius, blur * scale, darkness);
+    const double half = tokens.hairline * scale / 2;
+    outline(painter, area.adjusted(-half, -half, half, half), radius + half, tokens.line, 2 * half);
     fill(painter, area, radius, tokens.raised);
-    outline(painter, area, radius, tokens.line, measure::hairline * scale);
 }
 
 void drawRing(
@@ -145,20 +187,26 @@ void drawRing(
     }
 }
 
+void drawHairline(QPainter& painter, QPointF from, double length, double scale, const Tokens& tokens)
+{
+    const double pixels = painter.deviceTransform().m11();
+    const double width = std::max(1.0, std::floor(tokens.hairline * scale * pixels)) / pixels;
+    painter.fillRect(QRectF{from.x(), std::round(from.y() * pixels) / pixels, length, width}, tokens.line);
+}
+
 void drawCard(QPainter& painter, const QRectF& area, double scale, const Tokens& tokens)
 {
     const Saved saved{painter};
-    const double radius = measure::cardRadius * scale;
+    const double radius = measure::cardRadius * scale, half = tokens.hairline * scale / 2;
     fill(painter, area, radius, tokens.surface);
-    const double half = measure::hairline * scale / 2;
-    outline(painter, area.adjusted(half, half, -half, -half), radius, tokens.line, measure::hairline * scale);
+    outline(painter, area.adjusted(half, half, -half, -half), radius - half, tokens.line, 2 * half);
 }
 
-void drawFocus(QPainter& painter, const QRectF& area, double radius, const Tokens& tokens)
+void drawFocus(QPainter& painter, const QRectF& area, double radius, double scale, const Tokens& tokens)
 {
     const Saved saved{painter};
-    constexpr double out = measure::focusDistance + measure::focusWidth / 2;
-    outline(painter, area.adjusted(-out, -out, out, out), radius + out, tokens.focus, measure::focusWidth);
+    const double out = (measure::focusDistance + measure::focusWidth / 2) * scale;
+    outline(painter, area.adjusted(-out, -out, out, out), radius + out, tokens.focus, measure::focusWidth * scale);
 }
 
 } // namespace vespra

@@ -37,10 +37,17 @@ void drawChosenSegment(QPainter& painter, const QRectF& area, double scale, cons
 void drawRing(
     QPainter& painter, const QRectF& area, std::optional<double> remaining, double scale, const Tokens& tokens);
 
+/// A line of one pixel or half a point, whichever is wider, that lies on the pixels below `from`.
+void drawHairline(QPainter& painter, QPointF from, double length, double scale, const Tokens& tokens);
+
 /// A surface that holds rows.
 void drawCard(QPainter& painter, const QRectF& area, double scale, const Tokens& tokens);
 
-/// The ring of the focus around a control of this outline.
-void drawFocus(QPainter& painter, const QRectF& area, double radius, const Tokens& tokens);
+/// The ring of the focus around a control that is `area`, with corners of `radius`.
+void drawFocus(QPainter& painter, const QRectF& area, double radius, double scale, const Tokens& tokens);
+
+/// What a button's ground becomes as it is touched: of a `ButtonKind`, and of the switch.
+QColor buttonGround(ButtonKind kind, ControlState state, const Tokens& tokens);
+QColor switchGround(double knob, ControlState state, const Tokens& tokens);
 
 } // namespace vespra

@@ -13,6 +13,8 @@ enum class TextStyle {
     strong, // names and values
     medium, // labels of controls
     caption, // what explains
+    activity, // what somebody does now
+    glyph, // two letters for a name
     note, // in notes and small buttons
     section, // above a card
     clock, // the time of a session
@@ -33,12 +35,14 @@ public:
 
     const Tokens& tokens() const { return vespra::tokens(appearance()); }
     QFont font(TextStyle style) const;
+    /// From one baseline to the next, in pixels of the layout.
+    double lineHeight(TextStyle style) const;
 
     /// `points` of the measures at the size of the user's text: one and a half of it at 150 %.
     double scaled(double points) const { return points * scale(); }
     /// The same as a whole number for layouts.
     int units(double points) const;
-    /// 1 at the usual size of text.
+    /// 1 at the usual size of text, in steps of an eighth up to one and a half.
     double scale() const;
 
 private:

@@ -1,8 +1,5 @@
 #include "App/DesignSystem/Note.h"
 
-#include "App/DesignSystem/Icon.h"
-
-#include <QHBoxLayout>
 #include <QPainter>
 
 namespace vespra {
@@ -35,32 +32,33 @@ namespace {
 Note::Note(const Theme& theme, NoteKind kind, QWidget* control)
     : theme_{theme}
     , kind_{kind}
+    , row_{new QHBoxLayout{this}}
+    , icon_{new IconLabel{theme, measure::iconSize, inks(kind).icon}}
     , title_{new Label{theme, TextStyle::note}}
     , text_{new Label{theme, TextStyle::caption, &Tokens::text2}}
-    , follows_{theme, *this}
+    , follows_{theme, *this, [this, &look = theme.look] {
+                   const int side = look.units(sidePadding), edge = look.units(edgePadding);
+                   row_->setContentsMargins(side, edge, side, edge);
+                   row_->setSpacing(look.units(gap));
+               }}
 {
-    const auto& look = theme.look;
-    auto* row = new QHBoxLayout{this};
-    const int side = look.units(sidePadding), edge = look.units(edgePadding);
-    row->setContentsMargins(side + look.units(measure::iconSize + gap), edge, side, edge);
-    row->setSpacing(look.units(gap));
     auto* texts = new QVBoxLayout;
     texts->setSpacing(0);
     texts->addWidget(title_);
     texts->addWidget(text_);
-    row->addLayout(texts, 1);
+    row_->addWidget(icon_, 0, Qt::AlignTop);
+    row_->addLayout(texts, 1);
     if (control)
-        row->addWidget(control, 0, Qt::AlignTop);
+        row_->addWidget(control, 0, Qt::AlignTop);
 }
 
 void Note::show(std::string_view icon, const std::string& title, const std::string& text)
 {
-    icon_ = icon;
+    icon_->show(icon, inks(kind_).icon);
     title_->setTextStyle(text.empty() ? TextStyle::note : TextStyle::section);
     title_->show(title);
     text_->show(text);
     text_->setVisible(!text.empty());
-    update();
 }
 
 void Note::paintEvent(QPaintEvent*)
@@ -68,12 +66,13 @@ void Note::paintEvent(QPaintEvent*)
     QPainter painter{this};
     painter.setRenderHint(QPainter::Antialiasing);
     const auto& look = theme_.look;
+    const auto& tokens = look.tokens();
     const auto [icon, ground] = inks(kind_);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(look.tokens().*ground);
-    painter.drawRoundedRect(rect(), look.scaled(measure::noteRadius), look.scaled(measure::noteRadius));
-    const double size = look.scaled(measure::iconSize);
-    drawIcon(painter, icon_, {look.scaled(sidePadding), look.scaled(edgePadding), size, size}, look.tokens().*icon);
+    const double radius = look.scaled(measure::noteRadius);
+    painter.setPen(tokens.control.alpha() > 0 ? QPen{tokens.*icon, tokens.hairline} : QPen{Qt::NoPen});
+    painter.setBrush(tokens.*ground);
+    const double half = tokens.control.alpha() > 0 ? tokens.hairline / 2 : 0;
+    painter.drawRoundedRect(QRectF{rect()}.adjusted(half, half, -half, -half), radius, radius);
 }
 
 } // namespace vespra

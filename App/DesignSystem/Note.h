@@ -1,6 +1,8 @@
 #pragma once
 
-#include "App/DesignSystem/Label.h"
+#include "App/DesignSystem/IconLabel.h"
+
+#include <QHBoxLayout>
 
 namespace vespra {
 
@@ -21,7 +23,8 @@ protected:
 private:
     const Theme theme_;
     NoteKind kind_;
-    std::string icon_;
+    QHBoxLayout* row_;
+    IconLabel* icon_;
     Label* title_;
     Label* text_;
     FollowsLook follows_;

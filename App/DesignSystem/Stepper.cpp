@@ -1,5 +1,6 @@
 #include "App/DesignSystem/Stepper.h"
 
+#include "App/DesignSystem/Accessibility.h"
 #include "App/Wording/Localized.h"
 
 #include <QHBoxLayout>
@@ -20,13 +21,26 @@ namespace {
         return button;
     }
 
+    /// At the end of the values the focus goes to the other button, not to another control.
+    void enable(IconButton& button, bool isEnabled, IconButton& other)
+    {
+        const bool hasFocus = button.hasFocus();
+        if (!isEnabled && hasFocus) {
+            other.setEnabled(true);
+            other.setFocus(Qt::OtherFocusReason);
+        }
+        button.setEnabled(isEnabled);
+    }
+
 } // namespace
 
 Stepper::Stepper(const Theme& theme)
     : decrement_{stepButton(theme, "minus")}
     , value_{new Label{theme, TextStyle::strong}}
     , increment_{stepButton(theme, "plus")}
+    , follows_{theme, *this, [this, &look = theme.look] { value_->setMinimumWidth(look.units(measure::stepperValue)); }}
 {
+    accessibility::install();
     auto* row = new QHBoxLayout{this};
     row->setContentsMargins({});
     row->setSpacing(0);
@@ -35,7 +49,6 @@ Stepper::Stepper(const Theme& theme)
     row->addWidget(increment_);
     value_->setAlignment(Qt::AlignCenter);
     value_->setWordWrap(false);
-    value_->setMinimumWidth(theme.look.units(measure::stepperValue));
     connect(decrement_, &QPushButton::clicked, this, [this] { notify(onDecrement); });
     connect(increment_, &QPushButton::clicked, this, [this] { notify(onIncrement); });
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -43,13 +56,16 @@ Stepper::Stepper(const Theme& theme)
 
 void Stepper::show(const Facts& facts)
 {
-    value_->show(facts.value);
-    value_->setAccessibleName(qtText(facts.spokenValue));
+    if (facts == facts_)
+        return;
+    facts_ = facts;
+    value_->show(facts.value, facts.spokenValue);
     setAccessibleName(qtText(facts.name));
+    setAccessibleDescription(qtText(facts.spokenValue));
     decrement_->setName(localized("Less: %1, %2", {facts.name, facts.spokenValue}));
     increment_->setName(localized("More: %1, %2", {facts.name, facts.spokenValue}));
-    decrement_->setEnabled(facts.canDecrement);
-    increment_->setEnabled(facts.canIncrement);
+    enable(*decrement_, facts.canDecrement, *increment_);
+    enable(*increment_, facts.canIncrement, *decrement_);
 }
 
 /// The arrows step while either button has the focus.

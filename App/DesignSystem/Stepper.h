@@ -15,11 +15,17 @@ public:
         std::string spokenValue;
         bool canDecrement = true;
         bool canIncrement = true;
+        bool operator==(const Facts&) const = default;
     };
 
     explicit Stepper(const Theme& theme);
 
     void show(const Facts& facts);
+    const Facts& facts() const { return facts_; }
+    /// As if the user had pressed the button; nothing where that is disabled.
+    void decrement() { decrement_->click(); }
+    void increment() { increment_->click(); }
+
     std::function<void()> onDecrement;
     std::function<void()> onIncrement;
 
@@ -27,9 +33,11 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    Facts facts_;
     IconButton* decrement_;
     Label* value_;
     IconButton* increment_;
+    FollowsLook follows_;
 };
 
 } // namespace vespra

@@ -6,6 +6,7 @@
 #include <QLayout>
 #include <QWidget>
 
+#include <functional>
 #include <string>
 
 namespace vespra {
@@ -19,10 +20,13 @@ struct Theme {
 /// Draws `widget` anew, at its new size, whenever the look changes.
 class FollowsLook {
 public:
-    FollowsLook(const Theme& theme, QWidget& widget)
-        : loop_{theme.mainLoop, [&look = theme.look, &widget] {
+    /// `layOut` sets what the widget has from the look beside its hints, such as margins: now, and after each change.
+    FollowsLook(const Theme& theme, QWidget& widget, std::function<void()> layOut = {})
+        : loop_{theme.mainLoop, [&look = theme.look, &widget, layOut = std::move(layOut)] {
                     look.tokens();
                     look.scale();
+                    if (layOut)
+                        layOut();
                     widget.updateGeometry();
                     widget.update();
                 }}

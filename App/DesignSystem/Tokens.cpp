@@ -14,6 +14,9 @@ namespace {
 
     QColor soft(unsigned value, unsigned alpha) { return rgb(value, alpha / 255.0); }
 
+    const QColor none = rgb(0, 0);
+    constexpr double hairline = 0.5, strongHairline = 1;
+
     Tokens light()
     {
         return {
@@ -24,6 +27,8 @@ namespace {
             .raised = rgb(0xFFFFFF),
             .line = soft(0x000000, 0x14),
             .line2 = soft(0x000000, 0x26),
+            .control = none,
+            .hairline = hairline,
             .text = rgb(0x1B1922),
             .text2 = rgb(0x5F5B6B),
             .text3 = rgb(0x757083),
@@ -59,6 +64,8 @@ namespace {
             .raised = rgb(0x4A4559),
             .line = soft(0xFFFFFF, 0x14),
             .line2 = soft(0xFFFFFF, 0x2B),
+            .control = none,
+            .hairline = hairline,
             .text = rgb(0xF2F0F6),
             .text2 = rgb(0xABA6B8),
             .text3 = rgb(0x948FA2),
@@ -87,7 +94,8 @@ namespace {
     /// Lines that are seen, and nothing said in a paler voice.
     Tokens strong(Tokens tokens, QColor line, QColor off)
     {
-        tokens.line = tokens.line2 = tokens.edge = line;
+        tokens.line = tokens.line2 = tokens.control = tokens.edge = line;
+        tokens.hairline = strongHairline;
         tokens.text3 = tokens.text2;
         tokens.text2 = tokens.text;
         tokens.off = off;

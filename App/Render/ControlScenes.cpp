@@ -275,6 +275,8 @@ namespace {
         for (auto* widget : sheet->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
             if (columns->itemAt(0)->layout()->indexOf(widget) >= 0)
                 widget->setFixedWidth(width);
+        const int sheetWidth = sheet->sizeHint().width();
+        sheet->setFixedSize(sheetWidth, sheet->heightForWidth(sheetWidth));
         return sheet;
     }
 
