@@ -19,9 +19,8 @@ namespace {
 
     Attention attention(const ClosedLidStatus& status, bool isWanted)
     {
-        const auto whenWanted = [isWanted](ComponentAction action) {
-            return isWanted ? Attention{action, true} : Attention{};
-        };
+        const auto whenWanted
+            = [isWanted](ComponentAction action) { return isWanted ? Attention{action, true} : Attention{}; };
         return match(
             status,
             [](const closedLid::Unsupported&) { return Attention{}; },

@@ -31,8 +31,8 @@ namespace {
         const auto* session = model.coordinator().state().activeSession();
         auto text = localized("The agents no longer end this session.");
         if (session && session->endsAt)
-            text = localized("The agents no longer end this session. It ends at %1 at the latest.",
-                {timeText(*session->endsAt)});
+            text = localized(
+                "The agents no longer end this session. It ends at %1 at the latest.", {timeText(*session->endsAt)});
         return {.symbol = "power", .title = localized("Kept awake"), .text = text, .spoken = {}};
     }
 
@@ -165,10 +165,8 @@ Notice forcedActionNotice(const AppModel& model, const ForcedEndAction::Pending&
             .text = localized("%1. Save your work.", {finished}),
             .spoken = spoken,
         };
-    return {.symbol = "moon",
-        .title = localized("The Mac will sleep in %1", {left}),
-        .text = finished,
-        .spoken = spoken};
+    return {
+        .symbol = "moon", .title = localized("The Mac will sleep in %1", {left}), .text = finished, .spoken = spoken};
 }
 
 bool canStart(const AppModel& model)

@@ -1,0 +1,93 @@
+#include "App/Panel/Content/AgentRow.h"
+
+#include <QPainter>
+
+namespace vespra {
+
+namespace {
+
+    using panelFacts::AgentStatus;
+
+    Ink ink(AgentStatus status)
+    {
+        switch (status) {
+        case AgentStatus::working:
+            return &Tokens::accent;
+        case AgentStatus::waitingForApproval:
+            return &Tokens::info;
+        case AgentStatus::finished:
+            return &Tokens::ok;
+        case AgentStatus::idle:
+            break;
+        }
+        return &Tokens::text3;
+    }
+
+    constexpr double rowEdge = 8; // points
+
+} // namespace
+
+AgentRow::AgentRow(const Theme& theme)
+    : theme_{theme}
+    , name_{new Label{theme, TextStyle::strong}}
+    , detail_{new Label{theme, TextStyle::caption, &Tokens::text2}}
+    , activity_{new Activity{theme}}
+    , follows_{theme, *this}
+{
+    const auto& look = theme.look;
+    const int padding = look.units(measure::rowPadding), edge = look.units(rowEdge);
+    auto* row = new QHBoxLayout{this};
+    row->setContentsMargins(padding, edge, padding, edge);
+    row->setSpacing(look.units(measure::rowGap));
+    row->addSpacing(look.units(measure::glyphSize));
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(0);
+    texts->addWidget(name_);
+    texts->addWidget(detail_);
+    row->addLayout(texts, 1);
+    row->addWidget(activity_);
+    setMinimumHeight(look.units(measure::rowHeight));
+}
+
+void AgentRow::show(const panelFacts::AgentLine& line, bool isFirst)
+{
+    if (line_ == line && isFirst_ == isFirst)
+        return;
+    line_ = line;
+    isFirst_ = isFirst;
+    name_->show(breakable(line.name));
+    detail_->show(line.detail);
+    activity_->show(line.activity, ink(line.status));
+    setAccessibleName(qtText(line.name + ", " + line.detail + ", " + line.activity));
+    update();
+}
+
+QRectF AgentRow::glyphPlace() const
+{
+    const auto& look = theme_.look;
+    const double size = look.scaled(measure::glyphSize), padding = look.scaled(measure::rowPadding);
+    return {isRightToLeft() ? width() - padding - size : padding, (height() - size) / 2, size, size};
+}
+
+void AgentRow::paintEvent(QPaintEvent*)
+{
+    QPainter painter{this};
+    painter.setRenderHint(QPainter::Antialiasing);
+    const auto& look = theme_.look;
+    const auto& tokens = look.tokens();
+    if (!isFirst_)
+        painter.fillRect(QRectF{0, 0, static_cast<double>(width()), measure::hairline * look.scale()}, tokens.line);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(tokens.surface2);
+    const double radius = look.scaled(measure::glyphRadius);
+    painter.drawRoundedRect(glyphPlace(), radius, radius);
+    auto font = look.font(TextStyle::section);
+    constexpr double smaller = 11.0 / 12;
+    font.setPointSizeF(font.pointSizeF() * smaller);
+    painter.setFont(font);
+    painter.setPen(tokens.text2);
+    const auto glyph = line_ ? line_->glyph : std::string_view{};
+    painter.drawText(glyphPlace(), Qt::AlignCenter, qtText(std::string{glyph}));
+}
+
+} // namespace vespra

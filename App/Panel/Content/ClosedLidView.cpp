@@ -1,0 +1,111 @@
+#include "App/Panel/Content/ClosedLidView.h"
+
+#include "App/System/ClosedLidController.h"
+#include "App/Wording/Localized.h"
+
+namespace vespra {
+
+namespace {
+
+    CheckLine::State checkState(ClosedLidChecklist::Item item)
+    {
+        switch (item) {
+        case ClosedLidChecklist::Item::ok:
+            return CheckLine::State::ok;
+        case ClosedLidChecklist::Item::failed:
+            return CheckLine::State::failed;
+        case ClosedLidChecklist::Item::pending:
+            break;
+        }
+        return CheckLine::State::pending;
+    }
+
+    /// In one place, one of them at a time.
+    QWidget* together(QWidget* first, QWidget* second)
+    {
+        auto* place = new QWidget;
+        auto* row = new QHBoxLayout{place};
+        row->setContentsMargins({});
+        row->addWidget(first);
+        row->addWidget(second);
+        return place;
+    }
+
+} // namespace
+
+ClosedLidView::ClosedLidView(const PanelContext& context)
+    : context_{context}
+    , switch_{new Switch{context.theme}}
+    , action_{new Button{context.theme, ButtonKind::plain, ButtonSize::small}}
+    , row_{new Row{context.theme, localized("Closed-lid mode"), together(switch_, action_)}}
+    , card_{new QWidget}
+    , checks_{}
+    , turnOff_{new Button{context.theme, ButtonKind::quiet, ButtonSize::small}}
+    , loop_{context.theme.mainLoop, [this] { show(panelFacts::closedLidRow(context_.model)); }}
+{
+    // Points.
+    constexpr double lineGap = 5, above = 2, below = 11;
+    const auto& look = context.theme.look;
+    auto* column = new QVBoxLayout{this};
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(row_);
+    column->addWidget(card_);
+
+    auto* opened = new QHBoxLayout{card_};
+    const int side = look.units(measure::rowPadding);
+    opened->setContentsMargins(side, look.units(above), side, look.units(below));
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(look.units(lineGap));
+    for (auto*& line : checks_)
+        lines->addWidget(line = new CheckLine{context.theme});
+    opened->addLayout(lines, 1);
+    opened->addWidget(turnOff_, 0, Qt::AlignBottom);
+
+    switch_->setAccessibleName(qtText(localized("Closed-lid mode")));
+    switch_->onSwitch = [&model = context.model](bool isOn) { model.setClosedLid(isOn); };
+    turnOff_->show(localized("Turn Off"));
+    connect(turnOff_, &QPushButton::clicked, this, [this] { context_.model.setClosedLid(false); });
+    connect(action_, &QPushButton::clicked, this, [this] { act(); });
+}
+
+void ClosedLidView::show(const panelFacts::ClosedLidRow& facts)
+{
+    offered_ = facts.action;
+    row_->showSubtitle(facts.status);
+    switch_->show(facts.isOn);
+    switch_->setEnabled(facts.canSwitch);
+    switch_->setAccessibleDescription(qtText(facts.status));
+    if (facts.action)
+        action_->show(title(*facts.action));
+    context_.setShown(*action_, facts.action.has_value());
+    context_.setShown(*switch_, !facts.action);
+    context_.setShown(*turnOff_, facts.action && facts.isOn);
+    showChecks(facts.checks);
+}
+
+void ClosedLidView::showChecks(const std::vector<panelFacts::CheckItem>& checks)
+{
+    for (std::size_t index = 0; index < checks.size(); ++index)
+        checks_.at(index)->show(checks[index].text, checkState(checks[index].state));
+    context_.setShown(*card_, !checks.empty());
+}
+
+void ClosedLidView::act()
+{
+    const auto controller = context_.model.closedLid();
+    if (!controller || !offered_)
+        return;
+    switch (*offered_) {
+    case panelFacts::ComponentAction::setUp:
+        notify(context_.hidePanel);
+        return controller->install();
+    case panelFacts::ComponentAction::approve:
+        notify(context_.hidePanel);
+        return controller->openApproval();
+    case panelFacts::ComponentAction::retry:
+        return controller->refreshStatus();
+    }
+}
+
+} // namespace vespra

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "App/DesignSystem/Buttons.h"
+#include "App/DesignSystem/Card.h"
+#include "App/Model/ClosedLidFacts.h"
+#include "App/Panel/Content/PanelContext.h"
+
+namespace vespra {
+
+/// Closed-lid mode: its switch and what it would do now. It opens into a checklist while something is missing.
+class ClosedLidView final : public QWidget {
+public:
+    explicit ClosedLidView(const PanelContext& context);
+
+private:
+    void show(const panelFacts::ClosedLidRow& facts);
+    void showChecks(const std::vector<panelFacts::CheckItem>& checks);
+    void act();
+
+    const PanelContext& context_;
+    std::optional<panelFacts::ComponentAction> offered_;
+    Switch* switch_;
+    Button* action_;
+    Row* row_;
+    QWidget* card_;
+    std::array<CheckLine*, 4> checks_;
+    Button* turnOff_;
+    ObservationLoop loop_;
+};
+
+} // namespace vespra

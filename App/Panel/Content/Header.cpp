@@ -1,0 +1,45 @@
+#include "App/Panel/Content/Header.h"
+
+#include "App/DesignSystem/Icon.h"
+#include "App/DesignSystem/Label.h"
+#include "App/Wording/Localized.h"
+#include "HelperProtocol/Brand.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+
+namespace vespra {
+
+namespace {
+
+    // Points.
+    constexpr double headerHeight = 24, headerInset = 2, markWidth = 23, markGap = 8, gearSize = 28, gearOverhang = 4;
+
+} // namespace
+
+Header::Header(const PanelContext& context)
+    : theme_{context.theme}
+    , follows_{context.theme, *this}
+{
+    const auto& look = theme_.look;
+    auto* row = new QHBoxLayout{this};
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addSpacing(look.units(headerInset + markWidth + markGap));
+    added(*row, new Label{theme_, TextStyle::strong}, 1).show(Brand::appName());
+    auto& gear = added(*row, new IconButton{theme_, "gearshape", gearSize, false});
+    gear.setName(localized("Settings…"));
+    connect(&gear, &QPushButton::clicked, this, [open = context.openSettings] { notify(open, std::nullopt); });
+    setFixedHeight(look.units(headerHeight));
+}
+
+void Header::paintEvent(QPaintEvent*)
+{
+    QPainter painter{this};
+    const auto& look = theme_.look;
+    const double width = look.scaled(markWidth), inset = look.scaled(headerInset);
+    const double left = isRightToLeft() ? this->width() - inset - width : inset;
+    drawMark(painter, {left, 0, width, static_cast<double>(height())}, look.tokens().text);
+}
+
+} // namespace vespra

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "App/DesignSystem/Buttons.h"
+#include "App/Panel/Content/PanelContext.h"
+
+namespace vespra {
+
+/// The mark, the application's name, and the way to the settings.
+class Header final : public QWidget {
+public:
+    explicit Header(const PanelContext& context);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const Theme theme_;
+    FollowsLook follows_;
+};
+
+} // namespace vespra

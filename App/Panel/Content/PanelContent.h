@@ -1,0 +1,53 @@
+#pragma once
+
+#include "App/Panel/Content/PanelContext.h"
+
+class QVBoxLayout;
+
+namespace vespra {
+
+class AgentList;
+class SessionButtons;
+
+/// All that the panel shows, as wide as the panel and as high as it needs to be. With less height (`setMaximumHeight`)
+/// the agents scroll. A new height is told like any: by `updateGeometry`.
+class PanelContent final : public QWidget {
+public:
+    /// What the content asks of the window around it. Empty ones are not asked.
+    struct Actions {
+        /// Opens the settings at a page, or where they were.
+        std::function<void(std::optional<SettingsTab>)> openSettings;
+        /// Hides the panel before the system asks the user something.
+        std::function<void()> hide;
+    };
+
+    PanelContent(const SurfaceContext& context, const Theme& theme, const Actions& actions);
+    ~PanelContent() override;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+    // Its width is given, so its height is too.
+    bool hasHeightForWidth() const override { return false; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void addViews();
+    void placeButtons();
+    void orderFocus();
+
+    PanelClock clock_;
+    const PanelContext context_;
+    QVBoxLayout* column_;
+    AgentList* agents_ = nullptr;
+    SessionButtons* buttons_ = nullptr;
+    /// When the session began for which the buttons have been placed.
+    std::optional<Instant> placedFor_;
+    std::optional<ObservationLoop> sizes_;
+    std::optional<ObservationLoop> placing_;
+};
+
+} // namespace vespra
