@@ -39,7 +39,7 @@ AgentRow::AgentRow(const Theme& theme)
     auto* row = new QHBoxLayout{this};
     row->setContentsMargins(padding, edge, padding, edge);
     row->setSpacing(look.units(measure::rowGap));
-    row->addSpacing(look.units(measure::glyphSize));
+    row->addSpacing(look.units(measure::glyphSize + measure::rowGap));
     auto* texts = new QVBoxLayout;
     texts->setSpacing(0);
     texts->addWidget(name_);

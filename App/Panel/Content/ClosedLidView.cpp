@@ -20,6 +20,8 @@ namespace {
         return CheckLine::State::pending;
     }
 
+    CheckLine* checkLine(const Theme& theme) { return new CheckLine{theme}; }
+
     /// In one place, one of them at a time.
     QWidget* together(QWidget* first, QWidget* second)
     {
@@ -39,7 +41,7 @@ ClosedLidView::ClosedLidView(const PanelContext& context)
     , action_{new Button{context.theme, ButtonKind::plain, ButtonSize::small}}
     , row_{new Row{context.theme, localized("Closed-lid mode"), together(switch_, action_)}}
     , card_{new QWidget}
-    , checks_{}
+    , checks_{checkLine(context.theme), checkLine(context.theme), checkLine(context.theme), checkLine(context.theme)}
     , turnOff_{new Button{context.theme, ButtonKind::quiet, ButtonSize::small}}
     , loop_{context.theme.mainLoop, [this] { show(panelFacts::closedLidRow(context_.model)); }}
 {
@@ -57,8 +59,8 @@ ClosedLidView::ClosedLidView(const PanelContext& context)
     opened->setContentsMargins(side, look.units(above), side, look.units(below));
     auto* lines = new QVBoxLayout;
     lines->setSpacing(look.units(lineGap));
-    for (auto*& line : checks_)
-        lines->addWidget(line = new CheckLine{context.theme});
+    for (auto* line : checks_)
+        lines->addWidget(line);
     opened->addLayout(lines, 1);
     opened->addWidget(turnOff_, 0, Qt::AlignBottom);
 
