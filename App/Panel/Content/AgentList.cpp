@@ -70,7 +70,10 @@ void AgentList::dropOthers(const std::vector<AgentSession>& sessions)
 
 int AgentList::rowsHeight() const
 {
-    return column_->hasHeightForWidth() ? column_->totalHeightForWidth(width()) : column_->totalSizeHint().height();
+    // That of the list once it is laid out, which its height is asked for before.
+    const int width
+        = context_.theme.look.units(measure::panelWidth) - 2 * context_.theme.look.units(measure::panelPadding);
+    return column_->hasHeightForWidth() ? column_->totalHeightForWidth(width) : column_->totalSizeHint().height();
 }
 
 QSize AgentList::sizeHint() const { return {0, rowsHeight()}; }
@@ -94,8 +97,6 @@ void AgentList::resizeEvent(QResizeEvent* event)
     QScrollArea::resizeEvent(event);
     // What fits needs no keys.
     setFocusPolicy(rowsHeight() > height() ? Qt::StrongFocus : Qt::NoFocus);
-    if (event->size().width() != event->oldSize().width())
-        updateGeometry();
 }
 
 bool AgentList::eventFilter(QObject* watched, QEvent* event)

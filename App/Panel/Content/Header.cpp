@@ -29,7 +29,7 @@ Header::Header(const PanelContext& context)
     added(*row, new Label{theme_, TextStyle::strong}, 1).show(Brand::appName());
     auto& gear = added(*row, new IconButton{theme_, "gearshape", gearSize, false});
     gear.setName(localized("Settings…"));
-    connect(&gear, &QPushButton::clicked, this, [open = context.openSettings] { notify(open, std::nullopt); });
+    connect(&gear, &QPushButton::clicked, this, [&model = context.model] { notify(model.showSettings, std::nullopt); });
     setFixedHeight(look.units(headerHeight));
 }
 

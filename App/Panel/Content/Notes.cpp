@@ -51,7 +51,7 @@ NoticeView* guardrailEnd(const PanelContext& context)
 NoticeView* connectAgent(const PanelContext& context)
 {
     auto* connect = noteButton(
-        context, localized("Connect…"), [open = context.openSettings] { notify(open, SettingsTab::agent); });
+        context, localized("Connect…"), [&model = context.model] { notify(model.showSettings, SettingsTab::agent); });
     return plain(context, NoteKind::info, panelFacts::connectNotice, connect);
 }
 

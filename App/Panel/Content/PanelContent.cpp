@@ -31,13 +31,12 @@ namespace {
 
 } // namespace
 
-PanelContent::PanelContent(const SurfaceContext& context, const Theme& theme, const Actions& actions)
+PanelContent::PanelContent(const SurfaceContext& context, const Theme& theme, std::function<void()> hide)
     : clock_{context.model, context.clock}
     , context_{.model = context.model,
           .theme = theme,
           .clock = clock_,
-          .openSettings = actions.openSettings,
-          .hidePanel = actions.hide,
+          .hidePanel = std::move(hide),
           .takeFocus =
               [this] {
                   if (buttons_)

@@ -13,15 +13,8 @@ class SessionButtons;
 /// the agents scroll. A new height is told like any: by `updateGeometry`.
 class PanelContent final : public QWidget {
 public:
-    /// What the content asks of the window around it. Empty ones are not asked.
-    struct Actions {
-        /// Opens the settings at a page, or where they were.
-        std::function<void(std::optional<SettingsTab>)> openSettings;
-        /// Hides the panel before the system asks the user something.
-        std::function<void()> hide;
-    };
-
-    PanelContent(const SurfaceContext& context, const Theme& theme, const Actions& actions);
+    /// `hide` hides the panel, before the system asks the user something; it may be empty.
+    PanelContent(const SurfaceContext& context, const Theme& theme, std::function<void()> hide = {});
     ~PanelContent() override;
 
     QSize sizeHint() const override;

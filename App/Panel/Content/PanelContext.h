@@ -36,7 +36,6 @@ struct PanelContext {
     AppModel& model;
     Theme theme;
     const PanelClock& clock;
-    std::function<void(std::optional<SettingsTab>)> openSettings;
     /// Takes the panel out of the way of what the system asks.
     std::function<void()> hidePanel;
     /// Gives the focus to the button that starts or stops.
