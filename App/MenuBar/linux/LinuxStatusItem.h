@@ -1,0 +1,49 @@
+#pragma once
+
+#include "App/Launch/AppSurfaces.h"
+#include "App/MenuBar/linux/StatusNotifierItem.h"
+#include "App/MenuBar/linux/TrayMenu.h"
+#include "App/MenuBar/linux/TrayPlace.h"
+#include "App/MenuBar/linux/TrayRegistration.h"
+#include "App/MenuBar/StatusItem.h"
+#include "Core/Observation/ObservationLoop.h"
+
+#include <QObject>
+
+namespace vespra {
+
+/// An item in the desktop's tray, over the bus of the user's session.
+class LinuxStatusItem final : public StatusItem {
+public:
+    explicit LinuxStatusItem(const SurfaceContext& context);
+    ~LinuxStatusItem() override;
+
+    Features features() const override;
+    void show(const StatusItemContent& content) override;
+    // The desktop's panel draws the menu and the item.
+    void popUpMenu() override { }
+    void setHighlighted(bool) override { }
+    std::optional<QRect> buttonFrame() const override;
+    std::optional<QRect> visibleFrame() const override;
+
+private:
+    void drawIcon();
+    void activated(QPoint told);
+    void chosen(StatusMenuAction action);
+    std::optional<TrayScreen> screen() const;
+
+    SurfaceContext context_;
+    QDBusConnection bus_;
+    /// What is registered on the bus: adaptors publish what they are children of.
+    QObject itemObject_, menuObject_;
+    StatusNotifierItem item_;
+    TrayMenu menu_;
+    std::optional<QPoint> place_; // of the last click
+    Observed<bool> isActive_;
+    std::optional<std::pair<bool, TrayColors>> drawn_;
+    std::optional<ObservationLoop> iconLoop_;
+    std::optional<TrayRegistration> registration_;
+    Lifetime lifetime_;
+};
+
+} // namespace vespra
