@@ -15,7 +15,7 @@ from gi.repository import GLib
 LOGIND = "org.freedesktop.login1"
 REFUSED = "org.freedesktop.DBus.Error.AccessDenied"
 FIRST = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": [], "hasLid": True,
-         "others": [], "charger": None, "canSuspend": "yes", "inhibitFails": False, "isSilent": False}
+         "others": [], "hasHost": True, "charger": None, "canSuspend": "yes", "inhibitFails": False, "isSilent": False}
 
 
 class Refused(Exception):
@@ -85,7 +85,7 @@ def read_property(call, name):
         return call.get_path().rpartition("/")[2]
     settings = state.settings
     return {"LidClosed": settings["lid"], "Docked": settings["docked"], "OnExternalPower": settings["charger"] is not None,
-            "HandleLidSwitch": settings["lidAction"],
+            "HandleLidSwitch": settings["lidAction"], "IsStatusNotifierHostRegistered": settings["hasHost"],
             "HandleLidSwitchExternalPower": settings["charger"] or ""}.get(name, settings["hasLid"])
 
 
@@ -137,6 +137,8 @@ def result(call):
         hints = {name: f"{type(value).__name__} {value}" for name, value in arguments[6].items()}
         state.notifications[number] = [*arguments[:6], hints, arguments[7]]
         return "u", number
+    elif member == "RegisterStatusNotifierItem":
+        note(member, service=str(arguments[0]))
     elif member == "CloseNotification":
         state.notifications.pop(arguments[0], None)
     return None

@@ -1,6 +1,7 @@
 #include "App/MenuBar/linux/LinuxStatusItem.h"
 
 #include "App/DesignSystem/Theme.h"
+#include "App/Launch/AppSurfaces.h"
 #include "App/System/linux/Desktop.h"
 #include "HelperProtocol/Brand.h"
 
@@ -34,8 +35,9 @@ namespace {
 
 } // namespace
 
-LinuxStatusItem::LinuxStatusItem(const SurfaceContext& context)
-    : context_{context}
+LinuxStatusItem::LinuxStatusItem(MainLoop& mainLoop, const AppearanceMonitoring& appearance)
+    : mainLoop_{mainLoop}
+    , appearance_{appearance}
     , bus_{dbus::sessionBus()}
     , item_{&itemObject_, qtText(Brand::appName()), QString::fromLatin1(TrayMenu::path)}
     , menu_{&menuObject_}
@@ -68,7 +70,7 @@ void LinuxStatusItem::show(const StatusItemContent& content)
     menu_.setEntries(content.menu);
     if (registration_)
         return;
-    iconLoop_.emplace(context_.mainLoop, [this] { drawIcon(); });
+    iconLoop_.emplace(mainLoop_, [this] { drawIcon(); });
     bus_.registerObject(QString::fromLatin1(StatusNotifierItem::path), &itemObject_, QDBusConnection::ExportAdaptors);
     bus_.registerObject(QString::fromLatin1(TrayMenu::path), &menuObject_, QDBusConnection::ExportAdaptors);
     registration_.emplace(bus_, [this](Presence presence) { setPresence(presence); });
@@ -76,7 +78,7 @@ void LinuxStatusItem::show(const StatusItemContent& content)
 
 void LinuxStatusItem::drawIcon()
 {
-    const std::pair next{isActive_.get(), trayColors(context_.appearance.current())};
+    const std::pair next{isActive_.get(), trayColors(appearance_.current())};
     if (std::exchange(drawn_, next) != next)
         item_.setIcon(trayImages(next.first, next.second));
 }
@@ -93,7 +95,7 @@ void LinuxStatusItem::chosen(StatusMenuAction action)
 {
     if (!place_)
         place_ = pointer(); // near the item, under which the menu is
-    context_.mainLoop.post(lifetime_.guard([this, action] { notify(onChoose, action); }));
+    mainLoop_.post(lifetime_.guard([this, action] { notify(onChoose, action); }));
 }
 
 std::optional<TrayScreen> LinuxStatusItem::screen() const
@@ -116,7 +118,7 @@ std::optional<QRect> LinuxStatusItem::visibleFrame() const
 
 std::unique_ptr<StatusItem> makeStatusItem(const SurfaceContext& context)
 {
-    return std::make_unique<LinuxStatusItem>(context);
+    return std::make_unique<LinuxStatusItem>(context.mainLoop, context.appearance);
 }
 
 } // namespace vespra

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "App/Launch/AppSurfaces.h"
 #include "App/MenuBar/linux/StatusNotifierItem.h"
 #include "App/MenuBar/linux/TrayMenu.h"
 #include "App/MenuBar/linux/TrayPlace.h"
@@ -15,7 +14,8 @@ namespace vespra {
 /// An item in the desktop's tray, over the bus of the user's session.
 class LinuxStatusItem final : public StatusItem {
 public:
-    explicit LinuxStatusItem(const SurfaceContext& context);
+    /// Both outlive it.
+    LinuxStatusItem(MainLoop& mainLoop, const AppearanceMonitoring& appearance);
     ~LinuxStatusItem() override;
 
     Features features() const override;
@@ -32,7 +32,8 @@ private:
     void chosen(StatusMenuAction action);
     std::optional<TrayScreen> screen() const;
 
-    SurfaceContext context_;
+    MainLoop& mainLoop_;
+    const AppearanceMonitoring& appearance_;
     QDBusConnection bus_;
     /// What is registered on the bus: adaptors publish what they are children of.
     QObject itemObject_, menuObject_;

@@ -28,8 +28,19 @@ namespace {
 
     QColor faint(QColor color)
     {
-        color.setAlphaF(0.22F);
+        color.setAlphaF(0.16F);
         return color;
+    }
+
+    /// A pixel's breadth around the mark.
+    void drawHalo(QPainter& painter, double pixel, const QColor& color)
+    {
+        for (const QPointF offset : {QPointF{-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
+            painter.save();
+            painter.translate(offset * pixel);
+            drawStatusMark(painter, false, color);
+            painter.restore();
+        }
     }
 
     TrayImage published(const QImage& image)
@@ -60,6 +71,7 @@ QImage trayIcon(int size, bool isActive, const TrayColors& colors)
     painter.translate(size / 2.0, size / 2.0);
     painter.scale(scale, scale);
     painter.translate(-statusImage::width / 2, -statusImage::height / 2);
+    drawHalo(painter, 1 / scale, colors.halo);
     drawStatusMark(painter, isActive, colors.mark);
     if (isActive) {
         painter.setRenderHint(QPainter::Antialiasing);

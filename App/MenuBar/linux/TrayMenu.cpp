@@ -39,12 +39,12 @@ TrayMenu::TrayMenu(QObject* parent)
 {
     qDBusRegisterMetaType<QList<int>>();
     qDBusRegisterMetaType<TrayMenuEntry>();
-    qDBusRegisterMetaType<TrayMenuEntries>();
+    qDBusRegisterMetaType<QList<TrayMenuEntry>>();
     qDBusRegisterMetaType<TrayMenuLayout>();
     qDBusRegisterMetaType<TrayMenuRemoval>();
-    qDBusRegisterMetaType<TrayMenuRemovals>();
+    qDBusRegisterMetaType<QList<TrayMenuRemoval>>();
     qDBusRegisterMetaType<TrayMenuEvent>();
-    qDBusRegisterMetaType<TrayMenuEvents>();
+    qDBusRegisterMetaType<QList<TrayMenuEvent>>();
 }
 
 /// What concerns the session, a line, what concerns the application.
@@ -69,7 +69,7 @@ void TrayMenu::setEntries(const std::vector<StatusMenuEntry>& entries)
         Q_EMIT LayoutUpdated(++revision_, root);
         return;
     }
-    TrayMenuEntries updated;
+    QList<TrayMenuEntry> updated;
     for (std::size_t index = 0; index < rows_.size(); ++index)
         if (rows_[index] != before[index])
             updated.push_back({rows_[index].id, rows_[index].properties});
@@ -106,9 +106,9 @@ uint TrayMenu::GetLayout(int parent, int depth, const QStringList& names, TrayMe
     return revision_;
 }
 
-TrayMenuEntries TrayMenu::GetGroupProperties(const QList<int>& ids, const QStringList& names) const
+QList<TrayMenuEntry> TrayMenu::GetGroupProperties(const QList<int>& ids, const QStringList& names) const
 {
-    TrayMenuEntries found;
+    QList<TrayMenuEntry> found;
     const auto add = [&](int id) {
         if (const auto all = properties(id))
             found.push_back({id, chosen(*all, names)});
@@ -133,7 +133,7 @@ void TrayMenu::Event(int id, const QString& name, const QDBusVariant&, uint)
         notify(onChoose, *chosen->action);
 }
 
-QList<int> TrayMenu::EventGroup(const TrayMenuEvents& events)
+QList<int> TrayMenu::EventGroup(const QList<TrayMenuEvent>& events)
 {
     QList<int> unknown;
     for (const auto& event : events)

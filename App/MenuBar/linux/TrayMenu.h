@@ -10,7 +10,7 @@
 
 namespace vespra {
 
-// The menu's values on the bus.
+// The menu's values on the bus. Slots and signals spell out their types: Qt finds those by their names.
 
 struct TrayMenuEntry {
     int id = 0;
@@ -18,7 +18,6 @@ struct TrayMenuEntry {
 
     static auto fields(auto& value) { return std::tie(value.id, value.properties); }
 };
-using TrayMenuEntries = QList<TrayMenuEntry>;
 
 struct TrayMenuLayout {
     int id = 0;
@@ -34,7 +33,6 @@ struct TrayMenuRemoval {
 
     static auto fields(auto& value) { return std::tie(value.id, value.names); }
 };
-using TrayMenuRemovals = QList<TrayMenuRemoval>;
 
 struct TrayMenuEvent {
     int id = 0;
@@ -44,7 +42,6 @@ struct TrayMenuEvent {
 
     static auto fields(auto& value) { return std::tie(value.id, value.name, value.data, value.time); }
 };
-using TrayMenuEvents = QList<TrayMenuEvent>;
 
 /// The item's menu, which the desktop's panel draws. Main thread only.
 class TrayMenu final : public QDBusAbstractAdaptor {
@@ -73,15 +70,16 @@ public:
 
 public Q_SLOTS:
     uint GetLayout(int parent, int depth, const QStringList& names, vespra::TrayMenuLayout& layout) const;
-    vespra::TrayMenuEntries GetGroupProperties(const QList<int>& ids, const QStringList& names) const;
+    QList<vespra::TrayMenuEntry> GetGroupProperties(const QList<int>& ids, const QStringList& names) const;
     QDBusVariant GetProperty(int id, const QString& name) const;
     void Event(int id, const QString& name, const QDBusVariant& data, uint time);
-    QList<int> EventGroup(const vespra::TrayMenuEvents& events);
+    QList<int> EventGroup(const QList<vespra::TrayMenuEvent>& events);
     bool AboutToShow(int) const { return false; }
     QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& unknown) const;
 
 Q_SIGNALS:
-    void ItemsPropertiesUpdated(const vespra::TrayMenuEntries& updated, const vespra::TrayMenuRemovals& removed) const;
+    void ItemsPropertiesUpdated(
+        const QList<vespra::TrayMenuEntry>& updated, const QList<vespra::TrayMenuRemoval>& removed) const;
     void LayoutUpdated(uint revision, int parent) const;
 
 private:
