@@ -28,7 +28,7 @@ namespace {
 
     QColor faint(QColor color)
     {
-        color.setAlphaF(0.16F);
+        color.setAlphaF(0.4F);
         return color;
     }
 

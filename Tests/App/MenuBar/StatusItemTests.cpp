@@ -102,7 +102,7 @@ TEST_F(StatusItemTest, TellsMinutesInWordsWithoutLookingEverySecond)
     start(1h);
     EXPECT_EQ(item.shown.toolTip, "Session active, 1 hour left");
     EXPECT_EQ(titlesDuring(3min), "-|-|-|");
-    EXPECT_EQ(item.shown.toolTip, "Session active, 57 minutes left");
+    EXPECT_EQ(item.shown.toolTip, "Session active, 58 minutes left");
     prefer(SessionMode::unlimited);
     coordinator().stop(end::StoppedByUser{});
     model().start();
