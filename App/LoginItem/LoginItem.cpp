@@ -29,4 +29,10 @@ void LoginItem::setEnabled(bool enabled)
     refresh();
 }
 
+void LoginItem::openSystemSettings()
+{
+    if (service_)
+        service_->openSettings();
+}
+
 } // namespace vespra

@@ -23,6 +23,9 @@ public:
     /// Refreshes afterwards, so `isEnabled` tells whether it worked. A failure is logged.
     void setEnabled(bool enabled);
 
+    /// Takes the user to where the system asks for the approval.
+    void openSystemSettings();
+
 private:
     LoginService* service_;
     SystemLog log_;

@@ -64,6 +64,10 @@ public:
     /// The status is being found out or changed, and may be another soon. Followed by observation loops.
     bool isSettling() const { return isAsking_.get() || isRegistering_.get(); }
 
+    /// It is being put into the system or taken out, which may take as long as the user does. Followed by observation
+    /// loops.
+    bool isRegistering() const { return isRegistering_.get(); }
+
     /// Through the component; without it, directly. What the component refuses is not done otherwise.
     void sleepNow();
     /// Through the component; without it, or refused, the machine sleeps instead. The override stays until it has

@@ -22,6 +22,8 @@ public:
     /// Fails with a sentence for the log.
     virtual std::expected<void, std::string> registerApplication() = 0;
     virtual std::expected<void, std::string> unregisterApplication() = 0;
+    /// Takes the user to where the application is allowed. Nothing on a system that allows all.
+    virtual void openSettings() { }
 };
 
 } // namespace vespra

@@ -32,6 +32,7 @@ namespace {
             NSError* error = nil;
             return result([SMAppService.mainAppService unregisterAndReturnError:&error], error);
         }
+        void openSettings() override { [SMAppService openSystemSettingsLoginItems]; }
 
     private:
         static std::expected<void, std::string> result(BOOL done, NSError* error)
