@@ -106,4 +106,9 @@ ClosedLidRow closedLidRow(const AppModel& model)
     };
 }
 
+std::vector<CheckItem> closedLidChecks(const AppModel& model)
+{
+    return checks(model, model.coordinator().closedLidStatus(model.isClosedLidOn()));
+}
+
 } // namespace vespra::panelFacts

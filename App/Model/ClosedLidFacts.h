@@ -37,4 +37,7 @@ struct ClosedLidRow {
 };
 ClosedLidRow closedLidRow(const AppModel& model);
 
+/// Every line of the checklist as it is now; always as many.
+std::vector<CheckItem> closedLidChecks(const AppModel& model);
+
 } // namespace vespra::panelFacts

@@ -17,13 +17,16 @@ UserSettings settingsOf(const AppModel& model)
     };
 }
 
-void changeSetting(AppModel& model, const settingTexts::Change& change)
+void changeSetting(AppModel& model, const Setting& setting, const std::function<void(UserSettings&)>& change)
 {
-    const auto next = settingTexts::changed(settingsOf(model), {change});
-    switch (change.first->storedIn) {
+    auto next = settingsOf(model);
+    change(next);
+    switch (setting.storedIn) {
     case StoredValue::sessionSettings:
         return model.changeSettings([&change](SessionSettings& session) {
-            session = settingTexts::changed({.session = session}, {change}).session;
+            UserSettings all{.session = session};
+            change(all);
+            session = all.session;
         });
     case StoredValue::sessionPreferences:
         return model.setPreferences(next.preferences);
@@ -40,6 +43,13 @@ void changeSetting(AppModel& model, const settingTexts::Change& change)
     case StoredValue::didFinishOnboarding:
         return PreferencesStore::setDidFinishOnboarding(next.didFinishOnboarding, model.store());
     }
+}
+
+void changeSetting(AppModel& model, const settingTexts::Change& change)
+{
+    changeSetting(model, *change.first, [&change](UserSettings& settings) {
+        settings = settingTexts::changed(std::move(settings), {change});
+    });
 }
 
 } // namespace vespra
