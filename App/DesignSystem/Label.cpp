@@ -36,7 +36,9 @@ void Label::show(const std::string& text) { show(text, text); }
 
 void Label::show(const std::string& text, const std::string& spoken)
 {
-    if (const auto shown = qtText(text); shown != this->text())
+    // What begins with a slash is one word: "/hooks" is not to be torn in two.
+    const auto shown = qtText(text).replace(QStringLiteral(" /"), QStringLiteral(" /\u2060"));
+    if (shown != this->text())
         setText(shown);
     setAccessibleName(qtText(spoken));
 }

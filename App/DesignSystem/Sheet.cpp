@@ -1,0 +1,96 @@
+#include "App/DesignSystem/Sheet.h"
+
+#include "App/DesignSystem/Following.h"
+#include "App/DesignSystem/Label.h"
+#include "App/DesignSystem/ScrollArea.h"
+#include "App/Wording/Localized.h"
+
+#include <QFontDatabase>
+#include <QPlainTextEdit>
+
+namespace vespra {
+
+namespace {
+
+    constexpr double padding = 24, gap = 12, buttonGap = 8;
+    constexpr double textPadding = 7;
+
+} // namespace
+
+Sheet::Sheet(const Theme& theme, const std::string& title, QWidget& parent)
+    : QDialog{&parent}
+    , theme_{theme}
+    , contents_{new QVBoxLayout}
+    , buttons_{new QHBoxLayout}
+    , ground_{theme, *this}
+{
+    setWindowTitle(qtText(title));
+    setWindowModality(Qt::WindowModal);
+    setAttribute(Qt::WA_DeleteOnClose);
+    const auto& look = theme.look;
+    auto* column = new QVBoxLayout{this};
+    const int edge = look.units(padding);
+    column->setContentsMargins(edge, edge, edge, edge);
+    column->setSpacing(look.units(gap));
+    contents_->setSpacing(look.units(gap));
+    column->addLayout(contents_, 1);
+    column->addLayout(buttons_);
+    buttons_->setSpacing(look.units(buttonGap));
+    buttons_->addStretch();
+}
+
+Button& Sheet::addButton(const std::string& text, ButtonKind kind, std::function<void()> action)
+{
+    auto& button = added(*buttons_, new Button{theme_, kind});
+    button.setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    button.setAutoDefault(kind == ButtonKind::primary);
+    button.setDefault(kind == ButtonKind::primary);
+    button.show(text);
+    connect(&button, &QPushButton::clicked, this, [this, action = std::move(action)] {
+        accept();
+        notify(action);
+    });
+    return button;
+}
+
+void showAlert(const Theme& theme, QWidget& parent, const std::string& title, const std::string& message)
+{
+    constexpr double width = 360;
+    auto* alert = new Sheet{theme, title, parent};
+    alert->add(new Label{theme, TextStyle::strong}).show(title);
+    alert->add(new Label{theme, TextStyle::body, &Tokens::text2}).show(message);
+    alert->addButton(localized("OK"), ButtonKind::primary);
+    alert->setFixedWidth(theme.look.units(width));
+    alert->open();
+}
+
+QWidget* makeTextView(const Theme& theme, const std::string& name, const std::string& text, int lines)
+{
+    auto* view = new QPlainTextEdit;
+    dressScrollBars(theme, *view);
+    view->setPlainText(qtText(text));
+    view->setAccessibleName(qtText(name));
+    view->setReadOnly(true);
+    view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    view->setTabChangesFocus(true);
+    view->setLineWrapMode(QPlainTextEdit::NoWrap);
+    view->setFrameShape(QFrame::NoFrame);
+    // Code and licences are written from left to right in every language.
+    view->setLayoutDirection(Qt::LeftToRight);
+    FocusRing::setRadius(*view, theme.look.scaled(measure::buttonRadius));
+    follow(*view, theme, [view, lines, &look = theme.look] {
+        auto font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        const auto body = look.font(TextStyle::caption);
+        font.setPointSizeF(body.pointSizeF());
+        view->setFont(font);
+        view->document()->setDocumentMargin(look.scaled(textPadding));
+        view->setMinimumHeight(QFontMetrics{font}.lineSpacing() * lines + look.units(2 * textPadding));
+        auto colors = view->palette();
+        colors.setColor(QPalette::Base, look.tokens().surface2);
+        colors.setColor(QPalette::Text, look.tokens().text);
+        view->setPalette(colors);
+    });
+    return view;
+}
+
+} // namespace vespra
