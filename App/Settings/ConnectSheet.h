@@ -1,0 +1,10 @@
+#pragma once
+
+#include "App/Settings/SettingsSurface.h"
+
+namespace vespra {
+
+/// Shows what will be added to the agent's settings, and adds it when the user agrees.
+void openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& window);
+
+} // namespace vespra
