@@ -2,62 +2,118 @@
 
 #include "App/System/simulated/SimulatedHelper.h"
 #include "Core/Scheduling/VirtualTime.h"
-#include "Tests/App/System/ClosedLidFakes.h"
+#include "Tests/Support/Courses.h"
 #include "Tests/Support/FakeMonitors.h"
 #include "Core/Scheduling/ManualMainLoop.h"
 #include "Tests/Support/RecordedLog.h"
 
-#include <gmock/gmock.h>
+#include <map>
 
 namespace vespra {
 
 namespace {
 
-    using Mode = SimulatedHelper::Mode;
-    using testing::ElementsAre;
-    using testing::IsEmpty;
+    /// Notes each request and can keep the replies back.
+    struct Wire {
+        std::string requests;
+        bool keepsReplies = false;
+        std::vector<std::function<void()>> kept;
 
-    class ClosedLidControllerTest : public testing::Test {
-    protected:
-        void launch(Mode mode = Mode::ready)
+        void note(const char* request) { requests += std::string{request} + " "; }
+        void deliver()
         {
-            helper.setMode(mode);
-            controller.emplace(coordinator,
-                ClosedLidEnvironment{.service = helper,
-                    .connect
-                    = [this,
-                          connect = helper.connector()] { return std::make_unique<WiredConnection>(wire, connect()); },
-                    .facts = helper,
-                    .power = power,
-                    .tasks = time,
-                    .mainLoop = mainLoop});
-            mainLoop.run();
-            wire.requests.clear();
+            keepsReplies = false;
+            for (const auto& reply : std::exchange(kept, {}))
+                reply();
         }
-        void startSession()
+    };
+
+    class WiredConnection final : public HelperConnection {
+    public:
+        WiredConnection(Wire& wire, std::unique_ptr<HelperConnection> helper)
+            : wire_{wire}
+            , helper_{std::move(helper)}
         {
-            ASSERT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true}));
-            mainLoop.run();
+            helper_->onInvalidation = [this] { notify(onInvalidation); };
         }
-        void stopSession()
+        void protocolVersion(HelperReply<std::int64_t> reply) override
+        {
+            helper_->protocolVersion(noted("version", reply));
+        }
+        void enableClosedLid(HelperReply<HelperRefusal> reply) override
+        {
+            helper_->enableClosedLid(noted("enable", reply));
+        }
+        void heartbeat(HelperReply<bool> reply) override { helper_->heartbeat(noted("heartbeat", reply)); }
+        void restoreSleep(HelperReply<HelperRefusal> reply) override { helper_->restoreSleep(noted("restore", reply)); }
+        void sleepNow(HelperReply<HelperRefusal> reply) override { helper_->sleepNow(noted("sleep", reply)); }
+        void shutDown(HelperReply<HelperRefusal> reply) override { helper_->shutDown(noted("shutDown", reply)); }
+        std::expected<HelperRefusal, HelperUnreachable> restoreSleepAndWait(Seconds timeout) override
+        {
+            return helper_->restoreSleepAndWait(timeout);
+        }
+
+    private:
+        template <class Value> HelperReply<Value> noted(const char* request, const HelperReply<Value>& reply)
+        {
+            wire_.note(request);
+            return [&wire = wire_, reply](std::expected<Value, HelperUnreachable> answer) {
+                if (wire.keepsReplies)
+                    wire.kept.push_back([reply, answer] { reply(answer); });
+                else
+                    reply(answer);
+            };
+        }
+
+        Wire& wire_;
+        std::unique_ptr<HelperConnection> helper_;
+    };
+
+    struct ClosedLidControllerTest : testing::Test, SystemPower {
+        void sleepNow(Done done) override
+        {
+            wire.note("systemSleeps");
+            done({});
+        }
+        void launch()
         {
             coordinator.stop(end::StoppedByUser{});
+            wire = {};
+            helper.setMode(SimulatedHelper::Mode::ready);
+            const auto connect
+                = [this, connect = helper.connector()] { return std::make_unique<WiredConnection>(wire, connect()); };
+            controller.emplace(coordinator, ClosedLidEnvironment{helper, connect, helper, *this, time, mainLoop});
+            mainLoop.run();
+            seen();
+        }
+        void does(const std::string& word)
+        {
+            if (const auto action = actions.find(word); action != actions.end())
+                action->second();
+            else if (const auto mode = fromRawValue<SimulatedHelper::Mode>(word))
+                helper.setMode(*mode);
+            else // in steps, so that the main loop takes its turns on the way
+                for (Seconds left{std::stod(word)}; left > 0s; left -= 500ms) {
+                    time.advance(std::min<Seconds>(500ms, left));
+                    mainLoop.run();
+                }
             mainLoop.run();
         }
-        /// In steps, so that the main loop takes its turns on the way.
-        void pass(Seconds length)
+        /// The requests, what was logged, and the status as the coordinator knows it.
+        std::string seen()
         {
-            for (Seconds step = 500ms; length > 0s; length -= step) {
-                time.advance(std::min(step, length));
-                mainLoop.run();
-            }
-        }
-        HelperStatus shownStatus() const { return coordinator.conditions().helper; }
-        /// The override is in force, and the application knows.
-        bool isApplied() const
-        {
-            EXPECT_EQ(coordinator.conditions().lidSleepDisabled, helper.isSleepDisabled());
-            return helper.isSleepDisabled();
+            auto text = std::exchange(wire.requests, {});
+            for (const auto& message : std::exchange(log.messages, {}))
+                text += "\"" + message + "\" ";
+            const auto& known = coordinator.conditions();
+            text += "| " + std::string{caseName(known.helper)};
+            if (const auto* unsupported = std::get_if<helper::Unsupported>(&known.helper))
+                text += " " + std::string{rawValue(unsupported->reason)};
+            if (known.lidSleepDisabled)
+                text += helper.isSleepDisabled() ? " applied" : " thought applied";
+            else if (helper.isSleepDisabled())
+                text += " applied unknown";
+            return text;
         }
 
         VirtualTime time;
@@ -67,285 +123,36 @@ namespace {
         SessionCoordinator coordinator{{}, Calendar::current(), {time, time, source, thermal}, helper::NotInstalled{}};
         SimulatedHelper helper{mainLoop};
         Wire wire;
-        RecordedPower power;
         RecordedLog log;
         std::optional<ClosedLidController> controller;
+        const std::map<std::string, std::function<void()>> actions{
+            {"start", [this] { EXPECT_TRUE(coordinator.start(plan::Unlimited{}, {.closedLid = true})); }},
+            {"stop", [this] { coordinator.stop(end::StoppedByUser{}); }},
+            {"install", [this] { controller->install(); }},
+            {"remove", [this] { controller->remove(); }},
+            {"refresh", [this] { controller->refreshStatus(); }},
+            {"letSleep", [this] { controller->performer()(AgentEndAction::letSleep); }},
+            {"sleepNow", [this] { controller->performer()(AgentEndAction::sleepNow); }},
+            {"shutDown", [this] { controller->performer()(AgentEndAction::shutDown); }},
+            {"delayRestore", [this] { controller->setRestoreNotBefore(time.continuousNow() + 3s); }},
+            {"keepReplies", [this] { wire.keepsReplies = true; }},
+            {"deliver", [this] { wire.deliver(); }},
+            {"sleepFor8h", [this] { time.sleep(8h); }},
+            {"loseLease", [this] { helper.expireLeases(); }},
+            // A system that does not tell what becomes of the component.
+            {"silently", [this] { helper.onChange = nullptr; }},
+            {"breakOff", [this] { helper.setMode(SimulatedHelper::Mode::failed), does("ready"); }},
+            {"hang", [this] { helper.setMode(SimulatedHelper::Mode::failed), does("stuck"); }},
+        };
     };
 
-    TEST_F(ClosedLidControllerTest, ShowsWhatTheSystemAndTheComponentSay)
+    TEST_F(ClosedLidControllerTest, DoesAndShowsWhatTheCoursesSay)
     {
-        struct Row {
-            Mode mode;
-            HelperStatus shown;
-            bool talks;
-        };
-        for (const auto& row : std::vector<Row>{
-                 {Mode::ready, helper::Ready{}, true},
-                 {Mode::notInstalled, helper::NotInstalled{}, false},
-                 {Mode::awaitingApproval, helper::AwaitingApproval{}, false},
-                 {Mode::failed, helper::Failed{}, true},
-                 {Mode::outdated, helper::Failed{}, true},
-                 {Mode::noBuiltInDisplay, helper::Unsupported{ClosedLidUnsupportedReason::noBuiltInDisplay}, false},
-                 {Mode::unsignedBuild, helper::Unsupported{ClosedLidUnsupportedReason::unsignedBuild}, false},
-             }) {
-            SCOPED_TRACE(rawValue(row.mode));
-            launch();
-            helper.setMode(row.mode);
-            controller->refreshStatus();
-            mainLoop.run();
-            EXPECT_EQ(shownStatus(), row.shown);
-            EXPECT_EQ(!wire.requests.empty(), row.talks);
-        }
-    }
-
-    TEST_F(ClosedLidControllerTest, InstallsAndFollowsTheApproval)
-    {
-        launch(Mode::notInstalled);
-        controller->install();
-        mainLoop.run();
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::AwaitingApproval{}});
-        helper.onChange = nullptr; // a system that does not tell
-        helper.setMode(Mode::ready);
-        pass(1.5s);
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::AwaitingApproval{}});
-        pass(0.5s);
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Ready{}});
-        pass(1h);
-        EXPECT_THAT(wire.requests, ElementsAre("version"));
-    }
-
-    TEST_F(ClosedLidControllerTest, DoesWhatIsWantedByTheTimeOfTheReply)
-    {
-        struct Row {
-            const char* what;
-            bool startsApplied;
-            std::vector<bool> wishes; // on, off ... while the replies are on their way
-            bool endsApplied;
-        };
-        for (const auto& row : std::vector<Row>{
-                 {"off before the reply to on", false, {true, false}, false},
-                 {"and on again", false, {true, false, true}, true},
-                 {"and off again", false, {true, false, true, false}, false},
-                 {"on before the reply to off", true, {false, true}, true},
-             }) {
-            SCOPED_TRACE(row.what);
-            launch();
-            if (row.startsApplied)
-                startSession();
-            wire.requests.clear();
-            wire.keepsReplies = true;
-            for (const bool wish : row.wishes)
-                wish ? startSession() : stopSession();
-            EXPECT_THAT(wire.requests, ElementsAre(row.startsApplied ? "restore" : "enable"));
-            wire.keepsReplies = false;
-            wire.deliver();
-            pass(12s);
-            EXPECT_EQ(isApplied(), row.endsApplied);
-            EXPECT_EQ(std::ranges::count(wire.requests, "heartbeat"), row.endsApplied);
-            stopSession();
-        }
-    }
-
-    TEST_F(ClosedLidControllerTest, RenewsEveryTenSecondsAndAppliesAgainAfterALostLease)
-    {
-        launch();
-        startSession();
-        pass(9.5s);
-        EXPECT_THAT(wire.requests, ElementsAre("enable"));
-        pass(10.5s);
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "heartbeat"));
-        helper.expireLeases();
-        pass(10s);
-        EXPECT_TRUE(isApplied());
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "heartbeat", "heartbeat", "heartbeat", "enable"));
-    }
-
-    TEST_F(ClosedLidControllerTest, NobodyIsSurprisedByAReplyThatIsLateOrNeverComes)
-    {
-        for (const auto& [meanwhile, sleeps] : std::vector<std::pair<std::function<void()>, bool>>{
-                 {[] {}, true},
-                 {[&] { time.sleep(8h); }, false},
-                 {[&] { time.sleep(8h), wire.deliver(); }, false},
-                 {[&] { startSession(); }, false},
-             }) {
-            launch();
-            for (const auto request : {&ClosedLidController::sleepNow, &ClosedLidController::shutDown}) {
-                power.requests.clear();
-                controller->refreshStatus();
-                mainLoop.run();
-                wire.keepsReplies = true;
-                ((*controller).*request)();
-                mainLoop.run();
-                meanwhile();
-                pass(1min);
-                EXPECT_EQ(power.requests.size(), sleeps);
-                wire.keepsReplies = false;
-                wire.deliver();
-                stopSession();
-            }
-        }
-    }
-
-    TEST_F(ClosedLidControllerTest, RenewsWhatARefusedRestoreHasLeftAndIsWantedAgain)
-    {
-        launch();
-        startSession();
-        helper.setMode(Mode::refusing);
-        mainLoop.run();
-        wire.keepsReplies = true;
-        stopSession();
-        controller->refreshStatus();
-        mainLoop.run();
-        startSession();
-        wire.keepsReplies = false;
-        wire.requests.clear();
-        wire.deliver(); // the restore is refused, and the component is there
-        pass(10s);
-        EXPECT_TRUE(isApplied());
-        EXPECT_THAT(wire.requests, ElementsAre("heartbeat"));
-    }
-
-    TEST_F(ClosedLidControllerTest, WhatIsWantedIsTriedAgainAfter65SecondsAndNothingElse)
-    {
-        launch(Mode::refusing);
-        startSession();
-        pass(64.5s);
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
-        EXPECT_THAT(wire.requests, ElementsAre("enable"));
-        EXPECT_THAT(log.messages, ElementsAre("Activation refusée par le helper : le helper simulé refuse"));
-        helper.onChange = nullptr; // a system that does not tell
-        helper.setMode(Mode::ready);
-        pass(0.5s);
-        EXPECT_THAT(std::exchange(wire.requests, {}), ElementsAre("enable", "version", "enable"));
-        EXPECT_TRUE(isApplied());
-        controller->remove();
-        mainLoop.run();
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::NotInstalled{}});
-        helper.setMode(Mode::ready);
-        pass(65s);
-        EXPECT_TRUE(isApplied());
-        helper.setMode(Mode::failed);
-        mainLoop.run();
-        stopSession();
-        pass(65s); // the try that was under way
-        wire.requests.clear();
-        pass(1h);
-        EXPECT_THAT(wire.requests, IsEmpty());
-    }
-
-    TEST_F(ClosedLidControllerTest, ARefusedRestoreIsSentAgainAtTheNextRefresh)
-    {
-        launch();
-        startSession();
-        helper.setMode(Mode::refusing);
-        mainLoop.run();
-        stopSession();
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
-        EXPECT_TRUE(isApplied());
-        EXPECT_THAT(log.messages, ElementsAre("Restauration refusée par le helper : le helper simulé refuse"));
-        helper.setMode(Mode::ready);
-        mainLoop.run();
-        EXPECT_FALSE(isApplied());
-    }
-
-    TEST_F(ClosedLidControllerTest, ASilentComponentCountsAsUnreachable)
-    {
-        launch();
-        startSession();
-        helper.onChange = nullptr; // a component does not tell that it hangs
-        helper.setMode(Mode::stuck);
-        pass(24.5s); // the lease's end, to a component that has not heard of the heartbeat
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Ready{}});
-        pass(0.5s);
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
-        EXPECT_FALSE(helper.isSleepDisabled()) << "breaking off the connection lets go";
-        EXPECT_THAT(log.messages, testing::Contains("Helper injoignable : aucune réponse dans le délai"));
-    }
-
-    TEST_F(ClosedLidControllerTest, WhatIsLostIsNotShownUntilTheNextAnswer)
-    {
-        launch();
-        startSession();
-        helper.onChange = nullptr;
-        helper.setMode(Mode::failed);
-        helper.setMode(Mode::stuck);
-        mainLoop.run();
-        EXPECT_FALSE(coordinator.conditions().lidSleepDisabled);
-    }
-
-    TEST_F(ClosedLidControllerTest, TakesANewConnectionAfterOneBrokeOff)
-    {
-        launch();
-        startSession();
-        helper.onChange = nullptr;
-        helper.setMode(Mode::failed);
-        helper.setMode(Mode::ready);
-        mainLoop.run();
-        EXPECT_TRUE(isApplied());
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "version", "enable"));
-        helper.setMode(Mode::failed);
-        helper.setMode(Mode::ready);
-        mainLoop.run();
-        pass(64.5s); // one that breaks off again and again is left alone
-        EXPECT_FALSE(isApplied());
-        EXPECT_EQ(shownStatus(), HelperStatus{helper::Failed{}});
-        pass(0.5s);
-        EXPECT_TRUE(isApplied());
-    }
-
-    TEST_F(ClosedLidControllerTest, ASessionThatStartsDuringTheDelayKeepsTheOverride)
-    {
-        launch();
-        startSession();
-        controller->setRestoreNotBefore(time.continuousNow() + 3s);
-        stopSession();
-        pass(1s);
-        startSession();
-        pass(25s);
-        EXPECT_TRUE(isApplied());
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "enable", "heartbeat", "heartbeat"));
-    }
-
-    TEST_F(ClosedLidControllerTest, TheOverrideStaysUntilTheShutdownIsAnswered)
-    {
-        launch();
-        startSession();
-        wire.keepsReplies = true;
-        controller->shutDown();
-        stopSession();
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "shutDown"));
-        wire.deliver();
-        mainLoop.run();
-        EXPECT_THAT(wire.requests, ElementsAre("enable", "shutDown", "restore"));
-    }
-
-    TEST_F(ClosedLidControllerTest, SleepAndShutdownFallBack)
-    {
-        using enum AgentEndAction;
-        using Requests = std::vector<std::string>;
-        struct Row {
-            const char* what;
-            Mode mode;
-            AgentEndAction action;
-            Requests ofHelper, ofSystem;
-        };
-        for (const auto& row : std::vector<Row>{
-                 {"nothing to do", Mode::ready, letSleep, {}, {}},
-                 {"sleep", Mode::ready, sleepNow, {"sleep"}, {}},
-                 {"refused sleep", Mode::refusing, sleepNow, {"sleep"}, {}},
-                 {"sleep without component", Mode::notInstalled, sleepNow, {}, {"sleep"}},
-                 {"shutdown", Mode::ready, shutDown, {"shutDown"}, {}},
-                 {"refused shutdown", Mode::refusing, shutDown, {"shutDown", "sleep"}, {}},
-                 {"shutdown without component", Mode::failed, shutDown, {}, {"sleep"}},
-             }) {
-            SCOPED_TRACE(row.what);
-            launch(row.mode);
-            power.requests.clear();
-            controller->performer()(row.action);
-            mainLoop.run();
-            EXPECT_EQ(wire.requests, row.ofHelper);
-            EXPECT_EQ(power.requests, row.ofSystem);
-        }
+        playCourses(
+            CLOSED_LID_COURSES,
+            [this] { launch(); },
+            [this](const auto& word) { does(word); },
+            [this] { return seen(); });
     }
 
 } // namespace
