@@ -1,17 +1,16 @@
 #include "Helper/HelperDaemon.h"
 
 #include "Tests/Helper/FakeMachine.h"
+#include "Tests/Support/Courses.h"
 
-#include <gmock/gmock.h>
 #include <random>
 
 namespace vespra {
 
 namespace {
 
-    using testing::ElementsAre;
-    using testing::IsEmpty;
     using Reason = Authorization::Denial::Reason;
+    using Client = HelperXPCProtocol;
 
     class HelperDaemonTest : public testing::Test {
     protected:
@@ -34,11 +33,6 @@ namespace {
             session = daemon->clientSession("a");
             other = daemon->clientSession("b");
         }
-        void startEnabled()
-        {
-            start();
-            EXPECT_EQ(enable(*session), std::nullopt);
-        }
         /// As a process that was killed, if it was; as one that ends in order otherwise.
         void end()
         {
@@ -47,278 +41,105 @@ namespace {
             daemon.reset();
             machine.revive();
         }
-
-        using Client = HelperXPCProtocol;
-        static HelperRefusal ask(Client& client, void (Client::*request)(HelperReply<HelperRefusal>))
+        void startToBeKilled(int afterChanges)
         {
-            HelperRefusal refusal{"no reply"};
-            (client.*request)([&](auto reply) { refusal = *reply; });
-            return refusal;
+            machine.killAfter(afterChanges);
+            EXPECT_THROW(start(), Killed);
+            end();
         }
-        static HelperRefusal enable(Client& client) { return ask(client, &Client::enableClosedLid); }
-        static HelperRefusal restore(Client& client) { return ask(client, &Client::restoreSleep); }
-        static bool heartbeat(Client& client)
+
+        /// Whether it is done, as far as the answer comes at once.
+        bool asks(Client& client, void (Client::*request)(HelperReply<HelperRefusal>))
         {
-            bool isInForce = false;
-            client.heartbeat([&](auto reply) { isInForce = *reply; });
-            return isInForce;
+            (client.*request)(
+                [this](const auto& reply) { note(*reply ? "\"" + **reply + "\"" : std::string{"done"}); });
+            return replies.ends_with("done ");
+        }
+        bool enable(Client& client) { return asks(client, &Client::enableClosedLid); }
+        bool restore(Client& client) { return asks(client, &Client::restoreSleep); }
+        bool heartbeat(Client& client)
+        {
+            client.heartbeat([this](const auto& reply) { note(*reply ? "alive" : "gone"); });
+            return replies.ends_with("alive ");
+        }
+        void note(const std::string& reply) { replies += reply + " "; }
+
+        void does(const std::string& word)
+        {
+            const auto action = actions.find(word);
+            action == actions.end() ? time.advance(Seconds{std::stod(word)}) : action->second();
+        }
+        /// The replies, what the machine was made to do, the setting, and what lies on the disk.
+        std::string seen()
+        {
+            auto text = std::exchange(replies, {});
+            for (const auto& deed : std::exchange(machine.deeds, {}))
+                text += deed + " ";
+            text += machine.isDisabled ? "| awake" : "| sleeps";
+            text += machine.isDiskGarbage ? ", garbage" : machine.disk ? ", recorded" : "";
+            if (!daemon)
+                return text;
+            EXPECT_EQ(isToldIdle, daemon->isIdle());
+            return text + (daemon->isIdle() ? time.pendingTasks() == 0 ? ", idle" : ", idle, yet with tasks" : "");
         }
 
         VirtualTime time{Instant::fromReferenceDate(1h)};
         FakeMachine machine;
         std::optional<HelperDaemon> daemon;
-        std::unique_ptr<HelperXPCProtocol> session, other;
+        std::unique_ptr<Client> session, other;
         bool isToldIdle = false; // what whoever follows `onChange` takes `isIdle` for
+        std::string replies;
+        std::vector<std::unique_ptr<ScheduledTask>> later;
+        const std::map<std::string, std::function<void()>> actions{
+            {"start", [this] { start(); }},
+            {"end", [this] { end(); }},
+            {"startToBeKilledAtOnce", [this] { startToBeKilled(0); }},
+            {"startToBeKilledAfterOneChange", [this] { startToBeKilled(1); }},
+            {"enable", [this] { enable(*session); }},
+            {"enableOther", [this] { enable(*other); }},
+            {"heartbeat", [this] { heartbeat(*session); }},
+            {"heartbeatOther", [this] { heartbeat(*other); }},
+            {"restore", [this] { restore(*session); }},
+            {"sleepNow", [this] { asks(*session, &Client::sleepNow); }},
+            {"sleepNowOther", [this] { asks(*other, &Client::sleepNow); }},
+            {"shutDown", [this] { asks(*session, &Client::shutDown); }},
+            {"clientGoes", [this] { session.reset(); }},
+            {"in24sHeartbeat", [this] { later.push_back(time.schedule(24s, [this] { heartbeat(*session); })); }},
+            {"in26sHeartbeat", [this] { later.push_back(time.schedule(26s, [this] { heartbeat(*session); })); }},
+            {"in24sEnable", [this] { later.push_back(time.schedule(24s, [this] { enable(*session); })); }},
+            {"sleepFor1h", [this] { time.sleep(1h); }},
+            {"systemWillSleep", [this] { daemon->systemWillSleep(); }},
+            {"leaveRecord", [this] { machine.disk = SleepOverrideRecord{}, machine.isDisabled = true; }},
+            {"leaveGarbage", [this] { machine.isDiskGarbage = true; }},
+            {"diskFull", [this] { machine.isDiskWritable = false; }},
+            {"settingStuck", [this] { machine.isSettingStuck = true; }},
+            {"repair", [this] { machine.isDiskWritable = true, machine.isSettingStuck = false; }},
+            {"somebodyKeepsAwake", [this] { machine.isDisabled = true; }},
+            {"somebodyLetsGo", [this] { machine.isDisabled = false; }},
+            {"settingForUsersOnly", [this] { machine.isSettingForUsersOnly = true; }},
+            {"lidShut", [this] { machine.isLidShut = true; }},
+            {"lidOpen", [this] { machine.isLidShut = false; }},
+            {"dpkgBlocks", [this] { machine.blocker = "dpkg"; }},
+            {"nothingBlocks", [this] { machine.blocker.clear(); }},
+            {"allowed", [this] { machine.denial = {}; }},
+            {"denied", [this] { machine.denial = Reason::denied; }},
+            {"personNeeded", [this] { machine.denial = Reason::needsAuthentication; }},
+            {"nobodyCanSay", [this] { machine.denial = Reason::unanswered; }},
+            {"userIsAsked", [this] { machine.asksTheUser = true; }},
+            {"userAnswers", [this] { machine.asked.front()(); }},
+        };
     };
 
-    TEST_F(HelperDaemonTest, RecoversFromRecordsAndGarbageAlsoWhenKilledMeanwhile)
+    TEST_F(HelperDaemonTest, DoesWhatTheCoursesSay)
     {
-        for (const bool isGarbage : {false, true})
-            for (int changes = 0; changes <= 1; ++changes) {
-                machine.isDisabled = machine.isLidShut = true;
-                machine.isDiskGarbage = isGarbage;
-                machine.disk = SleepOverrideRecord{.originalSleepDisabled = false};
-                machine.killAfter(changes);
-                EXPECT_THROW(start(), Killed);
-                EXPECT_EQ(machine.isDisabled, changes == 0) << "the file goes last";
-                end();
-                start();
-                EXPECT_FALSE(machine.isDisabled || machine.isDiskGarbage);
-                time.advance(HelperXPC::heartbeatInterval + 1s);
-                EXPECT_THAT(machine.deeds, IsEmpty()) << "an application can come back";
-                time.advance(5s);
-                EXPECT_THAT(std::exchange(machine.deeds, {}), ElementsAre("suspend"));
-                EXPECT_EQ(enable(*session), std::nullopt);
-                end();
-                EXPECT_EQ(machine.disk, std::nullopt);
-            }
-    }
-
-    TEST_F(HelperDaemonTest, ALeaseLivesFor25SecondsAfterItsLastRenewal)
-    {
-        start();
-        EXPECT_FALSE(heartbeat(*session));
-        EXPECT_EQ(enable(*session), std::nullopt);
-        time.advance(24.9s);
-        EXPECT_TRUE(heartbeat(*session));
-        time.advance(24.9s);
-        EXPECT_TRUE(machine.isDisabled);
-        time.advance(0.1s);
-        EXPECT_FALSE(machine.isDisabled);
-        EXPECT_EQ(machine.disk, std::nullopt);
-        EXPECT_FALSE(heartbeat(*session));
-    }
-
-    TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepIsGoneWhicheverComesFirstAtTheWakeUp)
-    {
-        for (const Seconds due : {24s, 26s}) {
-            startEnabled();
-            std::optional<bool> isInForce;
-            const auto call = time.schedule(due, [&] { isInForce = heartbeat(*session); });
-            time.sleep(1h);
-            EXPECT_EQ(isInForce, false);
-            EXPECT_FALSE(machine.isDisabled);
+        const auto begin = [this] {
+            later.clear();
             end();
-        }
-    }
-
-    TEST_F(HelperDaemonTest, ALeaseThatRanOutInSleepAndIsTakenAgainAtOnceKeepsAShutLidAwake)
-    {
-        machine.isLidShut = machine.isSettingForUsersOnly = true;
-        startEnabled();
-        const auto call = time.schedule(24s, [&] { EXPECT_EQ(enable(*session), std::nullopt); });
-        time.sleep(1h);
-        time.advance(20s);
-        EXPECT_TRUE(machine.isDisabled);
-        EXPECT_THAT(machine.deeds, IsEmpty());
-    }
-
-    TEST_F(HelperDaemonTest, TriesAgainUntilTheSettingIsBack)
-    {
-        startEnabled();
-        machine.isSettingStuck = true;
-        EXPECT_EQ(restore(*session), HelperRefusal{"le réglage ne répond pas"});
-        time.advance(1h);
-        EXPECT_TRUE(machine.isDisabled);
-        EXPECT_TRUE(machine.disk) << "as long as it is owed, it is on the disk";
-        EXPECT_FALSE(daemon->isIdle());
-        machine.isSettingStuck = false;
-        time.advance(OverrideLeases::retryInterval);
-        EXPECT_FALSE(machine.isDisabled || machine.disk);
-        time.advance(ShutLidSleep::firstLook);
-        EXPECT_TRUE(daemon->isIdle());
-    }
-
-    TEST_F(HelperDaemonTest, WhateverIsRefusedLeavesNothingBehind)
-    {
-        for (const auto& [refusal, cause] : std::vector<std::pair<std::string, std::function<void()>>>{
-                 {"disque plein", [&] { machine.isDiskWritable = false; }},
-                 {"le réglage ne répond pas", [&] { machine.isSettingStuck = true; }},
-                 {"pas autorisé", [&] { machine.denial = Reason::denied; }},
-             }) {
-            SCOPED_TRACE(refusal);
-            start();
-            cause();
-            EXPECT_EQ(enable(*session), refusal);
-            EXPECT_FALSE(machine.isDisabled || heartbeat(*session));
-            machine.isDiskWritable = true;
-            machine.isSettingStuck = false;
-            time.advance(OverrideLeases::retryInterval);
-            EXPECT_FALSE(machine.isDisabled || machine.disk);
-            EXPECT_TRUE(daemon->isIdle());
-            if (!machine.denial)
-                continue;
-            for (const auto request : {&Client::sleepNow, &Client::shutDown})
-                EXPECT_EQ(ask(*session, request), refusal);
-            EXPECT_THAT(machine.deeds, IsEmpty());
-        }
-    }
-
-    TEST_F(HelperDaemonTest, AnAuthorizationThatComesTooLateChangesNothing)
-    {
-        for (const bool clientGoes : {true, false}) {
-            SCOPED_TRACE(clientGoes ? "the client has gone" : "the client has asked to restore");
-            start();
-            machine.asksTheUser = true;
-            session->enableClosedLid([](auto) { });
-            EXPECT_FALSE(daemon->isIdle()) << "somebody is typing a password";
-            if (clientGoes)
-                session.reset();
-            else
-                restore(*session);
-            ASSERT_EQ(machine.asked.size(), 1u);
-            machine.asked.front()();
-            EXPECT_FALSE(machine.isDisabled || machine.disk);
-            end();
-        }
-    }
-
-    TEST_F(HelperDaemonTest, LetsGoBeforeSleepAndAfterShutdownUnlessItIsRefused)
-    {
-        machine.isLidShut = true;
-        for (const auto request : {&Client::sleepNow, &Client::shutDown}) {
-            startEnabled();
-            enable(*other);
-            machine.blocker = "dpkg";
-            EXPECT_EQ(ask(*session, request), HelperRefusal{"dpkg"});
-            EXPECT_TRUE(machine.isDisabled && heartbeat(*session) && heartbeat(*other));
-            machine.blocker.clear();
-            EXPECT_EQ(ask(*session, request), std::nullopt);
-            EXPECT_FALSE(machine.isDisabled || machine.disk);
-            EXPECT_FALSE(heartbeat(*other));
-            if (machine.deeds.back() == "suspend")
-                daemon->systemWillSleep();
-            time.advance(1min);
-            end();
-        }
-        EXPECT_THAT(machine.deeds, ElementsAre("suspend", "powerOff while kept awake"));
-    }
-
-    TEST_F(HelperDaemonTest, LooksAtTheRightAgainAtEachHeartbeat)
-    {
-        struct Row {
-            const char* what;
-            std::optional<Reason> atFirst, later;
-            bool expected, isRenewed;
+            seen();
+            machine.~FakeMachine();
+            new (&machine) FakeMachine;
         };
-        for (const auto& row : std::vector<Row>{
-                 {"no longer there", {}, Reason::denied, false, false},
-                 {"a person would be needed now", {}, Reason::needsAuthentication, false, false},
-                 {"a person was needed", Reason::needsAuthentication, Reason::needsAuthentication, true, true},
-                 {"a person's right is taken away", Reason::needsAuthentication, Reason::denied, false, false},
-                 {"nobody can say", {}, Reason::unanswered, true, false},
-             }) {
-            SCOPED_TRACE(row.what);
-            machine.denial = row.atFirst;
-            startEnabled();
-            machine.denial = {};
-            enable(*other);
-            time.advance(20s);
-            EXPECT_TRUE(heartbeat(*other));
-            machine.denial = row.later;
-            EXPECT_EQ(heartbeat(*session), row.expected);
-            machine.denial = {};
-            EXPECT_TRUE(heartbeat(*other)) << "it has a right of its own";
-            time.advance(10s);
-            EXPECT_EQ(heartbeat(*session), row.isRenewed);
-            end();
-        }
-    }
-
-    TEST_F(HelperDaemonTest, ARenewalCountsFromItsRequest)
-    {
-        startEnabled();
-        machine.asksTheUser = true;
-        session->heartbeat([](auto) { });
-        time.advance(20s);
-        machine.asked.front()();
-        time.advance(5s);
-        EXPECT_FALSE(machine.isDisabled);
-    }
-
-    TEST_F(HelperDaemonTest, ASleepThatIsRefusedAtFirstIsTriedAgain)
-    {
-        start();
-        machine.isDisabled = true; // somebody else's
-        std::vector<HelperRefusal> refusals;
-        const auto note = [&](auto reply) { refusals.push_back(*reply); };
-        session->sleepNow(note);
-        time.advance(1.5s);
-        other->sleepNow(note);
-        EXPECT_THAT(refusals, ElementsAre(HelperRefusal{"une mise en veille est déjà en cours"}));
-        time.advance(1s);
-        machine.isDisabled = false;
-        time.advance(10s);
-        EXPECT_THAT(refusals, ElementsAre(testing::_, HelperRefusal{}));
-        EXPECT_THAT(machine.deeds, ElementsAre("suspend"));
-
-        machine.isDisabled = true;
-        session->sleepNow(note);
-        machine.isDisabled = false;
-        time.sleep(1h); // at the shut lid's instance
-        EXPECT_EQ(refusals.size(), 3u);
-        EXPECT_EQ(machine.deeds.size(), 1u) << "whoever opens the lid is not sent to sleep again";
-
-        machine.isDisabled = true;
-        session->sleepNow(note);
-        enable(*other);
-        time.advance(10s);
-        EXPECT_TRUE(heartbeat(*other)) << "it was asked for later";
-        EXPECT_TRUE(refusals.back());
-    }
-
-    TEST_F(HelperDaemonTest, AsksForSleepWhileTheLidStaysShut)
-    {
-        struct Row {
-            const char* what;
-            std::function<void()> meanwhile;
-            std::size_t expected;
-        };
-        for (const auto& row : std::vector<Row>{
-                 {"nothing happens", [] {}, 6},
-                 {"it is not heard for an hour",
-                     [&] {
-                         time.advance(1h);
-                         EXPECT_TRUE(daemon->isIdle() && time.pendingTasks() == 0);
-                     },
-                     std::size_t{ShutLidSleep::mostLooks}},
-                 {"the lid opens", [&] { machine.isLidShut = false; }, 1},
-                 {"it sleeps, and is woken with its lid shut", [&] { time.sleep(1h); }, 1},
-                 {"the system is about to sleep", [&] { daemon->systemWillSleep(); }, 1},
-                 {"closed-lid mode again", [&] { enable(*session); }, 1},
-             }) {
-            SCOPED_TRACE(row.what);
-            machine.deeds.clear();
-            machine.isLidShut = true;
-            startEnabled();
-            restore(*session);
-            time.advance(ShutLidSleep::firstLook + 1s);
-            row.meanwhile();
-            EXPECT_EQ(isToldIdle, daemon->isIdle());
-            time.advance(24s);
-            EXPECT_EQ(machine.deeds.size(), row.expected);
-            end();
-        }
+        playCourses(HELPER_DAEMON_COURSES, begin, [this](const auto& word) { does(word); }, [this] { return seen(); });
     }
 
     /// What two clients, kills and time do in any order, on any disk: the override never outlives the last sign of life
@@ -340,7 +161,7 @@ namespace {
                 switch (pick(8)) {
                 case 0:
                 case 1:
-                    if (!enable(client))
+                    if (enable(client))
                         lastSign = asked;
                     break;
                 case 2:
