@@ -87,18 +87,4 @@ TEST(SessionMachine, EndsByTheFirstReasonThatHolds)
     }
 }
 
-TEST(EndReason, TraitsOfEveryCase)
-{
-    std::string notifying, guarding;
-    for (const auto& reason : payloadFreeEndReasons) {
-        notifying += traits(reason).notifies ? std::string{caseName(reason)} + " " : "";
-        guarding += traits(reason).isGuardrail ? std::string{caseName(reason)} + " " : "";
-    }
-    EXPECT_EQ(notifying,
-        "timeElapsed chargerDisconnected batteryTimeLimit closedLidTimeLimit overheating agentsFinished "
-        "safetyCapReached ");
-    EXPECT_EQ(guarding, "chargerDisconnected batteryTimeLimit closedLidTimeLimit overheating safetyCapReached ");
-    EXPECT_TRUE(traits(end::LowBattery{5}).notifies && traits(end::LowBattery{5}).isGuardrail);
-}
-
 } // namespace
