@@ -32,7 +32,9 @@ TEST_F(HeadlessApplicationTest, ExitsByTheEndOfItsSession)
     const StartOptions timer{.mode = SessionMode::timer, .timerDuration = 2h};
     const StartOptions closedLid{.mode = SessionMode::unlimited, .closedLid = true};
     const std::vector onBattery{settingTexts::change("energy.requiresACPower", "off").value(),
-        settingTexts::change("energy.batteryTimeLimit", "1h").value()};
+        settingTexts::change("energy.batteryTimeLimit", "1h").value(),
+        settingTexts::change("agents.graceDelay", "0s").value(),
+        settingTexts::change("agents.endAction", "sleepNow").value()};
     struct Row {
         const char* what;
         MachineSettings before;
@@ -44,6 +46,25 @@ TEST_F(HeadlessApplicationTest, ExitsByTheEndOfItsSession)
              {"refused", {{"charger", "off"}, {"battery", "20"}}, timer, [] {}, 3},
              {"time", {}, timer, [this] { laptop.advance(2h); }, 0},
              {"battery limit", {{"charger", "off"}}, timer, [this] { laptop.advance(1h); }, 13},
+             {"the level", {{"charger", "off"}}, timer, [this] { laptop.set({{"battery", "20"}}); }, 11},
+             {"the time with a shut lid",
+                 {{"helper", "ready"}},
+                 closedLid,
+                 [this] {
+                     for (auto passed = 0s; passed < 4h; passed += 10s)
+                         laptop.advance(10s);
+                 },
+                 14},
+             {"the action that follows the agents",
+                 {},
+                 {.mode = SessionMode::agent},
+                 [this] {
+                     agent(AgentSignal::working);
+                     agent(AgentSignal::finished);
+                     laptop.advance(60s + 29.9s);
+                     EXPECT_FALSE(exitStatus) << "it may take half a minute";
+                 },
+                 0},
              {"heat",
                  {{"helper", "ready"}},
                  closedLid,
