@@ -15,7 +15,8 @@ from gi.repository import GLib
 LOGIND = "org.freedesktop.login1"
 REFUSED = "org.freedesktop.DBus.Error.AccessDenied"
 FIRST = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": [], "hasLid": True,
-         "others": [], "hasHost": True, "charger": None, "canSuspend": "yes", "inhibitFails": False, "isSilent": False}
+         "others": [], "hasHost": True, "charger": None, "canSuspend": "yes", "inhibitFails": False, "isSilent": False,
+         "answers": {}}  # to methods that are not played here: signature and value
 
 
 class Refused(Exception):
@@ -104,6 +105,8 @@ def check_authorization(arguments):
 def result(call):
     """The signature and the value of the answer; none for an answer without one."""
     member, arguments = call.get_member(), call.get_args_list()
+    if member in state.settings["answers"]:
+        return state.settings["answers"][member]
     if member == "Inhibit":
         return inhibit(call, arguments)
     if member.lower() == "uninhibit":
