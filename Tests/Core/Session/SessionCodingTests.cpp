@@ -27,26 +27,11 @@ TEST(SessionPlanJSON, RoundTripsInItsPersistedForm)
         EXPECT_EQ(toJSON(plan).dump(), json);
         EXPECT_EQ(read(json, readSessionPlan).value(), plan);
     }
-}
-
-TEST(SessionPlanJSON, RefusesWhatIsNotOnePlan)
-{
-    for (const auto& [json, error] : std::vector<std::pair<const char*, const char*>>{
-             {R"({})", "Invalid number of keys found, expected one."},
-             {R"({"forever":{}})", "Invalid number of keys found, expected one."},
-             {R"({"timer":{}})", "timer.duration: is missing"},
-             {R"({"timer":{"duration":"60"}})", "timer.duration: expected a number"},
-             {R"({"until":{"hour":1,"minute":2}})", "until._0: is missing"},
-             {R"({"until":{"_0":{"hour":1.5,"minute":2}}})", "until._0.hour: expected a whole number"},
-             {R"({"unlimited":null})", "unlimited: expected an object"},
-             {R"([])", "expected an object"},
-         })
-        EXPECT_EQ(read(json, readSessionPlan).error().description(), error) << json;
     const SessionPlan clamped = plan::Until{{23, 0}};
     EXPECT_EQ(read(R"({"until":{"_0":{"hour":30,"minute":-5}}})", readSessionPlan).value(), clamped);
 }
 
-// What is missing or malformed in them, field by field, is in Tests/Scenarios.
+// What is missing or malformed in plans and settings is in Tests/Scenarios.
 TEST(SessionSettingsJSON, RoundTripsExceptThatNoCapReadsBackAsTheDefault)
 {
     SessionSettings settings;
