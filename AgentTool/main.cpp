@@ -1,3 +1,4 @@
+#include "AgentTool/CallingAgent.h"
 #include "AgentTool/EventSender.h"
 #include "AgentTool/HookInputReader.h"
 #include "AgentTool/SocketPath.h"
@@ -21,8 +22,11 @@ void report(HookInputReader& reader, std::string_view agentName)
     const auto input = reader.read();
     if (!input)
         return reader.drain();
-    if (const auto event = agent ? agentEvent(*input, *agent, SystemClock{}.now()) : std::nullopt)
-        sendLine(encoded(*event), socketPath());
+    auto event = agent ? agentEvent(*input, *agent, SystemClock{}.now()) : std::nullopt;
+    if (!event)
+        return;
+    event->origin.process = callingAgent(*agent);
+    sendLine(encoded(*event), socketPath());
 }
 
 /// Ends the program after two seconds, whatever blocks. Its other limits bound only the waiting in `poll`: a read

@@ -31,6 +31,8 @@ void AgentEndCondition::sessionDidBegin(Instant now)
             notify(condition->onChange);
         }
     };
+    if (evidence_)
+        evidence_->sessionDidBegin(policy_);
     refresh(now);
 }
 
@@ -54,14 +56,27 @@ std::optional<Instant> AgentEndCondition::finishesAt() const
     return idleSince ? std::optional{*idleSince + policy_.effectiveGraceDelay()} : std::nullopt;
 }
 
-std::optional<EndReason> AgentEndCondition::evaluate(Instant now)
+bool AgentEndCondition::isDue(Instant now) const
 {
     const auto endsAt = finishesAt();
-    return endsAt && now >= *endsAt ? std::optional<EndReason>{end::AgentsFinished{}} : std::nullopt;
+    return endsAt && now >= *endsAt;
+}
+
+std::optional<EndReason> AgentEndCondition::evaluate(Instant now)
+{
+    // What is found may reach `refresh`, and take the end back.
+    if (isDue(now) && evidence_)
+        evidence_->lastLook();
+    return isDue(now) ? std::optional<EndReason>{end::AgentsFinished{}} : std::nullopt;
 }
 
 std::optional<Instant> AgentEndCondition::nextDeadline(Instant /*now*/) { return finishesAt(); }
 
-void AgentEndCondition::sessionDidEnd() { tracker_.onChange = nullptr; }
+void AgentEndCondition::sessionDidEnd()
+{
+    tracker_.onChange = nullptr;
+    if (evidence_)
+        evidence_->sessionDidEnd();
+}
 
 } // namespace vespra

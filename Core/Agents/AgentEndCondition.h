@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Agents/AgentEvidence.h"
 #include "Core/Agents/AgentTracker.h"
 #include "Core/Scheduling/WallClock.h"
 #include "Core/Session/SessionEndCondition.h"
@@ -34,11 +35,13 @@ class AgentEndCondition final : public SessionEndCondition, public std::enable_s
 public:
     using Phase = std::variant<phase::KeptAwake, phase::Finishing, phase::Working, phase::WaitingForAgents>;
 
-    /// `tracker` and `clock` outlive it.
-    AgentEndCondition(AgentTracker& tracker, const AgentPolicy& policy, const WallClock& clock)
+    /// All but `policy` outlive it. Without `evidence` the events alone count.
+    AgentEndCondition(AgentTracker& tracker, const AgentPolicy& policy, const WallClock& clock,
+        AgentEvidence* evidence = nullptr)
         : tracker_{tracker}
         , policy_{policy}
         , clock_{clock}
+        , evidence_{evidence}
     {
     }
 
@@ -63,10 +66,12 @@ private:
 
     void refresh(Instant now);
     std::optional<Instant> finishesAt() const;
+    bool isDue(Instant now) const;
 
     AgentTracker& tracker_;
     AgentPolicy policy_;
     const WallClock& clock_;
+    AgentEvidence* evidence_;
     Observed<State> state_;
 };
 

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <limits>
 
 namespace vespra {
 
@@ -53,6 +54,74 @@ namespace {
         return signalOfMessage(input.message.value_or(""));
     }
 
+    void addOrigin(JSON& json, const AgentOrigin& origin)
+    {
+        if (const auto& process = origin.process) {
+            json["process"] = {{"pid", process->pid}, {"start", process->start}};
+            if (process->space != 0)
+                json["process"]["space"] = process->space;
+        }
+        if (origin.transcript)
+            json["transcript"] = *origin.transcript;
+        if (origin.subagent)
+            json["subagent"] = *origin.subagent;
+        if (origin.isCompaction)
+            json["isCompaction"] = true;
+        if (origin.leavesAgentsRunning)
+            json["leavesAgentsRunning"] = true;
+    }
+
+    std::optional<std::string> unlessEmpty(const std::optional<std::string>& text)
+    {
+        return text && !text->empty() ? text : std::nullopt;
+    }
+
+    const JSON* member(const JSON& json, std::string_view key)
+    {
+        const auto found = json.is_object() ? json.find(key) : json.end();
+        return found == json.end() ? nullptr : &*found;
+    }
+
+    std::optional<std::string> textOf(const JSON& json, std::string_view key)
+    {
+        const auto* value = member(json, key);
+        return value && value->is_string() && *value != "" ? std::optional{value->get<std::string>()} : std::nullopt;
+    }
+
+    bool flagOf(const JSON& json, std::string_view key)
+    {
+        const auto* value = member(json, key);
+        return value && *value == true;
+    }
+
+    std::optional<std::uint64_t> numberOf(const JSON& json, std::string_view key)
+    {
+        const auto* value = member(json, key);
+        return value && value->is_number_unsigned() ? std::optional{value->get<std::uint64_t>()} : std::nullopt;
+    }
+
+    std::optional<ProcessIdentity> processOf(const JSON& json)
+    {
+        constexpr std::uint64_t largest = std::numeric_limits<std::int32_t>::max();
+        const auto pid = numberOf(json, "pid");
+        const auto start = numberOf(json, "start");
+        if (!pid || *pid == 0 || *pid > largest || !start)
+            return {};
+        return ProcessIdentity{.pid = static_cast<std::int64_t>(*pid),
+            .start = *start,
+            .space = numberOf(json, "space").value_or(0)};
+    }
+
+    AgentOrigin originOf(const JSON& json)
+    {
+        const auto* process = member(json, "process");
+        return {.process = process ? processOf(*process) : std::nullopt,
+            .transcript = textOf(json, "transcript"),
+            .subagent = textOf(json, "subagent"),
+            .isCompaction = flagOf(json, "isCompaction"),
+            .leavesAgentsRunning = flagOf(json, "leavesAgentsRunning")};
+    }
+
 } // namespace
 
 std::optional<AgentEvent> agentEvent(std::string_view hookInput, AgentKind agent, Instant date)
@@ -68,7 +137,14 @@ std::optional<AgentEvent> agentEvent(const HookInput& input, AgentKind agent, In
     const auto signal = signalOf(input);
     if (!signal)
         return {};
-    return AgentEvent{.agent = agent, .sessionID = *input.sessionID, .cwd = input.cwd, .signal = *signal, .date = date};
+    AgentEvent event{
+        .agent = agent, .sessionID = *input.sessionID, .cwd = input.cwd, .signal = *signal, .date = date};
+    event.origin = {.process = {},
+        .transcript = unlessEmpty(input.transcriptPath),
+        .subagent = unlessEmpty(input.agentID),
+        .isCompaction = *signal == AgentSignal::sessionStarted && input.source == "compact",
+        .leavesAgentsRunning = *signal == AgentSignal::finished && input.hasRunningAgents};
+    return event;
 }
 
 std::string encoded(const AgentEvent& event)
@@ -78,6 +154,7 @@ std::string encoded(const AgentEvent& event)
         json["cwd"] = *event.cwd;
     json["signal"] = rawValue(event.signal);
     json["date"] = numberJSON(event.date.sinceReferenceDate());
+    addOrigin(json, event.origin);
     return json.dump();
 }
 
@@ -98,6 +175,7 @@ std::expected<AgentEvent, DecodingError> decodedAgentEvent(std::string_view line
             source.required("sessionID").fail("must not be empty");
         if (const auto cwd = source.optional("cwd"))
             event.cwd = cwd->string();
+        event.origin = originOf(source.value());
         return event;
     });
 }

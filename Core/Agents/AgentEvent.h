@@ -4,6 +4,7 @@
 // the hooks in the agents' settings files, handled as text.
 
 #include "Core/Agents/AgentKind.h"
+#include "Core/Agents/AgentOrigin.h"
 #include "Core/Agents/HookInput.h"
 #include "Core/Coding/JSONSource.h"
 #include "Core/Scheduling/Instant.h"
@@ -35,6 +36,7 @@ struct AgentEvent {
     AgentSignal signal = AgentSignal::sessionStarted;
     /// When it happened; the application replaces the sender's date by that of the receipt.
     Instant date;
+    AgentOrigin origin{};
 
     bool operator==(const AgentEvent&) const = default;
 };
@@ -44,9 +46,11 @@ struct AgentEvent {
 std::optional<AgentEvent> agentEvent(std::string_view hookInput, AgentKind agent, Instant date);
 std::optional<AgentEvent> agentEvent(const HookInput& input, AgentKind agent, Instant date);
 
-/// One line of JSON without line feed, as it goes over the socket; the date as seconds since 2001.
+/// One line of JSON without line feed, as it goes over the socket; the date as seconds since 2001. What is absent is
+/// left out.
 std::string encoded(const AgentEvent& event);
-/// The reverse; fails with the place and what was expected there.
+/// The reverse; fails with the place and what was expected there. Of the origin, what cannot be read counts as absent:
+/// no event is lost with it.
 std::expected<AgentEvent, DecodingError> decodedAgentEvent(std::string_view line);
 
 } // namespace vespra

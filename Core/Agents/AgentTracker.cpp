@@ -38,9 +38,14 @@ namespace {
         session.hasWorked = session.hasWorked || activity != AgentActivity::idle;
     }
 
-    auto find(auto& sessions, const std::string& id) { return std::ranges::find(sessions, id, &AgentSession::id); }
+    auto findSession(auto& sessions, const std::string& id) { return std::ranges::find(sessions, id, &AgentSession::id); }
 
 } // namespace
+
+std::string agentSessionID(const AgentEvent& event)
+{
+    return std::string{rawValue(event.agent)} + ":" + event.sessionID;
+}
 
 std::optional<std::string> AgentSession::folderName() const
 {
@@ -59,7 +64,7 @@ std::optional<std::string> AgentSession::folderName() const
 void AgentTracker::record(const AgentEvent& event)
 {
     mainThread::check();
-    const auto id = std::string{rawValue(event.agent)} + ":" + event.sessionID;
+    const auto id = agentSessionID(event);
     if (event.signal == AgentSignal::sessionEnded)
         end(id);
     else
@@ -67,21 +72,46 @@ void AgentTracker::record(const AgentEvent& event)
     notify(onChange);
 }
 
-void AgentTracker::end(const std::string& id)
+void AgentTracker::correct(const std::string& id, AgentActivity activity, Instant since)
+{
+    mainThread::check();
+    const auto found = findSession(sessions_.get(), id);
+    if (found == sessions_.get().end() || found->activity == activity)
+        return;
+    const auto corrected = sessions_.modify([&](std::vector<AgentSession>& sessions) {
+        auto& session = *findSession(sessions, id);
+        take(session, activity, since);
+        return session;
+    });
+    if (activity == AgentActivity::idle)
+        lastFinished_.set(corrected);
+    notify(onChange);
+}
+
+void AgentTracker::endUnheard(const std::string& id)
+{
+    mainThread::check();
+    if (end(id))
+        notify(onChange);
+}
+
+/// Whether there was one.
+bool AgentTracker::end(const std::string& id)
 {
     const auto& sessions = sessions_.get();
-    const auto ended = find(sessions, id);
+    const auto ended = findSession(sessions, id);
     if (ended == sessions.end())
-        return;
+        return false;
     if (ended->activity != AgentActivity::idle)
         lastFinished_.set(*ended);
     sessions_.modify([&](auto& all) { all.erase(ended); });
+    return true;
 }
 
 void AgentTracker::update(const std::string& id, const AgentEvent& event)
 {
     const auto updated = sessions_.modify([&](std::vector<AgentSession>& sessions) {
-        auto session = find(sessions, id);
+        auto session = findSession(sessions, id);
         if (session == sessions.end())
             session = sessions.insert(session, newSession(id, event));
         if (event.cwd)

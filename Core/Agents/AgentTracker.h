@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Agents/AgentActivity.h"
 #include "Core/Agents/AgentEvent.h"
 #include "Core/Observation/Observed.h"
 #include "Core/Session/AgentPolicy.h"
@@ -9,24 +10,17 @@
 
 namespace vespra {
 
-/// What a session of an agent does. Whether waiting counts as busy is up to `AgentPolicy`.
-enum class AgentActivity { idle, working, waitingForApproval };
-
-template <>
-inline constexpr auto rawValues<AgentActivity> = RawValueTable<AgentActivity, 3>{{
-    {AgentActivity::idle, "idle"},
-    {AgentActivity::working, "working"},
-    {AgentActivity::waitingForApproval, "waitingForApproval"},
-}};
+/// The key of a session: its agent's raw value, ":" and the agent's own identifier.
+std::string agentSessionID(const AgentEvent& event);
 
 /// A session of an agent, as its last events describe it.
 struct AgentSession {
-    std::string id; // "claude:" or "codex:" and the agent's own identifier
+    std::string id; // `agentSessionID`
     AgentKind agent = AgentKind::claudeCode;
     std::optional<std::string> cwd; // the last working directory reported
     AgentActivity activity = AgentActivity::idle;
     Instant lastEventAt;
-    /// When the event came that changed `activity` last, or the first one.
+    /// When `activity` changed last: the date of that event, or of the change itself where a correction knows it.
     Instant activitySince;
     /// It was busy at some time since it was first seen: what is idle now has finished something.
     bool hasWorked = false;
@@ -50,16 +44,21 @@ public:
 
     /// Creates, updates or ends the session that the event is about.
     void record(const AgentEvent& event);
+    /// Corrects what a session does, and has done since `since`, where its events are wrong about it. Changes nothing
+    /// without such a session, or if it does that already.
+    void correct(const std::string& id, AgentActivity activity, Instant since);
+    /// The session has ended without an event.
+    void endUnheard(const std::string& id);
     /// Drops the sessions that are silent for too long.
     void pruneStale(Instant now);
     /// Whether some session counts as busy under `policy`.
     bool hasBusySession(const AgentPolicy& policy) const;
 
-    /// Called after each recorded event, and after a pruning that removed something.
+    /// Called after each recorded event, and after a correction or a pruning that changed something.
     std::function<void()> onChange;
 
 private:
-    void end(const std::string& id);
+    bool end(const std::string& id);
     void update(const std::string& id, const AgentEvent& event);
 
     Observed<std::vector<AgentSession>> sessions_;

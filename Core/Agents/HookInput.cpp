@@ -6,42 +6,80 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace vespra {
 
 namespace {
 
-    using Member = std::optional<std::string> HookInput::*;
+    using Text = std::optional<std::string>;
+
+    /// Absent for what is no text.
+    Text textOf(const JSON* value)
+    {
+        return value && value->is_string() ? Text{value->get<std::string>()} : std::nullopt;
+    }
+
+    bool isRunningAgent(const JSON& task)
+    {
+        constexpr std::array kinds{"subagent", "workflow", "teammate"};
+        const auto holds = [&](const char* key, std::string_view value) {
+            const auto found = task.find(key);
+            return found != task.end() && *found == value;
+        };
+        return task.is_object() && holds("status", "running")
+            && std::ranges::any_of(kinds, [&](const char* kind) { return holds("type", kind); });
+    }
+
+    bool listsRunningAgent(const JSON* tasks)
+    {
+        return tasks && tasks->is_array() && std::ranges::any_of(*tasks, isRunningAgent);
+    }
+
+    /// Puts a value, null if it could not be read, where it belongs.
+    using Taker = void (*)(HookInput&, const JSON*);
+
+    template <Text HookInput::*member> void takeTextOf(HookInput& input, const JSON* value)
+    {
+        input.*member = textOf(value);
+    }
 
     /// The one place that says which key goes where; null for any other key.
-    Member memberFor(std::string_view key)
+    Taker takerFor(std::string_view key)
     {
-        constexpr std::pair<std::string_view, Member> members[]{
-            {"hook_event_name", &HookInput::hookEventName},
-            {"session_id", &HookInput::sessionID},
-            {"cwd", &HookInput::cwd},
-            {"notification_type", &HookInput::notificationType},
-            {"message", &HookInput::message},
+        constexpr std::pair<std::string_view, Taker> takers[]{
+            {"hook_event_name", takeTextOf<&HookInput::hookEventName>},
+            {"session_id", takeTextOf<&HookInput::sessionID>},
+            {"cwd", takeTextOf<&HookInput::cwd>},
+            {"notification_type", takeTextOf<&HookInput::notificationType>},
+            {"message", takeTextOf<&HookInput::message>},
+            {"transcript_path", takeTextOf<&HookInput::transcriptPath>},
+            {"agent_id", takeTextOf<&HookInput::agentID>},
+            {"source", takeTextOf<&HookInput::source>},
+            {"background_tasks",
+                [](HookInput& input, const JSON* value) { input.hasRunningAgents = listsRunningAgent(value); }},
         };
-        const auto* found = std::ranges::find(members, key, &std::pair<std::string_view, Member>::first);
-        return found == std::end(members) ? nullptr : found->second;
+        const auto* found = std::ranges::find(takers, key, &std::pair<std::string_view, Taker>::first);
+        return found == std::end(takers) ? nullptr : found->second;
     }
 
     /// `key` is in its quotes.
-    Member memberNamed(std::string_view key)
+    Taker takerNamed(std::string_view key)
     {
         if (!key.contains('\\'))
-            return memberFor(key.substr(1, key.size() - 2));
+            return takerFor(key.substr(1, key.size() - 2));
         const auto name = parsedJSON(key);
-        return name ? memberFor(name->get_ref<const std::string&>()) : nullptr;
+        return name ? takerFor(name->get_ref<const std::string&>()) : nullptr;
     }
 
-    /// Absent for what is no text, and for a text that cannot stand in UTF-8: an event is not lost with it.
-    std::optional<std::string> readableText(std::string_view json)
+    /// Absent for what is neither a text nor a list of reasonable length, and for what cannot stand in UTF-8: an event
+    /// is not lost with it.
+    std::optional<JSON> readable(std::string_view json)
     {
-        auto text = json.starts_with('"') ? parsedJSON(json) : std::nullopt;
-        return text ? std::optional{std::move(text->get_ref<std::string&>())} : std::nullopt;
+        constexpr std::size_t longestList = 1 << 20;
+        const bool isList = json.starts_with('[') && json.size() <= longestList;
+        return json.starts_with('"') || isList ? parsedJSON(json) : std::nullopt;
     }
 
     bool isWhitespace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
@@ -100,8 +138,8 @@ HookInput hookInput(const JSON& object)
 {
     HookInput input;
     for (const auto& [key, value] : object.items())
-        if (const auto member = memberFor(key); member && value.is_string())
-            input.*member = value.get<std::string>();
+        if (const auto taker = takerFor(key))
+            taker(input, &value);
     return input;
 }
 
@@ -253,7 +291,7 @@ void HookInputParser::close(char closing)
 void HookInputParser::takeColon()
 {
     if (closings_.size() == 1)
-        wanted_ = memberNamed(std::exchange(kept_, {}));
+        wanted_ = takerNamed(std::exchange(kept_, {}));
     else
         keep(":");
     place_ = Place::value;
@@ -268,8 +306,10 @@ void HookInputParser::separate()
 void HookInputParser::endValue()
 {
     place_ = closings_.empty() ? Place::end : Place::afterValue;
-    if (wanted_ && closings_.size() <= 1)
-        input_.*std::exchange(wanted_, nullptr) = readableText(std::exchange(kept_, {}));
+    if (!wanted_ || closings_.size() > 1)
+        return;
+    const auto value = readable(std::exchange(kept_, {}));
+    std::exchange(wanted_, nullptr)(input_, value ? &*value : nullptr);
 }
 
 void HookInputParser::keep(std::string_view bytes)

@@ -8,7 +8,7 @@
 
 namespace vespra {
 
-/// What Vespra reads of a hook's input. A member is absent when its key is missing or holds anything but a text in
+/// What Vespra reads of a hook's input. A text is absent when its key is missing or holds anything but a text in
 /// Unicode, such as one that was cut within a character; of a key that comes twice the last value counts. The megabytes
 /// that may stand beside them are skipped.
 struct HookInput {
@@ -17,6 +17,11 @@ struct HookInput {
     std::optional<std::string> cwd; // "cwd"
     std::optional<std::string> notificationType; // "notification_type"
     std::optional<std::string> message; // "message"
+    std::optional<std::string> transcriptPath; // "transcript_path"
+    std::optional<std::string> agentID; // "agent_id"
+    std::optional<std::string> source; // "source"
+    /// "background_tasks" lists an agent, rather than a command, that is running.
+    bool hasRunningAgents = false;
 
     bool operator==(const HookInput&) const = default;
 };
@@ -55,7 +60,6 @@ private:
         end,
         wrong
     };
-    using Member = std::optional<std::string> HookInput::*;
 
     std::size_t takeText(std::string_view piece);
     std::size_t takeWord(std::string_view piece);
@@ -77,7 +81,8 @@ private:
     std::string word_; // the number or literal that is arriving
     /// The outermost object's key, or the value of `wanted_`, as it is written.
     std::string kept_;
-    Member wanted_ = nullptr;
+    /// Takes the value that is arriving; null for one that is skipped.
+    void (*wanted_)(HookInput&, const JSON*) = nullptr;
     HookInput input_;
 };
 

@@ -1,0 +1,44 @@
+#include "Host/ProcessFacts.h"
+
+#include "Host/macos/LibProc.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace vespra {
+
+namespace {
+
+    constexpr std::uint64_t microseconds = 1'000'000; // of a second
+
+} // namespace
+
+std::optional<ProcessFacts> processFacts(pid_t pid)
+{
+    proc_bsdinfo info{};
+    if (proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &info, sizeof info) != static_cast<int>(sizeof info))
+        return {};
+    return ProcessFacts{.name = {info.pbi_comm, strnlen(info.pbi_comm, sizeof info.pbi_comm)},
+        .parent = static_cast<pid_t>(info.pbi_ppid),
+        .start = info.pbi_start_tvsec * microseconds + info.pbi_start_tvusec,
+        .hasEnded = info.pbi_status == SZOMB};
+}
+
+std::uint64_t processSpace() { return 0; }
+
+bool hasChildYoungerThan(pid_t parent, std::chrono::duration<double> age)
+{
+    const int room = proc_listchildpids(parent, nullptr, 0);
+    std::vector<pid_t> children(room > 0 ? static_cast<std::size_t>(room) : 0);
+    const int count = proc_listchildpids(parent, children.data(), static_cast<int>(children.size() * sizeof(pid_t)));
+    children.resize(count > 0 ? std::min(static_cast<std::size_t>(count), children.size()) : 0);
+    const auto now = std::chrono::duration<double>{std::chrono::system_clock::now().time_since_epoch()};
+    const double earliest = (now - age).count() * static_cast<double>(microseconds);
+    return std::ranges::any_of(children, [&](pid_t child) {
+        const auto facts = processFacts(child);
+        return facts && !facts->hasEnded && static_cast<double>(facts->start) > earliest;
+    });
+}
+
+} // namespace vespra
