@@ -36,6 +36,17 @@ namespace {
         return json;
     }
 
+    /// To the agents of a snapshot, which are the tracker's, in its order.
+    void addAgentDetails(JSON& agents, const AppModel& model)
+    {
+        const auto& sessions = model.agents().sessions();
+        for (std::size_t i = 0; i < sessions.size(); ++i) {
+            agents[i]["since"] = dateJSON(sessions[i].activitySince);
+            agents[i]["hasWorked"] = sessions[i].hasWorked;
+            agents[i]["evidence"] = rawValue(model.agentWatch().evidence(sessions[i].id));
+        }
+    }
+
     JSON pendingActionJSON(const std::optional<ForcedEndAction::Pending>& pending)
     {
         if (!pending)
@@ -48,7 +59,7 @@ namespace {
         const auto& coordinator = model.coordinator();
         if (const auto* session = coordinator.state().activeSession())
             return startLine(*session) + " "
-                + liveLine(*session, coordinator.now(), model.agentCondition().get(), model.agents());
+                + standingLine(*session, coordinator.now(), model.agentCondition().get());
         const auto end = coordinator.state().lastEnd();
         if (!end)
             return localized("No session is running.");
@@ -198,6 +209,7 @@ JSON ControlService::status() const
         },
         dateJSON);
     const auto& conditions = coordinator.conditions();
+    addAgentDetails(json["agents"], model_);
     json["settings"] = toJSON(coordinator.settings());
     json["preferences"] = toJSON(model_.preferences());
     json["power"] = powerJSON(conditions.power);
@@ -329,7 +341,10 @@ JSON ControlService::set(const std::string& key, const std::string& value)
 
 JSON ControlService::describe() const
 {
-    JSON lines{sessionLine(model_), closedLidLine(model_)};
+    JSON lines{sessionLine(model_)};
+    for (const auto& agent : model_.agents().sessions())
+        lines.push_back(sinceLine(agent));
+    lines.push_back(closedLidLine(model_));
     if (const auto& pending = model_.forcedEndAction().pending())
         lines.push_back(notificationBody(pending->action));
     if (const auto simulation = simulationLine(model_); !simulation.empty())

@@ -35,6 +35,7 @@ void AppDelegate::didFinishLaunching()
     makeClosedLid();
     model_->agentIntegration().installCommand();
     model_->agentIntegration().refresh();
+    traceCorrections();
     listenToAgents();
     model_->forcedEndAction().perform = closedLid().performer();
     handleEvents();
@@ -85,7 +86,19 @@ void AppDelegate::receive(const AgentEvent& event)
         standardError::write("agent-event " + std::string{rawValue(event.agent)} + " "
             + std::string{rawValue(event.signal)} + " " + displayText(event.sessionID) + " "
             + displayText(event.cwd.value_or("-")));
-    model_->agents().record(event);
+    model_->agentWatch().record(event);
+}
+
+void AppDelegate::traceCorrections()
+{
+    if (!tracesAgents_)
+        return;
+    model_->agentWatch().onCorrection
+        = [](const std::string& sessionID, const AgentCorrection& correction, AgentEvidenceKind evidence) {
+              standardError::write("agent-correction " + displayText(sessionID) + " "
+                  + std::string{correction.activity ? rawValue(*correction.activity) : "sessionEnded"} + " "
+                  + std::string{rawValue(evidence)});
+          };
 }
 
 void AppDelegate::handleEvents()
@@ -118,6 +131,7 @@ void AppDelegate::followSystem()
 {
     auto& platform = environment_.platform;
     platform.sleep->onWillSleep = lifetime_.guard([this] { model_->coordinator().systemWillSleep(); });
+    platform.sleep->onDidWake = lifetime_.guard([this] { model_->agentWatch().look(); });
     model_->coordinator().updateLid(platform.lid->isClosedWithoutExternalDisplay());
     platform.lid->onChange = lifetime_.guard([this](bool closed) { model_->coordinator().updateLid(closed); });
 }

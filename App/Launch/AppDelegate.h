@@ -45,6 +45,7 @@ private:
     void makeClosedLid();
     void listenToAgents();
     void receive(const AgentEvent& event);
+    void traceCorrections();
     void handleEvents();
     void openUpdate();
     void followSystem();

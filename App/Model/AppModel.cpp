@@ -23,6 +23,13 @@ AppModel::AppModel(const AppEnvironment& environment)
     , loginItem_{environment.platform.login.get()}
     , updates_{environment.platform.updater.get()}
     , sessionShortcut_{*environment.platform.shortcut, environment.defaults}
+    , agentWatch_{agents_,
+          AgentWatch::System{
+              .files = environment.agentFiles,
+              .processes = environment.agentProcesses,
+              .clock = *environment.platform.time.clock,
+              .tasks = *environment.platform.time.tasks,
+          }}
     , forcedEndAction_{*environment.platform.time.tasks, *environment.platform.time.clock}
     , clock_{*environment.platform.time.clock, *environment.platform.time.tasks}
     , keptSettings_{coordinator_.settings()}
@@ -85,7 +92,7 @@ void AppModel::startUnconnected(const SessionPreferences& preferences)
     forcedEndAction_.cancel();
     agentCondition_.set(preferences.mode == SessionMode::agent
             ? std::make_shared<AgentEndCondition>(
-                  agents_, coordinator_.settings().agents, *environment_.platform.time.clock)
+                  agents_, coordinator_.settings().agents, *environment_.platform.time.clock, &agentWatch_)
             : nullptr);
     if (!coordinator_.start(plan, preferences.options, agentCondition_.get()))
         agentCondition_.set(nullptr);

@@ -3,6 +3,7 @@
 // App/Model: the one object that views read, what the user chose and its storage, and the facts that the panel shows.
 
 #include "App/Agents/AgentIntegration.h"
+#include "App/Agents/AgentWatch.h"
 #include "App/Agents/ForcedEndAction.h"
 #include "App/LoginItem/LoginItem.h"
 #include "App/Model/RunningCommands.h"
@@ -29,6 +30,9 @@ struct AppEnvironment {
     /// Absolute paths.
     std::filesystem::path home;
     std::filesystem::path supportDirectory;
+    /// Both outlive the model. Agents are real on a simulated laptop too.
+    AgentFiles& agentFiles = systemAgentFiles();
+    AgentProcesses& agentProcesses = systemAgentProcesses();
 };
 
 /// The one object that every view reads: it owns the session and its companions, and what the user prefers. An
@@ -44,6 +48,9 @@ public:
     const SessionCoordinator& coordinator() const { return coordinator_; }
     AgentTracker& agents() { return agents_; }
     const AgentTracker& agents() const { return agents_; }
+    /// What agents report comes in here.
+    AgentWatch& agentWatch() { return agentWatch_; }
+    const AgentWatch& agentWatch() const { return agentWatch_; }
     AgentIntegration& agentIntegration() { return agentIntegration_; }
     const AgentIntegration& agentIntegration() const { return agentIntegration_; }
     ForcedEndAction& forcedEndAction() { return forcedEndAction_; }
@@ -143,6 +150,7 @@ private:
     AppUpdates updates_;
     SessionShortcut sessionShortcut_;
     AgentTracker agents_;
+    AgentWatch agentWatch_;
     ForcedEndAction forcedEndAction_;
     ObservedClock clock_;
     RunningCommands commands_{*this};

@@ -1,5 +1,6 @@
 #include "App/Wording/AgentWording.h"
 
+#include "App/Wording/Format.h"
 #include "App/Wording/Localized.h"
 
 namespace vespra {
@@ -44,11 +45,22 @@ std::string notificationBody(AgentEndAction action)
     return localized("The Mac will shut down in 1 minute. Save your work.");
 }
 
+namespace {
+
+    /// "Claude Code (project)".
+    std::string agentName(const AgentSession& session)
+    {
+        auto name = std::string{displayName(session.agent)};
+        if (const auto folder = session.folderName())
+            name += " (" + *folder + ")";
+        return name;
+    }
+
+} // namespace
+
 std::string statusLine(const AgentSession& session)
 {
-    auto name = std::string{displayName(session.agent)};
-    if (const auto folder = session.folderName())
-        name += " (" + *folder + ")";
+    const auto name = agentName(session);
     switch (session.activity) {
     case AgentActivity::working:
         return localized("%1 is working", {name});
@@ -58,6 +70,21 @@ std::string statusLine(const AgentSession& session)
         break;
     }
     return localized("%1 is idle", {name});
+}
+
+std::string sinceLine(const AgentSession& session)
+{
+    const auto name = agentName(session);
+    const auto since = timeText(session.activitySince);
+    switch (session.activity) {
+    case AgentActivity::working:
+        return localized("%1 has been working since %2.", {name, since});
+    case AgentActivity::waitingForApproval:
+        return localized("%1 has been waiting for approval since %2.", {name, since});
+    case AgentActivity::idle:
+        break;
+    }
+    return localized("%1 has been idle since %2.", {name, since});
 }
 
 } // namespace vespra

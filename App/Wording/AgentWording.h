@@ -17,5 +17,7 @@ std::string notificationBody(AgentEndAction action);
 
 /// "Claude Code (project) is working".
 std::string statusLine(const AgentSession& session);
+/// "Claude Code (project) has been working since 14:03."
+std::string sinceLine(const AgentSession& session);
 
 } // namespace vespra

@@ -10,6 +10,8 @@ namespace vespra {
 
 namespace {
 
+    constexpr const char* separator = " · ";
+
     std::string clockText(const ActiveSession& session, Instant now)
     {
         const auto remaining = session.remaining(now);
@@ -59,13 +61,16 @@ std::string reportLine(const SessionEvent& event)
         });
 }
 
+std::string standingLine(const ActiveSession& session, Instant now, const AgentEndCondition* condition)
+{
+    const auto line = clockText(session, now);
+    return condition ? line + separator + phaseText(condition->phase(), now) : line;
+}
+
 std::string liveLine(
     const ActiveSession& session, Instant now, const AgentEndCondition* condition, const AgentTracker& tracker)
 {
-    constexpr const char* separator = " · ";
-    auto line = clockText(session, now);
-    if (condition)
-        line += separator + phaseText(condition->phase(), now);
+    auto line = standingLine(session, now, condition);
     for (const auto& agent : tracker.sessions())
         line += separator + statusLine(agent);
     return line;

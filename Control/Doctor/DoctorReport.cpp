@@ -72,6 +72,39 @@ namespace {
         return json;
     }
 
+    std::string evidenceText(const std::string& evidence)
+    {
+        if (evidence == "statusFile")
+            return "its own status file";
+        return evidence == "transcript" ? "its transcript" : "hooks only";
+    }
+
+    std::string line(const Agent& agent)
+    {
+        const auto activity = agent.activity == "waitingForApproval" ? "waiting for approval" : agent.activity;
+        return agent.id + (agent.folder.empty() ? "" : " in " + agent.folder) + ": " + activity + " since "
+            + agent.since + ", by " + evidenceText(agent.evidence);
+    }
+
+    std::string agentsText(const std::optional<std::vector<Agent>>& agents)
+    {
+        std::string text = "\nAgents\n";
+        if (!agents)
+            return text + "  unknown: the application does not answer\n";
+        for (const auto& agent : *agents)
+            text += "  " + line(agent) + "\n";
+        return agents->empty() ? text + "  none\n" : text;
+    }
+
+    JSON agentJSON(const Agent& agent)
+    {
+        return {{"id", agent.id},
+            {"folder", agent.folder},
+            {"activity", agent.activity},
+            {"since", agent.since},
+            {"evidence", agent.evidence}};
+    }
+
 } // namespace
 
 bool Inhibitor::covers(std::string_view one) const
@@ -120,6 +153,8 @@ std::string text(const Report& report, const std::string& application)
         if (!each.tellsAll && std::ranges::none_of(report.facts.inhibitors, isKnown))
             text += "  " + each.service + " does not answer\n";
     }
+    if (report.session)
+        text += agentsText(report.agents);
     text += "\nWhat could defeat a session\n";
     for (const auto& each : report.facts.threats)
         text += "  " + each + "\n";
@@ -149,6 +184,11 @@ std::string json(const Report& report, const std::string& application)
         if (report.session)
             service["verdict"] = rawValue(report.verdict(each, application));
         json["services"].push_back(service);
+    }
+    if (report.agents) {
+        json["agents"] = JSON::array();
+        for (const auto& agent : *report.agents)
+            json["agents"].push_back(agentJSON(agent));
     }
     json["threats"] = report.facts.threats;
     return json.dump(2, ' ', false, JSON::error_handler_t::replace) + "\n";

@@ -71,9 +71,23 @@ enum class Verdict {
     unknown,
 };
 
+/// An agent as the running application tracks it.
+struct Agent {
+    std::string id;
+    /// Empty if it has not told.
+    std::string folder;
+    /// "idle", "working" or "waitingForApproval".
+    std::string activity;
+    std::string since;
+    /// "statusFile", "transcript" or "hooks".
+    std::string evidence;
+};
+
 struct Report {
     std::optional<SessionMarker::Session> session;
     Facts facts;
+    /// Absent if no application answers.
+    std::optional<std::vector<Agent>> agents{};
 
     /// Whether `keeper` holds the running session's lock: listed, missing or unknown.
     Verdict verdict(const Keeper& keeper, const std::string& application) const;
