@@ -23,7 +23,7 @@ namespace {
     }
 
     /// Half of what a digit lacks of its cell stands on either side of it.
-    double padding(const QFontMetricsF& metrics, double cell, QChar character)
+    double cellPadding(const QFontMetricsF& metrics, double cell, QChar character)
     {
         return isDigit(character) ? (cell - metrics.horizontalAdvance(character)) / 2 : 0;
     }
@@ -70,7 +70,7 @@ QVector<QTextLayout::FormatRange> TextBlock::cells(const QFont& font, double tra
         // Letters that join would be torn apart.
         const bool joins = text[index].joiningType() != QChar::Joining_None;
         const auto next = index + 1 < text.size() && !joins ? text[index + 1] : QChar{};
-        return tracking + padding(metrics, cell, text[index]) + padding(metrics, cell, next);
+        return tracking + cellPadding(metrics, cell, text[index]) + cellPadding(metrics, cell, next);
     };
     QVector<QTextLayout::FormatRange> ranges;
     for (qsizetype index = 0; index < text.size(); ++index) {
@@ -108,7 +108,7 @@ double TextBlock::lead(const QTextLine& line) const
 {
     const QFontMetricsF metrics{layout_.font()};
     const auto text = layout_.text();
-    return text.isEmpty() ? 0 : padding(metrics, widestDigit(metrics), text[line.textStart()]);
+    return text.isEmpty() ? 0 : cellPadding(metrics, widestDigit(metrics), text[line.textStart()]);
 }
 
 QSizeF TextBlock::size() const
