@@ -193,6 +193,33 @@ TEST_F(AppModelTest, CommandsShareASessionAndItsOptionsGoWithTheLastThatAskedFor
     EXPECT_TRUE(isActive()) << "the user's";
 }
 
+TEST_F(AppModelTest, CommandsTakeBackNothingThatTheUserPrefers)
+{
+    laptop.set({{"helper", "ready"}});
+    constexpr RunningCommands::Wishes both{.keepsDisplayAwake = true, .closedLid = true};
+    constexpr SessionOptions on{.keepsDisplayAwake = true, .closedLid = true};
+    const auto begin = [this](const RunningCommands::Wishes& wishes) { return *model().commands().begin(wishes, {}); };
+    const auto options = [this] { return coordinator().state().activeSession()->options; };
+    for (const SessionOptions preferred : {SessionOptions{}, on}) {
+        prefer(SessionMode::timer, preferred);
+        const auto wishful = begin(both), plain = begin({});
+        EXPECT_EQ(options(), on);
+        model().commands().end(wishful);
+        EXPECT_EQ(options(), preferred);
+        model().commands().end(plain);
+        const auto alone = begin({});
+        EXPECT_EQ(options(), preferred);
+        model().commands().end(alone);
+    }
+    prefer(SessionMode::timer);
+    begin(both);
+    coordinator().stop(end::StoppedByUser{});
+    prefer(SessionMode::timer, on);
+    model().start();
+    model().commands().end(begin({}));
+    EXPECT_EQ(options(), on) << "in the user's next session";
+}
+
 TEST_F(AppModelTest, WhatFollowsTheAgentsIsSkippedOnceOrCalledOff)
 {
     setSettings([](auto& settings) { settings.agents = {.graceDelay = 0s, .endAction = AgentEndAction::sleepNow}; });
