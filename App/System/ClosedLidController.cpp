@@ -5,34 +5,21 @@
 
 namespace vespra {
 
-namespace {
-
-    /// A limit noticed this much too late means that the computer slept over it.
-    constexpr Seconds lateness = 3s;
-
-} // namespace
-
 ClosedLidController::ClosedLidController(SessionCoordinator& coordinator, ClosedLidEnvironment environment)
     : coordinator_{coordinator}
     , environment_{std::move(environment)}
     , log_{Brand::appBundleID(), "closed-lid"}
+    , requests_{environment_.connect, environment_.tasks, environment_.mainLoop}
 {
     mainThread::check();
+    requests_.onLost = lifetime_.guard([this] { connectionLost(); });
+    requests_.onSilent = lifetime_.guard([this] { dropConnection("aucune réponse dans le délai"); });
     environment_.service.onChange = lifetime_.guard([this] { refreshStatus(); });
     refreshStatus();
     requirementLoop_.emplace(environment_.mainLoop, [this] { followSession(); });
 }
 
 // The connection
-
-HelperConnection& ClosedLidController::connection()
-{
-    if (!connection_) {
-        connection_ = environment_.connect();
-        connection_->onInvalidation = lifetime_.guard([this] { connectionLost(); });
-    }
-    return *connection_;
-}
 
 /// The override has gone with the connection. A component that keeps disappearing is not restarted every time.
 void ClosedLidController::connectionLost()
@@ -51,45 +38,11 @@ void ClosedLidController::connectionLost()
 
 void ClosedLidController::dropConnection(const std::string& reason)
 {
-    if (connection_) {
-        connection_->onInvalidation = nullptr;
-        // Destroyed in a later turn, since it may be the caller.
-        environment_.mainLoop.post([ended = std::shared_ptr<HelperConnection>{std::move(connection_)}] { });
-    }
     heartbeatTask_.reset();
     const bool wasApplied = std::exchange(isApplied_, false);
-    for (const auto& request : std::exchange(requests_, {}))
-        request->giveUp(HelperUnreachable{reason});
+    requests_.drop(reason);
     if (wasApplied)
         setStatus(status_);
-}
-
-template <class Value, class Handle>
-void ClosedLidController::send(void (HelperXPCProtocol::*operation)(HelperReply<Value>), Seconds limit, Handle handle)
-{
-    const auto request = std::make_shared<Request>();
-    request->giveUp = [handle](const HelperUnreachable& error) { handle(std::unexpected{error}); };
-    limitWait(request, limit);
-    requests_.push_back(request);
-    auto& line = connection();
-    (line.*operation)(lifetime_.guard([this, handle, owed = std::weak_ptr{request}](const auto& reply) {
-        if (const auto answered = owed.lock(); answered && std::erase(requests_, answered) > 0)
-            handle(reply);
-    }));
-}
-
-/// If the computer slept meanwhile, the reply gets the whole limit again.
-void ClosedLidController::limitWait(const std::shared_ptr<Request>& request, Seconds limit)
-{
-    const auto due = environment_.tasks.continuousNow() + limit;
-    request->limit
-        = environment_.tasks.schedule(limit, lifetime_.guard([this, limit, due, waiting = std::weak_ptr{request}] {
-              const auto owed = waiting.lock();
-              if (owed && environment_.tasks.continuousNow() - due > lateness)
-                  limitWait(owed, limit);
-              else
-                  dropConnection("aucune réponse dans le délai");
-          }));
 }
 
 void ClosedLidController::setStatus(HelperStatus status)
@@ -224,7 +177,7 @@ void ClosedLidController::pollApproval()
 void ClosedLidController::ping()
 {
     const auto isOutdated = [this, refresh = refresh_] { return refresh != refresh_; };
-    send(&HelperXPCProtocol::protocolVersion,
+    requests_.send(&HelperXPCProtocol::protocolVersion,
         replyLimit,
         [this, isOutdated](const std::expected<std::int64_t, HelperUnreachable>& version) {
             if (isOutdated())
@@ -287,7 +240,8 @@ void ClosedLidController::apply()
     if (isChanging_ || isQuitting_)
         return;
     isChanging_ = true;
-    send(&HelperXPCProtocol::enableClosedLid, enableReplyLimit, [this](const auto& reply) { applied(reply); });
+    requests_.send(
+        &HelperXPCProtocol::enableClosedLid, enableReplyLimit, [this](const auto& reply) { applied(reply); });
 }
 
 void ClosedLidController::applied(const std::expected<HelperRefusal, HelperUnreachable>& reply)
@@ -313,7 +267,7 @@ void ClosedLidController::scheduleHeartbeat()
 void ClosedLidController::heartbeat()
 {
     scheduleHeartbeat();
-    send(&HelperXPCProtocol::heartbeat,
+    requests_.send(&HelperXPCProtocol::heartbeat,
         heartbeatReplyLimit,
         [this](const std::expected<bool, HelperUnreachable>& inForce) {
             if (!wantsApplied_ || isChanging_)
@@ -344,7 +298,7 @@ void ClosedLidController::sendRestore()
     if (wantsApplied_ || !isApplied_ || isChanging_ || isQuitting_)
         return;
     isChanging_ = true;
-    send(&HelperXPCProtocol::restoreSleep, replyLimit, [this](const auto& reply) { restored(reply); });
+    requests_.send(&HelperXPCProtocol::restoreSleep, replyLimit, [this](const auto& reply) { restored(reply); });
 }
 
 void ClosedLidController::restored(const std::expected<HelperRefusal, HelperUnreachable>& reply)
@@ -369,7 +323,7 @@ void ClosedLidController::restoreBeforeQuit(Seconds timeout)
     restoreTask_.reset();
     if (!isApplied_)
         return;
-    const auto reply = connection().restoreSleepAndWait(timeout);
+    const auto reply = requests_.connection().restoreSleepAndWait(timeout);
     if (!reply)
         log_.error("Helper injoignable : " + reply.error().description);
     else if (const auto& refusal = *reply)
@@ -386,7 +340,7 @@ void ClosedLidController::sleepNow()
 {
     if (!isReady(status_))
         return sleepDirectly();
-    send(&HelperXPCProtocol::sleepNow,
+    requests_.send(&HelperXPCProtocol::sleepNow,
         replyLimit,
         [this, due = environment_.tasks.continuousNow() + replyLimit](
             const std::expected<HelperRefusal, HelperUnreachable>& reply) {
@@ -404,7 +358,7 @@ void ClosedLidController::shutDown()
     if (!isReady(status_))
         return sleepNow();
     isShuttingDown_.set(true);
-    send(&HelperXPCProtocol::shutDown,
+    requests_.send(&HelperXPCProtocol::shutDown,
         replyLimit,
         [this, due = environment_.tasks.continuousNow() + replyLimit](
             const std::expected<HelperRefusal, HelperUnreachable>& reply) {
@@ -420,11 +374,11 @@ void ClosedLidController::shutDown()
         });
 }
 
-/// Whoever has started a session, or woken the computer, since something was asked of the component is not to be
-/// surprised by what would take its place. `due` is when the reply was.
+/// Whether it is too late for a substitute, such as a sleep in the place of a shutdown: the user has started a session
+/// or woken the computer since the request, and would be surprised. `due` is when the reply was due.
 bool ClosedLidController::isOvertaken(ContinuousInstant due) const
 {
-    return coordinator_.state().isActive() || environment_.tasks.continuousNow() - due > lateness;
+    return coordinator_.state().isActive() || environment_.tasks.continuousNow() - due > HelperRequests::lateness;
 }
 
 void ClosedLidController::sleepDirectly()

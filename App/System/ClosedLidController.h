@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/System/HelperConnection.h"
+#include "App/System/HelperRequests.h"
 #include "App/System/HelperService.h"
 #include "App/System/MachineFacts.h"
 #include "App/System/SystemPower.h"
@@ -38,7 +38,8 @@ public:
     static constexpr Seconds replyLimit = 25s;
     /// Enabling may wait for the user's password.
     static constexpr Seconds enableReplyLimit = 120s;
-    /// A heartbeat that is not answered by then may not have come, and the lease of the one before has run out.
+    /// Without an answer by then the heartbeat may have been lost, and the lease that the one before it renewed is
+    /// over.
     static constexpr Seconds heartbeatReplyLimit
         = ClosedLidLease<ContinuousInstant>::defaultTimeout - HelperXPC::heartbeatInterval;
 
@@ -59,19 +60,20 @@ public:
     void remove();
     /// Asks the system, and then the component, anew.
     void refreshStatus();
-    /// The same where closed-lid mode could not come into force.
+    /// `refreshStatus`, unless the component is ready.
     void refreshUnlessReady();
-    /// The status is being found out or changed, and may be another soon. Followed by observation loops.
+    /// The status is being asked for or changed, and may soon differ. Followed by observation loops.
     bool isSettling() const { return isAsking_.get() || isRegistering_.get(); }
 
-    /// It is being put into the system or taken out, which may take as long as the user does. Followed by observation
-    /// loops.
+    /// The component is being installed or removed; that can wait for the user, who may have to type a password.
+    /// Followed by observation loops.
     bool isRegistering() const { return isRegistering_.get(); }
 
-    /// Through the component; without it, directly. What the component refuses is not done otherwise.
+    /// Puts the computer to sleep: the component does it if it is ready, else the system as for any application. If the
+    /// component refuses, the computer stays awake.
     void sleepNow();
-    /// Through the component; without it, or refused, the machine sleeps instead. The override stays until it has
-    /// answered: a shut computer would sleep first.
+    /// Has the component shut the computer down; if it is not ready or refuses, puts the computer to sleep instead. The
+    /// override stays until the component has answered: without it, a computer with its lid shut would sleep at once.
     void shutDown();
     /// Carries out what follows an agent session.
     void perform(AgentEndAction action);
@@ -86,26 +88,15 @@ public:
     void restoreBeforeQuit(Seconds timeout);
 
 private:
-    /// A request whose reply is still owed.
-    struct Request {
-        std::function<void(const HelperUnreachable&)> giveUp;
-        std::unique_ptr<ScheduledTask> limit;
-    };
-
     struct Told {
         HelperStatus status = helper::NotInstalled{};
         bool isApplied = false;
         bool operator==(const Told&) const = default;
     };
 
-    HelperConnection& connection();
     void connectionLost();
     /// Gives up on every reply still owed, and on the override: the component takes it back.
     void dropConnection(const std::string& reason);
-    /// Sends one request. `handle` gets the reply, or unreachable: after `limit`, or when the connection ends.
-    template <class Value, class Handle>
-    void send(void (HelperXPCProtocol::*operation)(HelperReply<Value>), Seconds limit, Handle handle);
-    void limitWait(const std::shared_ptr<Request>& request, Seconds limit);
     void fail();
     void unreachable(const HelperUnreachable& error);
     void setStatus(HelperStatus status);
@@ -135,9 +126,10 @@ private:
     SessionCoordinator& coordinator_;
     ClosedLidEnvironment environment_;
     SystemLog log_;
-    std::unique_ptr<HelperConnection> connection_;
+    HelperRequests requests_;
     HelperStatus status_ = helper::NotInstalled{};
-    /// What the controller's own loop must not follow: the two as the coordinator and the views know them.
+    /// The status and the override as the views see and follow them. The controller's own loop uses `status_` and
+    /// `isApplied_`, which it changes itself and so must not follow.
     Observed<Told> told_;
     bool wantsApplied_ = false;
     bool isApplied_ = false;
@@ -153,7 +145,6 @@ private:
     Observed<bool> isShuttingDown_;
     /// When a connection was last lost that held the override.
     std::optional<ContinuousInstant> lastLoss_;
-    std::vector<std::shared_ptr<Request>> requests_;
     std::optional<ContinuousInstant> restoreNotBefore_;
     std::unique_ptr<ScheduledTask> heartbeatTask_;
     std::unique_ptr<ScheduledTask> approvalPollTask_;
