@@ -99,7 +99,7 @@ void addMachineCommand(CLI::App& vespractl, int& exitStatus)
     const auto first = std::make_shared<std::string>();
     setting->add_option("KEY=VALUE...", *first, "What to change; all of it or, if any of it is wrong, nothing")
         ->required();
-    // An option with several values would take brackets off them.
+    // Not as an option with several values: CLI11 would take brackets off them.
     setting->allow_extras();
     setting->callback([=, &exitStatus] {
         auto settings = setting->remaining();

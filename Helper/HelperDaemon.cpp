@@ -122,8 +122,8 @@ private:
         return enabled;
     }
 
-    /// Whether the lease goes on. Without an answer it does, up to its end: an authority that is just being restarted
-    /// takes nothing away.
+    /// Whether the lease goes on. If nobody can say, it is not renewed but lives to its end: an authority that is just
+    /// being restarted takes nothing away.
     bool renew(const Verdict& verdict, ContinuousInstant at)
     {
         if (verdict || (hasAuthenticated_ && verdict.error().reason == Reason::needsAuthentication))
@@ -140,7 +140,8 @@ private:
     ClientName name_;
     /// Counts the requests of the client that change the override: an authorization for an earlier one is ignored.
     int wish_ = 0;
-    /// Somebody has authenticated for this client, which has its right only by that.
+    /// A person has authenticated for this client, and its right depends on that: asked about it again, the authority
+    /// would say once more that a person is needed.
     bool hasAuthenticated_ = false;
     Lifetime lifetime_;
 };
@@ -206,8 +207,8 @@ void HelperDaemon::sleepNow(HelperReply<HelperRefusal> reply, int triesLeft)
     }));
 }
 
-/// The override goes last: without it, a lid that is shut would have the computer sleep instead. It goes although the
-/// shutdown may yet be stopped, by which time nobody is left to end it.
+/// The override ends after the shutdown was asked for: before, a computer with its lid shut would sleep instead. It
+/// ends even though something may still stop the shutdown, since by then no client may be left that ends it.
 HelperResult HelperDaemon::shutDown()
 {
     if (const auto asked = machine_.power.powerOff(); !asked)

@@ -58,7 +58,8 @@ HelperResult OverrideLeases::endAll()
     return restoreIfLast();
 }
 
-/// Also sets the task for what has not expired: a timer that fires too early costs nothing but another.
+/// Also sets the task for the leases that have not expired. So a timer that fires too early does no harm: it is set
+/// anew.
 void OverrideLeases::endExpired()
 {
     const auto now = tasks_.continuousNow();

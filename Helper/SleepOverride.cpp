@@ -67,8 +67,8 @@ HelperResult SleepOverride::restore()
     return settleStorage();
 }
 
-/// The setting is back by now: a storage that fails here costs the user nothing, and the record, true until the
-/// setting is changed again, is taken away later.
+/// Takes the record away once the setting is back. A failure costs the user nothing: what the record says is true until
+/// the next change of the setting, and it is taken away later.
 HelperResult SleepOverride::settleStorage()
 {
     if (!isEraseOwed_ && !isLedgerBad_)

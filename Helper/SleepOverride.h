@@ -17,9 +17,10 @@ public:
     /// leads to sleep being allowed. What fails stays owed. False: there was nothing.
     bool recover();
 
-    /// Again while it is in force: makes sure that it is. A failure leaves the original setting, or owes it.
+    /// Puts the override into force; if it is already, sets it once more. After a failure the original setting is in
+    /// force, or `isOwing` and will be put back.
     HelperResult apply();
-    /// A failure leaves the original owed; without an override it does nothing.
+    /// Puts the original setting back; without an override it does nothing. After a failure the original is still owed.
     HelperResult restore();
 
     bool isInForce() const { return isInForce_; }

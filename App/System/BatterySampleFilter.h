@@ -17,7 +17,7 @@ public:
     /// `onChange` receives each reading that is believed and differs from the one before.
     BatterySampleFilter(PowerSnapshot first, TaskScheduling& tasks, std::function<void(PowerSnapshot)> onChange);
 
-    /// At first `first`, but without its level if that is 0.
+    /// The reading that is believed. Until the first sample it is `first`, without its level if that is 0.
     PowerSnapshot believed() const { return believed_.value(); }
     void sample(PowerSnapshot reading);
     /// The machine has slept: for some minutes one jump to any level but 0 is believed. Readings from before the sleep

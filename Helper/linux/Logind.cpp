@@ -242,7 +242,7 @@ bool LogindPower::shouldSleepForLid()
         return false;
     const bool isOnCharger = manager_.flag("OnExternalPower").value_or(false);
     const auto onCharger = isOnCharger ? manager_.text("HandleLidSwitchExternalPower") : std::nullopt;
-    // The one for the charger is empty where it follows the other.
+    // HandleLidSwitchExternalPower is empty where HandleLidSwitch counts on the charger too.
     const auto action = onCharger && !onCharger->empty() ? onCharger : manager_.text("HandleLidSwitch");
     return meansSleep(action.value_or("suspend")) && !isLidHeldByOthers();
 }

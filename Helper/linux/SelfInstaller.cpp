@@ -79,7 +79,7 @@ std::vector<SelfInstaller::File> SelfInstaller::files(std::string program) const
     };
 }
 
-/// The way to the program as it is now has to lead to the one that is open.
+/// Checks that the program's path still leads to the file that is open: nobody has put another in its place.
 HelperResult SelfInstaller::checkProgram(int program) const
 {
     std::error_code error;

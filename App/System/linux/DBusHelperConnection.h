@@ -34,7 +34,7 @@ private:
     dbus::SignalWatch busEnd_;
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
-    /// The component that has gone, by its own name on the bus; empty: none has.
+    /// The unique bus name of the component that has gone; empty as long as none has.
     QString left_;
     bool isBusGone_ = false;
     Lifetime lifetime_;

@@ -33,7 +33,7 @@ private:
     void watchBus();
     /// Runs the application's own component as an administrator.
     void change(const QString& option, const std::function<void(std::expected<void, std::string>)>& done);
-    /// One change at a time, and none without a program. If so, `done` is told.
+    /// Whether no change can begin now: another is under way, or there is no program to run. If so, tells `done`.
     bool isRefused(const std::function<void(std::expected<void, std::string>)>& done);
     void ended(const std::function<void(std::expected<void, std::string>)>& done);
 
@@ -41,7 +41,7 @@ private:
     std::map<int, dbus::Call> calls_;
     int lastCall_ = 0;
     std::unique_ptr<QProcess> installer_;
-    /// The user has proved that they may. Where that counts only once, the component has it proved again each time.
+    /// The user has authenticated. Where polkit does not remember that, the component has them do it again each time.
     bool isApproved_ = false;
     QDBusConnection watched_{QString{}};
     std::optional<dbus::NameWatch> owner_;

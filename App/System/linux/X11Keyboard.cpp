@@ -14,7 +14,8 @@ namespace {
     constexpr xcb_keysym_t numLock = 0xff7f, scrollLock = 0xff14;
     constexpr xcb_keysym_t leftAlt = 0xffe9, rightAlt = 0xffea, leftSuper = 0xffeb, rightSuper = 0xffec;
 
-    /// The code of a key by its place, as every Linux keyboard has it; absent for what is no letter or digit.
+    /// The code of the key at the place that `key` has on a US keyboard; absent for what is no letter or digit. Linux
+    /// numbers the places alike on all keyboards.
     std::optional<xcb_keycode_t> usCode(char key)
     {
         constexpr std::pair<int, std::string_view> rows[]{

@@ -27,7 +27,7 @@ void X11Shortcut::set(Request request)
     const auto name = request.name;
     auto& shortcut = shortcuts_[name] = {.request = std::move(request), .grabs = {}};
     const auto outcome = grab(shortcut);
-    // What came in while an answer was waited for does not make the connection readable again.
+    // Events that xcb read while it waited for an answer are in its queue, and do not make the connection readable.
     mainLoop_.post(lifetime_.guard([this] { handleEvents(); }));
     notify(shortcut.request.onOutcome, outcome);
 }
@@ -114,8 +114,8 @@ void X11Shortcut::pressed(const xcb_key_press_event_t& event)
             pressed_ = {event.detail, name};
 }
 
-/// The modifiers may come up before it. A key that is held down is released and pressed again and again, as far as
-/// the server tells.
+/// The modifiers are not looked at: the user may release them before the key. While a key is held down the server
+/// repeats it, as a release followed by a press; only a key that is really up counts as released.
 void X11Shortcut::released(const xcb_key_release_event_t& event)
 {
     if (!pressed_ || event.detail != pressed_->code || isDown(event.detail))

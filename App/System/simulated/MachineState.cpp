@@ -14,7 +14,7 @@ namespace {
         std::string_view values;
         /// False for a value that it does not take.
         bool (*set)(MachineChange& change, std::string_view value);
-        /// Empty function: nothing that stays.
+        /// Empty for what happens once and is not part of the state.
         std::string (*get)(const MachineState& state);
     };
 

@@ -30,7 +30,7 @@ public:
     explicit SimulatedShortcut(SimulatedMachine& machine)
     {
         machine.onShortcut = lifetime_.guard([this] {
-            // One may change which there are.
+            // A copy: an action may set or clear shortcuts.
             for (const auto& [name, onKeyUp] : auto{actions_})
                 onKeyUp();
         });
