@@ -5,7 +5,6 @@
 #include "App/DesignSystem/Icon.h"
 #include "App/DesignSystem/TextBlock.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 #include <cmath>
@@ -26,15 +25,6 @@ namespace {
         setUp(static_cast<QAbstractButton&>(button), radius);
         // Return presses it too, in a window as in a dialog.
         button.setAutoDefault(true);
-    }
-
-    /// Return presses what has the focus, as Space does.
-    bool pressesByReturn(QAbstractButton& button, const QKeyEvent& event)
-    {
-        const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-        if (isReturn)
-            button.click();
-        return isReturn;
     }
 
 } // namespace
@@ -159,12 +149,6 @@ void Switch::paintEvent(QPaintEvent*)
     drawSwitch(painter, rect(), knob, controlState(*this), theme_.look.tokens());
 }
 
-void Switch::keyPressEvent(QKeyEvent* event)
-{
-    if (!pressesByReturn(*this, *event))
-        QCheckBox::keyPressEvent(event);
-}
-
 Segment::Segment(const Theme& theme)
     : theme_{theme}
     , follows_{theme, *this}
@@ -178,12 +162,6 @@ QSize Segment::sizeHint() const
     const double width = TextBlock{accessibleName(), theme_.look, TextStyle::medium}.size().width();
     const int padding = theme_.look.units(2 * measure::segmentPadding);
     return {static_cast<int>(std::ceil(width)) + padding, theme_.look.units(measure::segmentHeight)};
-}
-
-void Segment::keyPressEvent(QKeyEvent* event)
-{
-    if (!pressesByReturn(*this, *event))
-        QRadioButton::keyPressEvent(event);
 }
 
 /// A title that is too long for its segment is drawn smaller, and only then cut.

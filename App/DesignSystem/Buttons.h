@@ -76,7 +76,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     bool hitButton(const QPoint& place) const override { return rect().contains(place); }
 
 private:
@@ -97,7 +96,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     bool hitButton(const QPoint& place) const override { return rect().contains(place); }
 
 private:

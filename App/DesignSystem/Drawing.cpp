@@ -143,7 +143,7 @@ void drawSwitch(QPainter& painter, const QRectF& area, double knob, ControlState
     painter.setClipPath(rounded(area, area.height() / 2));
     shade(painter, place.translated(0, drop * point), size / 2, blur * point, darkness);
     painter.restore();
-    fill(painter, place, size / 2, tokens.knob);
+    fill(painter, place, size / 2, mixed(tokens.knob, tokens.knobOn, knob));
 }
 
 void drawSegments(QPainter& painter, const QRectF& area, double scale, const Tokens& tokens)

@@ -85,6 +85,8 @@ QFont Look::font(TextStyle style) const
     return font;
 }
 
+double Look::fontSize(TextStyle style) const { return scaled(letters(style).size); }
+
 double Look::lineHeight(TextStyle style) const
 {
     const auto letter = letters(style);

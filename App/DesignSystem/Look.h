@@ -35,6 +35,8 @@ public:
 
     const Tokens& tokens() const { return vespra::tokens(appearance()); }
     QFont font(TextStyle style) const;
+    /// In pixels of the layout, fractions included.
+    double fontSize(TextStyle style) const;
     /// From one baseline to the next, in pixels of the layout.
     double lineHeight(TextStyle style) const;
 

@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace vespra {
@@ -28,18 +29,33 @@ namespace {
         return isDigit(character) ? (cell - metrics.horizontalAdvance(character)) / 2 : 0;
     }
 
+    /// How many times as large a font has (nearly) a whole number of pixels.
+    double magnification(double pixels)
+    {
+        constexpr double near = 0.04, most = 8;
+        double times = 1;
+        while (times < most && std::abs(pixels * times - std::round(pixels * times)) > near)
+            times *= 2;
+        return times;
+    }
+
+    QFont magnified(QFont font, double pixels, double times)
+    {
+        font.setPixelSize(static_cast<int>(std::lround(pixels * times)));
+        return font;
+    }
+
+    /// Rounded to whole pixels as they may be, the metrics of a text would not put its lines in their middle.
     struct Vertical {
         double ascent, descent;
     };
-
-    /// At the size of texts the metrics are rounded to whole pixels, and lines would not stand in their middle.
     Vertical exactly(QFont font)
     {
         constexpr int large = 256;
-        const double size = font.pointSizeF() * QFontMetricsF{font}.fontDpi() / 72;
+        const double part = static_cast<double>(font.pixelSize()) / large;
         font.setPixelSize(large);
         const QFontMetricsF metrics{font};
-        return {metrics.ascent() * size / large, metrics.descent() * size / large};
+        return {metrics.ascent() * part, metrics.descent() * part};
     }
 
     /// Large letters stand closer.
@@ -52,18 +68,19 @@ namespace {
 } // namespace
 
 TextBlock::TextBlock(const QString& text, const Look& look, TextStyle style)
-    : layout_{text, look.font(style)}
-    , lineHeight_{look.lineHeight(style)}
+    : magnified_{magnification(look.fontSize(style))}
+    , lineHeight_{look.lineHeight(style) * magnified_}
+    , layout_{text, magnified(look.font(style), look.fontSize(style), magnified_)}
 {
     layout_.setCacheEnabled(true);
-    layout_.setFormats(cells(layout_.font(), tracking(style, look.scale())));
+    layout_.setFormats(cells(tracking(style, look.scale()) * magnified_));
     layOut(unlimited, QTextOption::NoWrap);
 }
 
 /// The space after each character.
-QVector<QTextLayout::FormatRange> TextBlock::cells(const QFont& font, double tracking) const
+QVector<QTextLayout::FormatRange> TextBlock::cells(double tracking) const
 {
-    const QFontMetricsF metrics{font};
+    const QFontMetricsF metrics{layout_.font()};
     const double cell = widestDigit(metrics);
     const auto text = layout_.text();
     const auto space = [&](qsizetype index) {
@@ -95,8 +112,8 @@ void TextBlock::layOut(double width, QTextOption::WrapMode mode)
     layout_.beginLayout();
     double top = 0;
     for (auto line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
-        line.setLineWidth(width);
-        const double height = std::max(lineHeight_, line.height());
+        line.setLineWidth(width * magnified_);
+        const double height = lineHeight(line);
         const double baseline = (height + vertical.ascent - vertical.descent) / 2;
         line.setPosition({0, top + baseline - line.ascent()});
         top += height;
@@ -111,15 +128,21 @@ double TextBlock::lead(const QTextLine& line) const
     return text.isEmpty() ? 0 : cellPadding(metrics, widestDigit(metrics), text[line.textStart()]);
 }
 
+/// Letters of another font, for a script that this one does not have, may be higher.
+double TextBlock::lineHeight(const QTextLine& line) const
+{
+    return lineHeight_ + std::max(0.0, line.height() - std::ceil(QFontMetricsF{layout_.font()}.height()));
+}
+
 QSizeF TextBlock::size() const
 {
     QSizeF size{0, 0};
     for (int index = 0; index < layout_.lineCount(); ++index) {
         const auto line = layout_.lineAt(index);
         size.setWidth(std::max(size.width(), lead(line) + line.naturalTextWidth()));
-        size.rheight() += std::max(lineHeight_, line.height());
+        size.rheight() += lineHeight(line);
     }
-    return size;
+    return size / magnified_;
 }
 
 void TextBlock::draw(QPainter& painter, const QRectF& area, Qt::Alignment alignment) const
@@ -127,14 +150,17 @@ void TextBlock::draw(QPainter& painter, const QRectF& area, Qt::Alignment alignm
     double top = area.top();
     if (!(alignment & Qt::AlignTop))
         top += (area.height() - size().height()) / (alignment & Qt::AlignBottom ? 1 : 2);
+    painter.save();
+    painter.translate(area.left(), top);
+    painter.scale(1 / magnified_, 1 / magnified_);
     for (int index = 0; index < layout_.lineCount(); ++index) {
         const auto line = layout_.lineAt(index);
-        const double space = area.width() - lead(line) - line.naturalTextWidth();
+        const double space = area.width() * magnified_ - lead(line) - line.naturalTextWidth();
         const double left = alignment & Qt::AlignRight ? space : alignment & Qt::AlignHCenter ? space / 2 : 0;
         // Where the line was laid out it stands at its own side of the width that it was given.
-        const double origin = line.naturalTextRect().left();
-        line.draw(&painter, {area.left() + left + lead(line) - origin, top});
+        line.draw(&painter, {left + lead(line) - line.naturalTextRect().left(), 0});
     }
+    painter.restore();
 }
 
 } // namespace vespra

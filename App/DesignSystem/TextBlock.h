@@ -23,11 +23,15 @@ public:
 
 private:
     void layOut(double width, QTextOption::WrapMode mode);
-    QVector<QTextLayout::FormatRange> cells(const QFont& font, double tracking) const;
+    QVector<QTextLayout::FormatRange> cells(double tracking) const;
     double lead(const QTextLine& line) const;
 
-    QTextLayout layout_;
+    double lineHeight(const QTextLine& line) const;
+
+    /// Fonts come in whole pixels only: others are laid out this many times as large, and drawn that much smaller.
+    double magnified_;
     double lineHeight_;
+    QTextLayout layout_;
 };
 
 } // namespace vespra

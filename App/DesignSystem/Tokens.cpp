@@ -15,7 +15,7 @@ namespace {
     QColor soft(unsigned value, unsigned alpha) { return rgb(value, alpha / 255.0); }
 
     const QColor none = rgb(0, 0);
-    constexpr double hairline = 0.5, strongHairline = 1;
+    constexpr double strongHairline = 1;
 
     Tokens light()
     {
@@ -28,7 +28,7 @@ namespace {
             .line = soft(0x000000, 0x14),
             .line2 = soft(0x000000, 0x26),
             .control = none,
-            .hairline = hairline,
+            .hairline = measure::hairline,
             .text = rgb(0x1B1922),
             .text2 = rgb(0x5F5B6B),
             .text3 = rgb(0x757083),
@@ -46,6 +46,7 @@ namespace {
             .infoSoft = soft(0x3F55B5, 0x17),
             .focus = rgb(0x7A5CFF),
             .knob = rgb(0xFFFFFF),
+            .knobOn = rgb(0xFFFFFF),
             .off = rgb(0x8E889D),
             .track = rgb(0xE9E6EE),
             .ring = rgb(0xBD7408),
@@ -65,7 +66,7 @@ namespace {
             .line = soft(0xFFFFFF, 0x14),
             .line2 = soft(0xFFFFFF, 0x2B),
             .control = none,
-            .hairline = hairline,
+            .hairline = measure::hairline,
             .text = rgb(0xF2F0F6),
             .text2 = rgb(0xABA6B8),
             .text3 = rgb(0x948FA2),
@@ -83,6 +84,7 @@ namespace {
             .infoSoft = soft(0x9DB0FF, 0x1F),
             .focus = rgb(0xA78BFF),
             .knob = rgb(0xFFFFFF),
+            .knobOn = rgb(0xFFFFFF),
             .off = rgb(0x7E7890),
             .track = rgb(0x393545),
             .ring = rgb(0xFFC65C),
@@ -92,8 +94,9 @@ namespace {
     }
 
     /// Lines that are seen, and nothing said in a paler voice.
-    Tokens strong(Tokens tokens, QColor line, QColor off)
+    Tokens strong(Tokens tokens, QColor line, QColor off, QColor knobOn)
     {
+        tokens.knobOn = knobOn;
         tokens.line = tokens.line2 = tokens.control = tokens.edge = line;
         tokens.hairline = strongHairline;
         tokens.text3 = tokens.text2;
@@ -107,8 +110,8 @@ namespace {
 const Tokens& tokens(const Appearance& appearance)
 {
     static const Tokens table[2][2] = {
-        {light(), strong(light(), rgb(0x5F5B6B), rgb(0x757083))},
-        {dark(), strong(dark(), rgb(0xABA6B8), rgb(0x948FA2))},
+        {light(), strong(light(), rgb(0x5F5B6B), rgb(0x757083), light().knob)},
+        {dark(), strong(dark(), rgb(0xABA6B8), rgb(0x948FA2), dark().onAccent)},
     };
     return table[appearance.isDark ? 1 : 0][appearance.hasHighContrast ? 1 : 0];
 }

@@ -17,7 +17,7 @@ struct Tokens {
     QColor accent, accentFill, onAccent, accentSoft; // as text; as ground, the text on it; behind an icon
     QColor ok, warn, bad, info;
     QColor okSoft, warnSoft, badSoft, infoSoft;
-    QColor focus, knob, off, track, ring; // of controls; the ring is also what a switch is when on
+    QColor focus, knob, knobOn, off, track, ring; // of controls; the ring is also what a switch is when on
     QColor edge, shadow; // of a window
 };
 
@@ -35,7 +35,7 @@ namespace measure {
     inline constexpr double stepperButton = 24, stepperRadius = 7, stepperValue = 64;
     inline constexpr double ringSize = 156, ringRadius = 70, ringStroke = 7, ringDots = 24;
     inline constexpr double noteRadius = 10, glyphSize = 26, glyphRadius = 7, iconSize = 16, dotSize = 7;
-    inline constexpr double focusWidth = 2, focusDistance = 2;
+    inline constexpr double focusWidth = 2, focusDistance = 2, hairline = 0.5;
     inline constexpr double settingsWidth = 640, onboardingWidth = 460;
 } // namespace measure
 

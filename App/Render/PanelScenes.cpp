@@ -1,6 +1,10 @@
 #include "App/Render/Scenes.h"
 
-#include "App/DesignSystem/Card.h"
+#include "App/Panel/Content/PanelContent.h"
+#include "App/Panel/PanelFrame.h"
+
+#include <QApplication>
+#include <QKeyEvent>
 
 #include <array>
 
@@ -40,18 +44,12 @@ namespace {
         stage.prefer([&](SessionPreferences& preferences) { preferences.untilTime = time; });
     }
 
-    void setUpClosedLid(Stage& stage)
-    {
-        stage.change([](MachineState& machine) { machine.helper = SimulatedHelperMode::ready; });
-    }
-
     // The states, numbered as in the files' names.
 
     void idleTimer(Stage& stage) { preferTimer(stage, 90min); }
 
     void blockedWithoutCharger(Stage& stage)
     {
-        setUpClosedLid(stage);
         preferUntil(stage, {18, 0}, {.keepsDisplayAwake = true, .closedLid = true});
         stage.waitUntil(16, 20);
         stage.change([](MachineState& machine) { machine.hasCharger = false; });
@@ -85,7 +83,6 @@ namespace {
     void agentsAtWork(Stage& stage)
     {
         roam(stage);
-        setUpClosedLid(stage);
         stage.connect(claudeCode);
         stage.connect(codex);
         stage.set([](SessionSettings& settings) { settings.agents.endAction = AgentEndAction::sleepNow; });
@@ -126,7 +123,6 @@ namespace {
     void closedLidBeingChecked(Stage& stage)
     {
         roam(stage);
-        setUpClosedLid(stage);
         preferUntil(stage, {20, 5});
         stage.waitUntil(17, 22, 30);
         stage.start();
@@ -145,7 +141,6 @@ namespace {
 
     void sleepCountsDown(Stage& stage)
     {
-        setUpClosedLid(stage);
         stage.set([](SessionSettings& settings) { settings.agents.endAction = AgentEndAction::sleepNow; });
         finishAgents(stage, 16, 30, 0);
         stage.waitUntil(16, 32, 18);
@@ -163,10 +158,27 @@ namespace {
 
     std::unique_ptr<QWidget> panel(Stage& stage)
     {
-        auto card = std::make_unique<Card>(stage.theme());
-        card->add(new Row{stage.theme(), "Duration", nullptr});
-        card->setFixedWidth(stage.theme().look.units(measure::panelWidth));
-        return card;
+        const auto makeContent = [&stage] {
+            auto* content = new PanelContent{stage.context(), stage.theme(), {}};
+            return PanelInterior{.widget = content, .setMaximumHeight = {}};
+        };
+        auto frame = std::make_unique<PanelFrame>(stage.theme(), makeContent);
+        const auto fit = [frame = frame.get()] {
+            frame->contentSize(QWIDGETSIZE_MAX);
+            frame->resize(frame->sizeHint());
+        };
+        fit();
+        frame->onContentResize = fit;
+        return frame;
+    }
+
+    /// Away from the button that has the focus, and back.
+    void useKeyboard(QWidget& panel)
+    {
+        for (const auto key : {Qt::Key_Backtab, Qt::Key_Tab}) {
+            QKeyEvent press{QEvent::KeyPress, key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier};
+            QApplication::sendEvent(panel.focusWidget(), &press);
+        }
     }
 
     constexpr std::array<Scene, 11> scenesOfPanel{{
@@ -178,7 +190,7 @@ namespace {
         {"panel-6", agentsAtWork, panel},
         {"panel-7", agentsFinished, panel},
         {"panel-8", closedLidBeingChecked, panel},
-        {"panel-9", closedLidAwaitsApproval, panel},
+        {"panel-9", closedLidAwaitsApproval, panel, {}, useKeyboard},
         {"panel-10", sleepCountsDown, panel},
         {"panel-11", runningHot, panel},
     }};

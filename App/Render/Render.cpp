@@ -39,6 +39,12 @@ namespace {
             tellAll(type, context, text);
     }
 
+    void settle(Stage& stage)
+    {
+        stage.settle();
+        QApplication::processEvents();
+    }
+
     bool draw(const Scene& scene, bool isDark, const QDir& folder)
     {
         QApplication::setLayoutDirection(scene.setup.isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
@@ -46,8 +52,12 @@ namespace {
         scene.play(stage);
         const auto surface = scene.surface(stage);
         surface->show();
-        stage.settle();
-        QApplication::processEvents();
+        surface->activateWindow();
+        settle(stage);
+        if (scene.use) {
+            scene.use(*surface);
+            settle(stage);
+        }
         bool isWritten = true;
         for (const int scale : {1, 2}) {
             const auto name

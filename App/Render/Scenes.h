@@ -16,6 +16,8 @@ struct Scene {
     std::unique_ptr<QWidget> (*surface)(Stage& stage);
     /// How its stage is set up besides light and dark.
     StageSetup setup = {};
+    /// What happens once the surface is shown; null: nothing.
+    void (*use)(QWidget& surface) = nullptr;
 };
 
 /// Those of one kind.

@@ -35,7 +35,10 @@ Stage::Stage(const StageSetup& setup, bool isDark)
           textFont(setup.textScale)}
     , theme_{.mainLoop = laptop_.mainLoop, .look = look_}
 {
-    change([&](MachineState& machine) { machine.appearance = look_.appearance(); });
+    change([&](MachineState& machine) {
+        machine.appearance = look_.appearance();
+        machine.helper = SimulatedHelperMode::ready;
+    });
     delegate_.didFinishLaunching();
     settle();
 }

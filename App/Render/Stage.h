@@ -17,7 +17,7 @@ struct StageSetup {
 };
 
 /// The whole application on a laptop in memory, on 21 November 2026 from 14:00 UTC on, with nothing kept from
-/// earlier runs. Nothing moves but by what a scene does. Main thread only.
+/// earlier runs and closed-lid mode set up. Nothing moves but by what a scene does. Main thread only.
 class Stage {
 public:
     Stage(const StageSetup& setup, bool isDark);
