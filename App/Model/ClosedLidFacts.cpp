@@ -61,7 +61,7 @@ namespace {
         if (!model.coordinator().state().isActive())
             return localized("Starts with the session");
         return checklist.helper == Item::ok ? localized("Sleep is being switched off")
-                                            : localized("Starts when the component is ready");
+                                            : localized("Waits for the component");
     }
 
     std::vector<CheckItem> checks(const AppModel& model, const ClosedLidStatus& status)

@@ -143,9 +143,10 @@ std::optional<Instant> finishingEnd(const AppModel& model)
 Notice finishingNotice(const AppModel& model, Instant end, Instant now)
 {
     constexpr std::string_view text = "Ends in %1 unless an agent starts again.";
-    const auto title = isSomeWaiting(model) ? localized("No agent is working") : localized("Agents finished");
+    const bool areDone = !isSomeWaiting(model);
+    const auto title = areDone ? localized("Agents finished") : localized("No agent is working");
     return {
-        .symbol = "checkmark.circle.fill",
+        .symbol = areDone ? "checkmark.circle.fill" : "hourglass",
         .title = title,
         .text = localized(text, {CountdownFormat::remaining(end - now)}),
         .spoken = title + ". " + localized(text, {spokenLeft(end - now)}),

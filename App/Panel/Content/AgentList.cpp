@@ -28,6 +28,7 @@ AgentList::AgentList(const PanelContext& context)
     viewport()->setAutoFillBackground(false);
     rows_->setAutoFillBackground(false);
     rows_->installEventFilter(this);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, viewport(), qOverload<>(&QWidget::update));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
     setAccessibleName(qtText(localized("Agents")));
     FocusRing::setRadius(*this, context_.theme.look.scaled(measure::cardRadius));
@@ -43,8 +44,10 @@ void AgentList::follow(const AppModel& model, const PanelClock& clock)
             const auto step = panelFacts::sinceStep(model.coordinator().now() - session.activitySince);
             auto& line = row(session.id);
             line.show(panelFacts::agentLine(session, clock.now(session.activitySince, step)), place == 0);
-            column_->removeWidget(&line);
-            column_->insertWidget(place++, &line);
+            // What stands where it belongs stays untouched.
+            if (column_->indexOf(&line) != place)
+                column_->insertWidget(place, &line);
+            ++place;
         }
     }
     context_.setShown(*this, isShown);
@@ -89,7 +92,25 @@ void AgentList::paintEvent(QPaintEvent* event)
 {
     QPainter painter{viewport()};
     drawCard(painter, viewport()->rect(), context_.theme.look.scale(), context_.theme.look.tokens());
+    drawThumb(painter);
     QScrollArea::paintEvent(event);
+}
+
+/// Says that there is more, and where.
+void AgentList::drawThumb(QPainter& painter) const
+{
+    constexpr double thickness = 3, inset = 4; // points
+    const auto& look = context_.theme.look;
+    const auto& bar = *verticalScrollBar();
+    if (bar.maximum() == 0)
+        return;
+    const double whole = bar.maximum() + bar.pageStep(), track = height() - 2 * look.scaled(inset);
+    const double width = look.scaled(thickness), top = look.scaled(inset) + track * bar.value() / whole;
+    const double left = isRightToLeft() ? look.scaled(inset) : this->width() - look.scaled(inset) - width;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look.tokens().text3);
+    painter.drawRoundedRect(QRectF{left, top, width, track * bar.pageStep() / whole}, width / 2, width / 2);
 }
 
 void AgentList::resizeEvent(QResizeEvent* event)

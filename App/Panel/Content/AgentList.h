@@ -26,6 +26,7 @@ private:
     AgentRow& row(const std::string& id);
     void dropOthers(const std::vector<AgentSession>& sessions);
     int rowsHeight() const;
+    void drawThumb(QPainter& painter) const;
 
     const PanelContext& context_;
     QWidget* rows_;

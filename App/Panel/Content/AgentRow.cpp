@@ -1,5 +1,7 @@
 #include "App/Panel/Content/AgentRow.h"
 
+#include "App/DesignSystem/Drawing.h"
+
 #include <QPainter>
 
 namespace vespra {
@@ -29,23 +31,28 @@ namespace {
 
 AgentRow::AgentRow(const Theme& theme)
     : theme_{theme}
+    , row_{new QHBoxLayout{this}}
     , name_{new Label{theme, TextStyle::strong}}
     , detail_{new Label{theme, TextStyle::caption, &Tokens::text2}}
     , activity_{new Activity{theme}}
-    , follows_{theme, *this}
+    , follows_{theme, *this, [this] { layOut(); }}
 {
-    const auto& look = theme.look;
-    const int padding = look.units(measure::rowPadding), edge = look.units(rowEdge);
-    auto* row = new QHBoxLayout{this};
-    row->setContentsMargins(padding, edge, padding, edge);
-    row->setSpacing(look.units(measure::rowGap));
-    row->addSpacing(look.units(measure::glyphSize + measure::rowGap));
     auto* texts = new QVBoxLayout;
     texts->setSpacing(0);
     texts->addWidget(name_);
     texts->addWidget(detail_);
-    row->addLayout(texts, 1);
-    row->addWidget(activity_);
+    row_->addLayout(texts, 1);
+    row_->addWidget(activity_);
+}
+
+void AgentRow::layOut()
+{
+    const auto& look = theme_.look;
+    const int side = look.units(measure::rowPadding), edge = look.units(rowEdge);
+    const int lead = side + look.units(measure::glyphSize + measure::rowGap);
+    const bool isMirrored = isRightToLeft();
+    row_->setContentsMargins(isMirrored ? side : lead, edge, isMirrored ? lead : side, edge);
+    row_->setSpacing(look.units(measure::rowGap));
     setMinimumHeight(look.units(measure::rowHeight));
 }
 
@@ -55,7 +62,7 @@ void AgentRow::show(const panelFacts::AgentLine& line, bool isFirst)
         return;
     line_ = line;
     isFirst_ = isFirst;
-    name_->show(breakable(line.name));
+    name_->show(line.name);
     detail_->show(line.detail);
     activity_->show(line.activity, ink(line.status));
     setAccessibleName(qtText(line.name + ", " + line.detail + ", " + line.activity));
@@ -76,7 +83,7 @@ void AgentRow::paintEvent(QPaintEvent*)
     const auto& look = theme_.look;
     const auto& tokens = look.tokens();
     if (!isFirst_)
-        painter.fillRect(QRectF{0, 0, static_cast<double>(width()), measure::hairline * look.scale()}, tokens.line);
+        drawHairline(painter, {0, 0}, width(), look.scale(), tokens);
     painter.setPen(Qt::NoPen);
     painter.setBrush(tokens.surface2);
     const double radius = look.scaled(measure::glyphRadius);

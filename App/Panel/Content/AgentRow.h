@@ -17,11 +17,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void layOut();
     QRectF glyphPlace() const;
 
     const Theme theme_;
     std::optional<panelFacts::AgentLine> line_;
     bool isFirst_ = true;
+    QHBoxLayout* row_;
     Label* name_;
     Label* detail_;
     Activity* activity_;

@@ -41,34 +41,39 @@ ClosedLidView::ClosedLidView(const PanelContext& context)
     , action_{new Button{context.theme, ButtonKind::plain, ButtonSize::small}}
     , row_{new Row{context.theme, localized("Closed-lid mode"), together(switch_, action_)}}
     , card_{new QWidget}
+    , opened_{new QHBoxLayout{card_}}
+    , lines_{new QVBoxLayout}
     , checks_{checkLine(context.theme), checkLine(context.theme), checkLine(context.theme), checkLine(context.theme)}
     , turnOff_{new Button{context.theme, ButtonKind::quiet, ButtonSize::small}}
+    , follows_{context.theme, *this, [this] { layOut(); }}
     , loop_{context.theme.mainLoop, [this] { show(panelFacts::closedLidRow(context_.model)); }}
 {
-    // Points.
-    constexpr double lineGap = 5, above = 2, below = 11;
-    const auto& look = context.theme.look;
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins({});
     column->setSpacing(0);
     column->addWidget(row_);
     column->addWidget(card_);
-
-    auto* opened = new QHBoxLayout{card_};
-    const int side = look.units(measure::rowPadding);
-    opened->setContentsMargins(side, look.units(above), side, look.units(below));
-    auto* lines = new QVBoxLayout;
-    lines->setSpacing(look.units(lineGap));
+    opened_->addLayout(lines_, 1);
+    opened_->addWidget(turnOff_, 0, Qt::AlignBottom);
     for (auto* line : checks_)
-        lines->addWidget(line);
-    opened->addLayout(lines, 1);
-    opened->addWidget(turnOff_, 0, Qt::AlignBottom);
+        lines_->addWidget(line);
 
-    switch_->setAccessibleName(qtText(localized("Closed-lid mode")));
+    const auto title = localized("Closed-lid mode");
+    switch_->setAccessibleName(qtText(title));
     switch_->onSwitch = [&model = context.model](bool isOn) { model.setClosedLid(isOn); };
     turnOff_->show(localized("Turn Off"));
     connect(turnOff_, &QPushButton::clicked, this, [this] { context_.model.setClosedLid(false); });
     connect(action_, &QPushButton::clicked, this, [this] { act(); });
+}
+
+void ClosedLidView::layOut()
+{
+    constexpr double lineGap = 5, above = 2, below = 11; // points
+    const auto& look = context_.theme.look;
+    const int side = look.units(measure::rowPadding);
+    opened_->setContentsMargins(side, look.units(above), side, look.units(below));
+    opened_->setSpacing(look.units(measure::rowGap));
+    lines_->setSpacing(look.units(lineGap));
 }
 
 void ClosedLidView::show(const panelFacts::ClosedLidRow& facts)

@@ -13,6 +13,7 @@ public:
     explicit ClosedLidView(const PanelContext& context);
 
 private:
+    void layOut();
     void show(const panelFacts::ClosedLidRow& facts);
     void showChecks(const std::vector<panelFacts::CheckItem>& checks);
     void act();
@@ -23,8 +24,11 @@ private:
     Button* action_;
     Row* row_;
     QWidget* card_;
+    QHBoxLayout* opened_;
+    QVBoxLayout* lines_;
     std::array<CheckLine*, 4> checks_;
     Button* turnOff_;
+    FollowsLook follows_;
     ObservationLoop loop_;
 };
 

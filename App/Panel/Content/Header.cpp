@@ -13,23 +13,27 @@ namespace vespra {
 namespace {
 
     // Points.
-    constexpr double headerHeight = 24, headerInset = 2, markWidth = 23, markGap = 8, gearSize = 28, gearOverhang = 4;
+    constexpr double headerHeight = 24, headerInset = 2, markWidth = 23, markGap = 8, gearSize = 28;
 
 } // namespace
 
 Header::Header(const PanelContext& context)
     : theme_{context.theme}
-    , follows_{context.theme, *this}
+    , row_{new QHBoxLayout{this}}
+    , follows_{context.theme, *this, [this] { layOut(); }}
 {
-    const auto& look = theme_.look;
-    auto* row = new QHBoxLayout{this};
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
-    row->addSpacing(look.units(headerInset + markWidth + markGap));
-    added(*row, new Label{theme_, TextStyle::strong}, 1).show(Brand::appName());
-    auto& gear = added(*row, new IconButton{theme_, "gearshape", gearSize, false});
+    row_->setSpacing(0);
+    added(*row_, new Label{theme_, TextStyle::strong}, 1).show(Brand::appName());
+    auto& gear = added(*row_, new IconButton{theme_, "gearshape", gearSize, false});
     gear.setName(localized("Settings…"));
     connect(&gear, &QPushButton::clicked, this, [&model = context.model] { notify(model.showSettings, std::nullopt); });
+}
+
+void Header::layOut()
+{
+    const auto& look = theme_.look;
+    const int lead = look.units(headerInset + markWidth + markGap);
+    isRightToLeft() ? row_->setContentsMargins(0, 0, lead, 0) : row_->setContentsMargins(lead, 0, 0, 0);
     setFixedHeight(look.units(headerHeight));
 }
 

@@ -3,6 +3,8 @@
 #include "App/DesignSystem/Buttons.h"
 #include "App/Panel/Content/PanelContext.h"
 
+class QHBoxLayout;
+
 namespace vespra {
 
 /// The mark, the application's name, and the way to the settings.
@@ -14,7 +16,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void layOut();
+
     const Theme theme_;
+    QHBoxLayout* row_;
     FollowsLook follows_;
 };
 

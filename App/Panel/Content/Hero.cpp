@@ -25,9 +25,11 @@ namespace {
 
 Hero::Hero(const PanelContext& context)
     : context_{context}
+    , column_{new QVBoxLayout{this}}
     , ring_{new Ring{context.theme}}
     , guardrails_{new Label{context.theme, TextStyle::caption, &Tokens::text2}}
     , command_{new Label{context.theme, TextStyle::caption, &Tokens::text2}}
+    , follows_{context.theme, *this, [this] { layOut(); }}
     , clock_{context.theme.mainLoop,
           [this, &model = context.model, &clock = context.clock] {
               const auto* session = model.coordinator().state().activeSession();
@@ -41,17 +43,19 @@ Hero::Hero(const PanelContext& context)
                  showLine(context_, *command_, panelFacts::commandLine(model));
              }}
 {
-    // Points.
-    constexpr double gap = 10, above = 4, below = 2;
-    const auto& look = context.theme.look;
-    auto* column = new QVBoxLayout{this};
-    column->setContentsMargins(0, look.units(above), 0, look.units(below));
-    column->setSpacing(look.units(gap));
-    column->addWidget(ring_, 0, Qt::AlignHCenter);
+    column_->addWidget(ring_, 0, Qt::AlignHCenter);
     for (auto* line : {guardrails_, command_}) {
         line->setAlignment(Qt::AlignCenter);
-        column->addWidget(line);
+        column_->addWidget(line);
     }
+}
+
+void Hero::layOut()
+{
+    constexpr double gap = 10, above = 4, below = 2; // points
+    const auto& look = context_.theme.look;
+    column_->setContentsMargins(0, look.units(above), 0, look.units(below));
+    column_->setSpacing(look.units(gap));
 }
 
 } // namespace vespra

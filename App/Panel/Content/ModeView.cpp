@@ -44,11 +44,14 @@ namespace {
 
 ModeView::ModeView(const PanelContext& context)
     : context_{context}
+    , column_{new QVBoxLayout{this}}
     , modes_{modePicker(context)}
     , setting_{new Card{context.theme}}
+    , row_{new QHBoxLayout{&setting_->add(new QWidget)}}
     , label_{new Label{context.theme, TextStyle::body}}
     , stepper_{new Stepper{context.theme}}
     , unlimited_{new Label{context.theme, TextStyle::caption, &Tokens::text2}}
+    , follows_{context.theme, *this, [this] { layOut(); }}
     , loop_{context.theme.mainLoop, [this, &model = context.model] {
                 context_.setShown(*this, !model.coordinator().state().isActive());
                 modes_->show(segment(model.preferences().mode));
@@ -56,27 +59,27 @@ ModeView::ModeView(const PanelContext& context)
                 showSetting(model);
             }}
 {
-    const auto& look = context.theme.look;
-    auto* column = new QVBoxLayout{this};
-    column->setContentsMargins({});
-    column->setSpacing(look.units(measure::panelGap));
-    column->addWidget(modes_);
-    column->addWidget(setting_);
-    column->addWidget(unlimited_);
-
-    auto& row = setting_->add(new QWidget);
-    row.setMinimumHeight(look.units(measure::rowHeight));
-    auto* layout = new QHBoxLayout{&row};
-    const int padding = look.units(measure::rowPadding);
-    layout->setContentsMargins(padding, 0, padding, 0);
-    layout->setSpacing(look.units(measure::rowGap));
-    layout->addWidget(label_, 1);
-    layout->addWidget(stepper_);
+    column_->setContentsMargins({});
+    column_->addWidget(modes_);
+    column_->addWidget(setting_);
+    column_->addWidget(unlimited_);
+    row_->addWidget(label_, 1);
+    row_->addWidget(stepper_);
     stepper_->onDecrement = step(context.model, &panelFacts::ModeSetting::decrement);
     stepper_->onIncrement = step(context.model, &panelFacts::ModeSetting::increment);
 
     unlimited_->setAlignment(Qt::AlignCenter);
     unlimited_->show(localized("Runs until you stop it. Guardrails still apply."));
+}
+
+void ModeView::layOut()
+{
+    const auto& look = context_.theme.look;
+    const int padding = look.units(measure::rowPadding);
+    column_->setSpacing(look.units(measure::panelGap));
+    row_->setContentsMargins(padding, 0, padding, 0);
+    row_->setSpacing(look.units(measure::rowGap));
+    row_->parentWidget()->setMinimumHeight(look.units(measure::rowHeight));
 }
 
 void ModeView::showSetting(const AppModel& model)

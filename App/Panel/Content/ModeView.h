@@ -13,14 +13,18 @@ public:
     explicit ModeView(const PanelContext& context);
 
 private:
+    void layOut();
     void showSetting(const AppModel& model);
 
     const PanelContext& context_;
+    QVBoxLayout* column_;
     SegmentedControl* modes_;
     Card* setting_;
+    QHBoxLayout* row_;
     Label* label_;
     Stepper* stepper_;
     Label* unlimited_;
+    FollowsLook follows_;
     ObservationLoop loop_;
 };
 

@@ -1,5 +1,8 @@
 #include "App/Panel/Content/NoticeView.h"
 
+#include <QAccessibleWidget>
+#include <QVBoxLayout>
+
 namespace vespra {
 
 namespace {
@@ -11,6 +14,13 @@ namespace {
         return qtText(notice.text.empty() ? notice.title : notice.title + ". " + notice.text);
     }
 
+    /// Screen readers say an alert as soon as it is there.
+    QAccessibleInterface* accessibleNotice(const QString&, QObject* object)
+    {
+        auto* notice = dynamic_cast<NoticeView*>(object);
+        return notice ? new QAccessibleWidget{notice, QAccessible::AlertMessage} : nullptr;
+    }
+
 } // namespace
 
 NoticeView::NoticeView(const PanelContext& context, NoteKind kind, QWidget* control, Facts facts)
@@ -18,6 +28,7 @@ NoticeView::NoticeView(const PanelContext& context, NoteKind kind, QWidget* cont
     , note_{new Note{context.theme, kind, control}}
     , loop_{context.theme.mainLoop, [this, facts = std::move(facts)] { show(facts()); }}
 {
+    QAccessible::installFactory(accessibleNotice);
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins({});
     column->addWidget(note_);
@@ -27,14 +38,13 @@ void NoticeView::show(const std::optional<panelFacts::Notice>& notice)
 {
     if (!notice)
         return context_.setShown(*this, false);
-    note_->show(notice->symbol, breakable(notice->title), breakable(notice->text));
-    const auto name = spoken(*notice);
     const bool isNew = isHidden();
-    if (name != note_->accessibleName())
-        note_->setAccessibleName(name);
+    note_->show(notice->symbol, notice->title, notice->text);
+    if (const auto name = spoken(*notice); name != accessibleName())
+        setAccessibleName(name);
     context_.setShown(*this, true);
     if (isNew)
-        announce(*note_);
+        announce(*this);
 }
 
 } // namespace vespra

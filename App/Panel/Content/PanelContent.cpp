@@ -109,7 +109,8 @@ void PanelContent::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
     clock_.setShown(true);
-    buttons_->takeFocus();
+    if (!buttons_->takeFocus())
+        focusNextChild();
 }
 
 void PanelContent::hideEvent(QHideEvent* event)

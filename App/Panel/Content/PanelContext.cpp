@@ -1,24 +1,10 @@
 #include "App/Panel/Content/PanelContext.h"
 
 #include <QAccessible>
-#include <QTextBoundaryFinder>
 
 namespace vespra {
 
 namespace {
-
-    /// Longer words may be broken.
-    constexpr qsizetype longestWord = 14;
-    constexpr QChar zeroWidthSpace{0x200B};
-
-    QString brokenUp(const QString& word)
-    {
-        QString text;
-        QTextBoundaryFinder graphemes{QTextBoundaryFinder::Grapheme, word};
-        for (qsizetype from = 0, to = 0; (to = graphemes.toNextBoundary()) >= 0; from = to)
-            text += (from > 0 ? QString{zeroWidthSpace} : QString{}) + word.mid(from, to - from);
-        return text;
-    }
 
     bool hasFocusInside(const QWidget& part)
     {
@@ -43,15 +29,6 @@ void announce(QWidget& part)
 {
     QAccessibleEvent event{&part, QAccessible::Alert};
     QAccessible::updateAccessibility(&event);
-}
-
-std::string breakable(const std::string& text)
-{
-    auto words = qtText(text).split(QLatin1Char(' '));
-    for (auto& word : words)
-        if (word.size() > longestWord)
-            word = brokenUp(word);
-    return words.join(QLatin1Char(' ')).toStdString();
 }
 
 } // namespace vespra

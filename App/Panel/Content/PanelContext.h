@@ -48,7 +48,4 @@ struct PanelContext {
 /// Has a screen reader say what `part` tells now.
 void announce(QWidget& part);
 
-/// The same text for the eyes, broken anywhere inside words that no line can hold.
-std::string breakable(const std::string& text);
-
 } // namespace vespra

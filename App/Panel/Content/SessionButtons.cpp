@@ -10,6 +10,8 @@ namespace vespra {
 
 namespace {
 
+    constexpr double buttonGap = 8; // points
+
     Button* sessionButton(const PanelContext& context, ButtonKind kind, const std::string& text, void (*act)(AppModel&))
     {
         auto* button = new Button{context.theme, kind};
@@ -30,19 +32,18 @@ namespace {
 
 SessionButtons::SessionButtons(const PanelContext& context)
     : context_{context}
+    , row_{new QHBoxLayout{this}}
     , start_{sessionButton(context, ButtonKind::primary, localized("Start"), [](AppModel& model) { model.start(); })}
     , extend_{sessionButton(
           context, ButtonKind::plain, localized("+15 min"), [](AppModel& model) { model.coordinator().extend(); })}
     , stop_{sessionButton(context, ButtonKind::stop, localized("Stop"),
           [](AppModel& model) { model.coordinator().stop(end::StoppedByUser{}); })}
+    , follows_{context.theme, *this, [this] { row_->setSpacing(context_.theme.look.units(buttonGap)); }}
     , loop_{context.theme.mainLoop, [this, &model = context.model, &clock = context.clock] { follow(model, clock); }}
 {
-    constexpr double gap = 8; // points
-    auto* row = new QHBoxLayout{this};
-    row->setContentsMargins({});
-    row->setSpacing(context.theme.look.units(gap));
+    row_->setContentsMargins({});
     for (auto* button : {start_, extend_, stop_})
-        row->addWidget(button, 1);
+        row_->addWidget(button, 1);
 }
 
 void SessionButtons::follow(const AppModel& model, const PanelClock& clock)
@@ -63,11 +64,12 @@ void SessionButtons::follow(const AppModel& model, const PanelClock& clock)
         takeFocus();
 }
 
-void SessionButtons::takeFocus() const
+bool SessionButtons::takeFocus() const
 {
     auto* button = start_->isHidden() ? stop_ : start_;
     if (button->isEnabled())
         button->setFocus(Qt::OtherFocusReason);
+    return button->isEnabled();
 }
 
 void SessionButtons::pressReturn() const
