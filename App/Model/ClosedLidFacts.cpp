@@ -1,6 +1,7 @@
 #include "App/Model/ClosedLidFacts.h"
 
 #include "App/Model/AppModel.h"
+#include "App/System/ClosedLidController.h"
 #include "App/Wording/ClosedLidWording.h"
 #include "App/Wording/Localized.h"
 #include "Core/Session/Guardrails.h"
@@ -97,11 +98,13 @@ ClosedLidRow closedLidRow(const AppModel& model)
     const bool isOn = model.isClosedLidOn();
     const auto status = model.coordinator().closedLidStatus(isOn);
     const auto [action, isOpen] = attention(status, isOn);
+    const bool isRegistering = model.closedLid() && model.closedLid()->isRegistering();
     return {
         .isOn = isOn,
         .canSwitch = isOn || !std::holds_alternative<closedLid::Unsupported>(status),
-        .status = message(status),
+        .status = isRegistering ? localized("Checking…") : message(status),
         .action = action,
+        .canAct = !isRegistering,
         .checks = isOpen ? checks(model, status) : std::vector<CheckItem>{},
     };
 }

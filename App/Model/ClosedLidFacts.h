@@ -31,6 +31,7 @@ struct ClosedLidRow {
     std::string status;
     /// Stands in the place of the switch while the component needs the user.
     std::optional<ComponentAction> action;
+    bool canAct = true; // not while the action is under way
     /// Empty while everything is as it should be.
     std::vector<CheckItem> checks;
     bool operator==(const ClosedLidRow&) const = default;

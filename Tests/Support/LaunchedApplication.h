@@ -11,7 +11,7 @@
 namespace vespra {
 
 /// The whole application on a virtual laptop, with a home directory of its own.
-class LaunchedApplication : public testing::Test {
+template <class Application> class LaunchedApplicationOf : public testing::Test {
 protected:
     void make(AppSurfaces* surfaces = nullptr)
     {
@@ -73,12 +73,13 @@ protected:
         laptop.settle();
     }
 
-    QtApplication application;
+    QtApplicationOf<Application> application;
     TemporaryDirectory home;
     MemoryDefaults defaults;
     VirtualPlatform laptop;
     std::vector<std::string> events;
     std::optional<AppDelegate> delegate;
 };
+using LaunchedApplication = LaunchedApplicationOf<QCoreApplication>;
 
 } // namespace vespra

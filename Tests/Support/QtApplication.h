@@ -4,8 +4,8 @@
 
 namespace vespra {
 
-/// Qt's event loop for one test.
-class QtApplication {
+/// Qt's event loop for one test; of a `QApplication`, there are windows too.
+template <class Application> class QtApplicationOf {
 public:
     /// Takes turns until `isDone`. A test that waits for what never comes ends by ctest's time limit.
     template <class Predicate> static void runUntil(Predicate isDone)
@@ -18,7 +18,8 @@ private:
     int argumentCount_ = 1;
     char program_[6] = "tests";
     char* arguments_[2] = {program_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    Application application_{argumentCount_, arguments_};
 };
+using QtApplication = QtApplicationOf<QCoreApplication>;
 
 } // namespace vespra

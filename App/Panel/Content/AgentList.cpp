@@ -2,12 +2,12 @@
 
 #include "App/DesignSystem/Drawing.h"
 #include "App/DesignSystem/Focus.h"
+#include "App/DesignSystem/ScrollArea.h"
 #include "App/Wording/Localized.h"
 
 #include <QEvent>
 #include <QPainter>
 #include <QResizeEvent>
-#include <QScrollBar>
 
 namespace vespra {
 
@@ -20,18 +20,17 @@ AgentList::AgentList(const PanelContext& context)
 {
     column_->setContentsMargins({});
     column_->setSpacing(0);
+    dressScrollBars(context.theme, *this);
     setWidget(rows_);
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
     rows_->setAutoFillBackground(false);
     rows_->installEventFilter(this);
-    connect(verticalScrollBar(), &QScrollBar::valueChanged, viewport(), qOverload<>(&QWidget::update));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
     setAccessibleName(qtText(localized("Agents")));
-    FocusRing::setRadius(*this, context_.theme.look.scaled(measure::cardRadius));
+    FocusRing::setRadius(*this, measure::cardRadius);
 }
 
 void AgentList::follow(const AppModel& model, const PanelClock& clock)
@@ -42,8 +41,9 @@ void AgentList::follow(const AppModel& model, const PanelClock& clock)
         dropOthers(sessions);
         for (int place = 0; const auto& session : sessions) {
             const auto step = panelFacts::sinceStep(model.coordinator().now() - session.activitySince);
-            auto& line = row(session.id);
-            line.show(panelFacts::agentLine(session, clock.now(session.activitySince, step)), place == 0);
+            const auto facts = panelFacts::agentLine(session, clock.now(session.activitySince, step));
+            auto& line = row(session.id, facts.glyph);
+            line.show(facts, place == 0);
             // What stands where it belongs stays untouched.
             if (column_->indexOf(&line) != place)
                 column_->insertWidget(place, &line);
@@ -53,11 +53,11 @@ void AgentList::follow(const AppModel& model, const PanelClock& clock)
     context_.setShown(*this, isShown);
 }
 
-AgentRow& AgentList::row(const std::string& id)
+AgentRow& AgentList::row(const std::string& id, std::string_view glyph)
 {
     auto& found = shown_[id];
     if (!found)
-        column_->addWidget(found = new AgentRow{context_.theme});
+        column_->addWidget(found = new AgentRow{context_.theme, glyph});
     return *found;
 }
 
@@ -88,29 +88,14 @@ QSize AgentList::minimumSizeHint() const
     return {0, std::min(rowsHeight(), context_.theme.look.units(rows * measure::rowHeight))};
 }
 
-void AgentList::paintEvent(QPaintEvent* event)
+/// The ground lies below the bar as well.
+bool AgentList::event(QEvent* event)
 {
-    QPainter painter{viewport()};
-    drawCard(painter, viewport()->rect(), context_.theme.look.scale(), context_.theme.look.tokens());
-    drawThumb(painter);
-    QScrollArea::paintEvent(event);
-}
-
-/// Says that there is more, and where.
-void AgentList::drawThumb(QPainter& painter) const
-{
-    constexpr double thickness = 3, inset = 4; // points
-    const auto& look = context_.theme.look;
-    const auto& bar = *verticalScrollBar();
-    if (bar.maximum() == 0)
-        return;
-    const double whole = bar.maximum() + bar.pageStep(), track = height() - 2 * look.scaled(inset);
-    const double width = look.scaled(thickness), top = look.scaled(inset) + track * bar.value() / whole;
-    const double left = isRightToLeft() ? look.scaled(inset) : this->width() - look.scaled(inset) - width;
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(look.tokens().text3);
-    painter.drawRoundedRect(QRectF{left, top, width, track * bar.pageStep() / whole}, width / 2, width / 2);
+    if (event->type() == QEvent::Paint) {
+        QPainter painter{this};
+        drawCard(painter, rect(), context_.theme.look.scale(), context_.theme.look.tokens());
+    }
+    return QScrollArea::event(event);
 }
 
 void AgentList::resizeEvent(QResizeEvent* event)

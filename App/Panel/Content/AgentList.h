@@ -17,16 +17,15 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    bool event(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void follow(const AppModel& model, const PanelClock& clock);
-    AgentRow& row(const std::string& id);
+    AgentRow& row(const std::string& id, std::string_view glyph);
     void dropOthers(const std::vector<AgentSession>& sessions);
     int rowsHeight() const;
-    void drawThumb(QPainter& painter) const;
 
     const PanelContext& context_;
     QWidget* rows_;

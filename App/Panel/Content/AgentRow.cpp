@@ -1,6 +1,7 @@
 #include "App/Panel/Content/AgentRow.h"
 
 #include "App/DesignSystem/Drawing.h"
+#include "App/DesignSystem/Glyph.h"
 
 #include <QPainter>
 
@@ -29,7 +30,7 @@ namespace {
 
 } // namespace
 
-AgentRow::AgentRow(const Theme& theme)
+AgentRow::AgentRow(const Theme& theme, std::string_view glyph)
     : theme_{theme}
     , row_{new QHBoxLayout{this}}
     , name_{new Label{theme, TextStyle::strong}}
@@ -37,6 +38,7 @@ AgentRow::AgentRow(const Theme& theme)
     , activity_{new Activity{theme}}
     , follows_{theme, *this, [this] { layOut(); }}
 {
+    row_->addWidget(new Glyph{theme, std::string{glyph}});
     auto* texts = new QVBoxLayout;
     texts->setSpacing(0);
     texts->addWidget(name_);
@@ -49,9 +51,7 @@ void AgentRow::layOut()
 {
     const auto& look = theme_.look;
     const int side = look.units(measure::rowPadding), edge = look.units(rowEdge);
-    const int lead = side + look.units(measure::glyphSize + measure::rowGap);
-    const bool isMirrored = isRightToLeft();
-    row_->setContentsMargins(isMirrored ? side : lead, edge, isMirrored ? lead : side, edge);
+    row_->setContentsMargins(side, edge, side, edge);
     row_->setSpacing(look.units(measure::rowGap));
     setMinimumHeight(look.units(measure::rowHeight));
 }
@@ -69,32 +69,11 @@ void AgentRow::show(const panelFacts::AgentLine& line, bool isFirst)
     update();
 }
 
-QRectF AgentRow::glyphPlace() const
-{
-    const auto& look = theme_.look;
-    const double size = look.scaled(measure::glyphSize), padding = look.scaled(measure::rowPadding);
-    return {isRightToLeft() ? width() - padding - size : padding, (height() - size) / 2, size, size};
-}
-
 void AgentRow::paintEvent(QPaintEvent*)
 {
     QPainter painter{this};
-    painter.setRenderHint(QPainter::Antialiasing);
-    const auto& look = theme_.look;
-    const auto& tokens = look.tokens();
     if (!isFirst_)
-        drawHairline(painter, {0, 0}, width(), look.scale(), tokens);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(tokens.surface2);
-    const double radius = look.scaled(measure::glyphRadius);
-    painter.drawRoundedRect(glyphPlace(), radius, radius);
-    auto font = look.font(TextStyle::section);
-    constexpr double smaller = 11.0 / 12;
-    font.setPointSizeF(font.pointSizeF() * smaller);
-    painter.setFont(font);
-    painter.setPen(tokens.text2);
-    const auto glyph = line_ ? line_->glyph : std::string_view{};
-    painter.drawText(glyphPlace(), Qt::AlignCenter, qtText(std::string{glyph}));
+        drawHairline(painter, {0, 0}, width(), theme_.look.scale(), theme_.look.tokens());
 }
 
 } // namespace vespra

@@ -9,7 +9,8 @@ namespace vespra {
 /// One agent: where it works, since when it does what it does now, and what that is.
 class AgentRow final : public QWidget {
 public:
-    explicit AgentRow(const Theme& theme);
+    /// `glyph` stands for the agent.
+    AgentRow(const Theme& theme, std::string_view glyph);
 
     void show(const panelFacts::AgentLine& line, bool isFirst);
 
@@ -18,7 +19,6 @@ protected:
 
 private:
     void layOut();
-    QRectF glyphPlace() const;
 
     const Theme theme_;
     std::optional<panelFacts::AgentLine> line_;

@@ -1,6 +1,6 @@
 #include "App/Panel/Content/ClosedLidView.h"
 
-#include "App/System/ClosedLidController.h"
+#include "App/Model/ComponentFacts.h"
 #include "App/Wording/Localized.h"
 
 namespace vespra {
@@ -85,6 +85,7 @@ void ClosedLidView::show(const panelFacts::ClosedLidRow& facts)
     switch_->setAccessibleDescription(qtText(facts.status));
     if (facts.action)
         action_->show(title(*facts.action));
+    action_->setEnabled(facts.canAct);
     context_.setShown(*action_, facts.action.has_value());
     context_.setShown(*switch_, !facts.action);
     context_.setShown(*turnOff_, facts.action && facts.isOn);
@@ -100,19 +101,12 @@ void ClosedLidView::showChecks(const std::vector<panelFacts::CheckItem>& checks)
 
 void ClosedLidView::act()
 {
-    const auto controller = context_.model.closedLid();
-    if (!controller || !offered_)
+    if (!offered_)
         return;
-    switch (*offered_) {
-    case panelFacts::ComponentAction::setUp:
+    // What the system asks the user must not lie below the panel.
+    if (*offered_ != panelFacts::ComponentAction::retry)
         notify(context_.hidePanel);
-        return controller->install();
-    case panelFacts::ComponentAction::approve:
-        notify(context_.hidePanel);
-        return controller->openApproval();
-    case panelFacts::ComponentAction::retry:
-        return controller->refreshStatus();
-    }
+    componentFacts::perform(context_.model, *offered_);
 }
 
 } // namespace vespra
