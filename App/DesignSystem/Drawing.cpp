@@ -42,7 +42,7 @@ namespace {
     /// Nearer to what stands on it the more it is touched.
     QColor touched(const QColor& color, ControlState state, const QColor& standsOnIt)
     {
-        constexpr double hovered = 0.05, pressed = 0.11;
+        constexpr double hovered = 0.035, pressed = 0.07;
         if (!state.isEnabled)
             return color;
         return mixed(color, standsOnIt, state.isPressed ? pressed : state.isHovered ? hovered : 0);

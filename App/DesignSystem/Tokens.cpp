@@ -32,7 +32,7 @@ namespace {
             .text = rgb(0x1B1922),
             .text2 = rgb(0x5F5B6B),
             .text3 = rgb(0x757083),
-            .accent = rgb(0xA66200),
+            .accent = rgb(0x9C5C00),
             .accentFill = rgb(0xF4B13E),
             .onAccent = rgb(0x2A1B00),
             .accentSoft = soft(0xF4B13E, 0x33),
