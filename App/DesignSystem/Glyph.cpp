@@ -22,9 +22,7 @@ void Glyph::paintEvent(QPaintEvent*)
     painter.setPen(Qt::NoPen);
     painter.setBrush(look.tokens().surface2);
     painter.drawRoundedRect(rect(), look.scaled(measure::glyphRadius), look.scaled(measure::glyphRadius));
-    auto font = look.font(TextStyle::section);
-    font.setPointSizeF(font.pointSizeF() * 11 / 12);
-    painter.setFont(font);
+    painter.setFont(look.font(TextStyle::glyph));
     painter.setPen(look.tokens().text2);
     painter.drawText(rect(), Qt::AlignCenter, letters_);
 }

@@ -96,7 +96,6 @@ QWidget* makeBrandView(const SettingsSurface& surface)
     version.show(settingFacts::versionText());
     for (auto* label : {&name, &version})
         label->setAlignment(Qt::AlignCenter);
-    version.setTextInteractionFlags(Qt::TextSelectableByMouse);
     return view;
 }
 
