@@ -26,7 +26,7 @@ PopupButton::PopupButton(const Theme& theme, const std::vector<std::string>& tit
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    FocusRing::setRadius(*this, theme.look.scaled(measure::smallButtonRadius));
+    FocusRing::setRadius(*this, measure::smallButtonRadius);
     connect(
         this, &QComboBox::activated, this, [this](int index) { notify(onChoose, static_cast<std::size_t>(index)); });
 }

@@ -12,7 +12,7 @@ namespace vespra {
 
 namespace {
 
-    constexpr double padding = 24, gap = 12, buttonGap = 8;
+    constexpr double sheetPadding = 24, sheetGap = 12, sheetButtonGap = 8;
     constexpr double textPadding = 7;
 
 } // namespace
@@ -29,13 +29,13 @@ Sheet::Sheet(const Theme& theme, const std::string& title, QWidget& parent)
     setAttribute(Qt::WA_DeleteOnClose);
     const auto& look = theme.look;
     auto* column = new QVBoxLayout{this};
-    const int edge = look.units(padding);
+    const int edge = look.units(sheetPadding);
     column->setContentsMargins(edge, edge, edge, edge);
-    column->setSpacing(look.units(gap));
-    contents_->setSpacing(look.units(gap));
+    column->setSpacing(look.units(sheetGap));
+    contents_->setSpacing(look.units(sheetGap));
     column->addLayout(contents_, 1);
     column->addLayout(buttons_);
-    buttons_->setSpacing(look.units(buttonGap));
+    buttons_->setSpacing(look.units(sheetButtonGap));
     buttons_->addStretch();
 }
 
@@ -77,7 +77,7 @@ QWidget* makeTextView(const Theme& theme, const std::string& name, const std::st
     view->setFrameShape(QFrame::NoFrame);
     // Code and licences are written from left to right in every language.
     view->setLayoutDirection(Qt::LeftToRight);
-    FocusRing::setRadius(*view, theme.look.scaled(measure::buttonRadius));
+    FocusRing::setRadius(*view, measure::buttonRadius);
     follow(*view, theme, [view, lines, &look = theme.look] {
         auto font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
         const auto body = look.font(TextStyle::caption);

@@ -18,6 +18,9 @@ public:
     /// Closes the sheet and calls `action`, which may be empty. The last primary one is what Return presses.
     Button& addButton(const std::string& text, ButtonKind kind, std::function<void()> action = {});
 
+protected:
+    void paintEvent(QPaintEvent*) override { ground_.paint(); }
+
 private:
     const Theme theme_;
     QVBoxLayout* contents_;

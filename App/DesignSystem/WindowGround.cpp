@@ -1,5 +1,7 @@
 #include "App/DesignSystem/WindowGround.h"
 
+#include <QPainter>
+
 namespace vespra {
 
 namespace {
@@ -21,10 +23,13 @@ namespace {
 } // namespace
 
 WindowGround::WindowGround(const Theme& theme, QWidget& window)
-    : loop_{theme.mainLoop, [&look = theme.look, &window] { window.setPalette(palette(look.tokens())); }}
+    : theme_{theme}
+    , window_{window}
+    , loop_{theme.mainLoop, [&look = theme.look, &window] { window.setPalette(palette(look.tokens())); }}
 {
-    window.setAutoFillBackground(true);
     new FocusRing{theme, window};
 }
+
+void WindowGround::paint() const { QPainter{&window_}.fillRect(window_.rect(), theme_.look.tokens().window); }
 
 } // namespace vespra

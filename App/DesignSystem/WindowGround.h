@@ -10,7 +10,12 @@ class WindowGround {
 public:
     WindowGround(const Theme& theme, QWidget& window);
 
+    /// For the window's `paintEvent`.
+    void paint() const;
+
 private:
+    const Theme theme_;
+    QWidget& window_;
     ObservationLoop loop_;
 };
 

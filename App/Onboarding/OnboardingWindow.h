@@ -25,6 +25,7 @@ public:
     std::function<void()> onFinish;
 
 protected:
+    void paintEvent(QPaintEvent*) override { ground_.paint(); }
     void closeEvent(QCloseEvent* event) override;
     bool event(QEvent* event) override;
 

@@ -23,6 +23,7 @@ struct Scene {
 /// Those of one kind.
 std::span<const Scene> panelScenes();
 std::span<const Scene> controlScenes();
+std::span<const Scene> settingsScenes();
 
 /// All there are, in the order in which they are drawn.
 std::vector<Scene> scenes();

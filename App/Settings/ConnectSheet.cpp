@@ -2,7 +2,6 @@
 
 #include "App/Agents/HookTexts.h"
 #include "App/DesignSystem/Note.h"
-#include "App/DesignSystem/Sheet.h"
 #include "App/Wording/Localized.h"
 #include "HelperProtocol/PropertyList.h"
 
@@ -36,7 +35,7 @@ namespace {
 
 } // namespace
 
-void openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& window)
+Sheet& openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& window)
 {
     const auto& theme = surface.theme;
     const auto hooks = surface.model.agentIntegration().hookFile(agent);
@@ -56,6 +55,7 @@ void openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& 
     });
     sheet->setFixedWidth(theme.look.units(width));
     sheet->open();
+    return *sheet;
 }
 
 } // namespace vespra

@@ -19,6 +19,7 @@ public:
     std::function<void()> onClose;
 
 protected:
+    void paintEvent(QPaintEvent*) override { ground_.paint(); }
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;

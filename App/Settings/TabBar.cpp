@@ -38,7 +38,7 @@ TabBar::TabBar(const Theme& theme)
     setUsesScrollButtons(false);
     setElideMode(Qt::ElideNone);
     setMouseTracking(true);
-    FocusRing::setRadius(*this, theme.look.scaled(measure::buttonRadius));
+    FocusRing::setRadius(*this, measure::buttonRadius);
     connect(this, &QTabBar::currentChanged, this, [this](int index) { notify(onChoose, tabOf(index)); });
 }
 
