@@ -33,16 +33,26 @@ namespace {
         return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? std::nullopt : std::optional{QCursor::pos()};
     }
 
+    std::unique_ptr<StatusNotifierItem> published(QObject& object, bool hasTitle)
+    {
+        const auto id = QString::fromStdString(Brand::appName());
+        const auto menu = QString::fromLatin1(TrayMenu::path);
+        if (hasTitle)
+            return std::make_unique<LabelledStatusNotifierItem>(&object, id, menu);
+        return std::make_unique<StatusNotifierItem>(&object, id, menu);
+    }
+
 } // namespace
 
 LinuxStatusItem::LinuxStatusItem(MainLoop& mainLoop, const AppearanceMonitoring& appearance)
-    : mainLoop_{mainLoop}
+    : hasTitle_{!desktop::isCurrent("MATE")}
+    , mainLoop_{mainLoop}
     , appearance_{appearance}
     , bus_{dbus::sessionBus()}
-    , item_{&itemObject_, qtText(Brand::appName()), QString::fromLatin1(TrayMenu::path)}
+    , item_{published(itemObject_, hasTitle_)}
     , menu_{&menuObject_}
 {
-    item_.onActivate = [this](QPoint told) { activated(told); };
+    item_->onActivate = [this](QPoint told) { activated(told); };
     menu_.onChoose = [this](StatusMenuAction action) { chosen(action); };
 }
 
@@ -55,46 +65,54 @@ LinuxStatusItem::~LinuxStatusItem()
 StatusItem::Features LinuxStatusItem::features() const
 {
     using enum StatusMenuAction;
-    // MATE's panel shows the text in the place of the icon.
-    return {.hasTitle = !desktop::isCurrent("MATE"),
-        .hasToolTip = true,
-        .menu = {openPanel, toggleSession, openSettings, quit}};
+    return {.hasTitle = hasTitle_, .hasToolTip = true, .menu = {openPanel, toggleSession, openSettings, quit}};
 }
 
 void LinuxStatusItem::show(const StatusItemContent& content)
 {
     isActive_.set(content.isActive);
-    item_.setTitle(qtText(content.accessibilityLabel));
-    item_.setToolTip(qtText(content.toolTip.value_or("")));
-    item_.setLabel(qtText(content.title.value_or("")).trimmed()); // panels keep it apart from the icon themselves
+    item_->setTitle(qtText(content.accessibilityLabel));
+    item_->setToolTip(qtText(content.toolTip.value_or("")));
+    item_->setLabel(qtText(content.title.value_or("")).trimmed()); // panels keep it apart from the icon themselves
     menu_.setEntries(content.menu);
-    if (registration_)
+    if (iconLoop_)
         return;
     iconLoop_.emplace(mainLoop_, [this] { drawIcon(); });
-    bus_.registerObject(QString::fromLatin1(StatusNotifierItem::path), &itemObject_, QDBusConnection::ExportAdaptors);
-    bus_.registerObject(QString::fromLatin1(TrayMenu::path), &menuObject_, QDBusConnection::ExportAdaptors);
-    registration_.emplace(bus_, [this](Presence presence) { setPresence(presence); });
+    publish();
+}
+
+void LinuxStatusItem::publish()
+{
+    const auto put = [this](const char* path, QObject& object) {
+        return bus_.registerObject(QString::fromLatin1(path), &object, QDBusConnection::ExportAdaptors);
+    };
+    if (put(StatusNotifierItem::path, itemObject_) && put(TrayMenu::path, menuObject_))
+        registration_.emplace(bus_, [this](Presence presence) { setPresence(presence); });
+    else
+        setPresence(Presence::absent); // there is no bus
 }
 
 void LinuxStatusItem::drawIcon()
 {
     const std::pair next{isActive_.get(), trayColors(appearance_.current())};
     if (std::exchange(drawn_, next) != next)
-        item_.setIcon(trayImages(next.first, next.second));
+        item_->setIcon(trayImages(next.first, next.second));
 }
 
 void LinuxStatusItem::activated(QPoint told)
 {
-    if (const auto clicked = clickedPlace(told, pointer(), screens()))
+    if (const auto clicked = clickedPlace(told, pointer(), screens())) {
         place_ = clicked;
+        isPlaceClicked_ = true;
+    }
     notify(onClick, Click::primary);
 }
 
 /// In a later turn, so that the panel has its answer even if the application ends.
 void LinuxStatusItem::chosen(StatusMenuAction action)
 {
-    if (!place_)
-        place_ = pointer(); // near the item, under which the menu is
+    if (!isPlaceClicked_)
+        place_ = pointer(); // near the item, which the menu hangs from
     mainLoop_.post(lifetime_.guard([this, action] { notify(onChoose, action); }));
 }
 

@@ -27,19 +27,22 @@ public:
     std::optional<QRect> visibleFrame() const override;
 
 private:
+    void publish();
     void drawIcon();
     void activated(QPoint told);
     void chosen(StatusMenuAction action);
     std::optional<TrayScreen> screen() const;
 
+    bool hasTitle_;
     MainLoop& mainLoop_;
     const AppearanceMonitoring& appearance_;
     QDBusConnection bus_;
     /// What is registered on the bus: adaptors publish what they are children of.
     QObject itemObject_, menuObject_;
-    StatusNotifierItem item_;
+    std::unique_ptr<StatusNotifierItem> item_;
     TrayMenu menu_;
-    std::optional<QPoint> place_; // of the last click
+    std::optional<QPoint> place_; // on the item, or at least near it
+    bool isPlaceClicked_ = false;
     Observed<bool> isActive_;
     std::optional<std::pair<bool, TrayColors>> drawn_;
     std::optional<ObservationLoop> iconLoop_;

@@ -34,7 +34,7 @@ void StatusNotifierItem::setToolTip(const QString& text)
         Q_EMIT NewToolTip();
 }
 
-void StatusNotifierItem::setLabel(const QString& label)
+void LabelledStatusNotifierItem::setLabel(const QString& label)
 {
     if (std::exchange(label_, label) != label)
         Q_EMIT XAyatanaNewLabel(label_, labelGuide());

@@ -21,7 +21,7 @@ struct TrayToolTip {
 };
 
 /// The item as the desktop's panel reads it. Signals only tell what has changed. Main thread only.
-class StatusNotifierItem final : public QDBusAbstractAdaptor {
+class StatusNotifierItem : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
     Q_PROPERTY(QString Category READ category)
@@ -39,8 +39,6 @@ class StatusNotifierItem final : public QDBusAbstractAdaptor {
     Q_PROPERTY(vespra::TrayToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
-    Q_PROPERTY(QString XAyatanaLabel READ label)
-    Q_PROPERTY(QString XAyatanaLabelGuide READ labelGuide)
 
 public:
     static constexpr auto path = "/StatusNotifierItem";
@@ -54,8 +52,8 @@ public:
     void setIcon(TrayImages icon);
     void setTitle(const QString& title);
     void setToolTip(const QString& text);
-    /// Beside the icon; empty: none.
-    void setLabel(const QString& label);
+    /// Beside the icon; empty: none. Does nothing in an item without a label.
+    virtual void setLabel(const QString&) { }
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
     QString id() const { return id_; }
@@ -66,9 +64,6 @@ public:
     TrayToolTip toolTip() const { return {.iconName = {}, .icon = {}, .title = id_, .text = toolTip_}; }
     bool itemIsMenu() const { return false; }
     QDBusObjectPath menu() const { return QDBusObjectPath{menuPath_}; }
-    QString label() const { return label_; }
-    /// As wide as the label gets, so that the panel's other items stand still.
-    QString labelGuide() const { return QStringLiteral("0:00:00"); }
     QString none() const { return {}; }
     TrayImages noIcon() const { return {}; }
 
@@ -83,12 +78,34 @@ Q_SIGNALS:
     void NewIcon();
     void NewTitle();
     void NewToolTip();
-    void XAyatanaNewLabel(const QString& label, const QString& guide);
 
 private:
     QString id_, menuPath_;
     TrayImages icon_;
-    QString title_, toolTip_, label_;
+    QString title_, toolTip_;
+};
+
+/// The same with a text beside the icon. MATE's panel shows the text in the place of the icon, even an empty one, so an
+/// item there must not so much as have the property.
+class LabelledStatusNotifierItem final : public StatusNotifierItem {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
+    Q_PROPERTY(QString XAyatanaLabel READ label)
+    Q_PROPERTY(QString XAyatanaLabelGuide READ labelGuide)
+
+public:
+    using StatusNotifierItem::StatusNotifierItem;
+
+    void setLabel(const QString& label) override;
+    QString label() const { return label_; }
+    /// As wide as the label gets, so that the panel's other items stand still.
+    QString labelGuide() const { return QStringLiteral("0:00:00"); }
+
+Q_SIGNALS:
+    void XAyatanaNewLabel(const QString& label, const QString& guide);
+
+private:
+    QString label_;
 };
 
 } // namespace vespra

@@ -43,7 +43,7 @@ namespace {
         }
     }
 
-    TrayImage published(const QImage& image)
+    TrayImage onBus(const QImage& image)
     {
         const auto drawn = image.convertToFormat(QImage::Format_ARGB32);
         TrayImage result{drawn.width(), drawn.height(), QByteArray{drawn.sizeInBytes(), Qt::Uninitialized}};
@@ -86,7 +86,7 @@ TrayImages trayImages(bool isActive, const TrayColors& colors)
 {
     TrayImages images;
     for (const int size : sizes)
-        images.push_back(published(trayIcon(size, isActive, colors)));
+        images.push_back(onBus(trayIcon(size, isActive, colors)));
     return images;
 }
 

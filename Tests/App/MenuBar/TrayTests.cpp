@@ -57,11 +57,14 @@ namespace {
             return bus().deeds().count("RegisterStatusNotifierItem");
         }
 
+        Tray() { qputenv("XDG_CURRENT_DESKTOP", "KDE"); }
+
         QDBusConnection panel = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "panel");
         std::string heard;
         QtMainLoop mainLoop;
         AppearanceByHand appearance;
-        LinuxStatusItem item{mainLoop, appearance};
+        std::unique_ptr<LinuxStatusItem> made = std::make_unique<LinuxStatusItem>(mainLoop, appearance);
+        LinuxStatusItem& item = *made;
         StatusItemContent content{.accessibilityLabel = "Vespra",
             .toolTip = "No session",
             .menu = {{StatusMenuAction::toggleSession, "Start_it"}, {StatusMenuAction::openSettings, "Settings…"}}};
@@ -128,6 +131,19 @@ TEST_F(Tray, HearsOfWhatChangedAndNothingElse)
     EXPECT_EQ(signalled(), "NewIcon ");
     appearance.update({.isDark = true, .reducesMotion = true});
     EXPECT_EQ(signalled(), "");
+}
+
+TEST_F(Tray, ShowsNoTextWhereThatHidesTheIcon)
+{
+    item.show(content);
+    EXPECT_TRUE(property("XAyatanaLabel").isValid());
+    qputenv("XDG_CURRENT_DESKTOP", "MATE");
+    made.reset();
+    LinuxStatusItem mates{mainLoop, appearance};
+    EXPECT_FALSE(mates.features().hasTitle);
+    mates.show(content);
+    EXPECT_FALSE(property("XAyatanaLabel").isValid());
+    EXPECT_EQ(property("Title"), "Vespra");
 }
 
 TEST_F(Tray, OffersTheMenu)
