@@ -1,11 +1,15 @@
 #include "App/MenuBar/linux/TrayPlace.h"
 
+#include <algorithm>
+
 namespace vespra {
 
 namespace {
 
     /// Thicker than panels are: a place at the left edge and within this is none that a panel means.
     constexpr int thickestPanel = 64;
+    /// As long and broad as items are in most panels.
+    constexpr int usualItem = 28;
 
     /// Absent if the pixel is on no screen. Screens begin where they do in pixels.
     std::optional<QPoint> qtPoint(QPoint pixel, const std::vector<TrayScreen>& screens)
@@ -50,7 +54,11 @@ QRect itemFrame(QPoint place, const TrayScreen& screen)
         return along(all.left(), free.left() - 1);
     if (place.x() > free.right())
         return along(free.right() + 1, all.right());
-    return {place, QSize{1, 1}};
+    QRect around{0, 0, usualItem, usualItem};
+    around.moveCenter(place);
+    around.moveTop(std::clamp(around.top(), all.top(), all.bottom() + 1 - usualItem));
+    around.moveLeft(std::clamp(around.left(), all.left(), all.right() + 1 - usualItem));
+    return around;
 }
 
 } // namespace vespra

@@ -23,8 +23,8 @@ struct TrayScreen {
 std::optional<QPoint> clickedPlace(
     QPoint told, const std::optional<QPoint>& pointer, const std::vector<TrayScreen>& screens);
 
-/// What the item takes of the screen's panel around a place: as long as the panel is thick. A place that windows may
-/// take, as that over a panel that hides, is all there is known of it.
+/// What the item takes of the screen around a place on it: as much as the panel there is thick. Where windows may be,
+/// for the panel hides or the desktop does not tell of it, as much as items take in most panels.
 QRect itemFrame(QPoint place, const TrayScreen& screen);
 
 } // namespace vespra

@@ -34,7 +34,10 @@ TEST(TrayPlace, LiesInThePanelOfItsScreen)
     EXPECT_EQ(itemFrame({900, 790}, left), QRect(884, 768, 32, 32));
     EXPECT_EQ(itemFrame({1290, 300}, right), QRect(1280, 285, 30, 30));
     EXPECT_EQ(itemFrame({2260, 300}, right), QRect(2240, 280, 40, 40));
-    EXPECT_EQ(itemFrame({900, 28}, left), QRect(900, 28, 1, 1));
+    const TrayScreen bare{.geometry = {0, 0, 1280, 800}, .available = {0, 0, 1280, 800}};
+    EXPECT_EQ(itemFrame({900, 40}, bare), QRect(887, 27, 28, 28));
+    EXPECT_EQ(itemFrame({1279, 0}, bare), QRect(1252, 0, 28, 28));
+    EXPECT_EQ(itemFrame({0, 799}, bare), QRect(0, 772, 28, 28));
 }
 
 } // namespace vespra
