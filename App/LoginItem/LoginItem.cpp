@@ -8,6 +8,8 @@ LoginItem::LoginItem(LoginService* service)
     : service_{service}
     , log_{Brand::appBundleID(), "login"}
 {
+    if (service_)
+        service_->onChange = lifetime_.guard([this] { refresh(); });
 }
 
 void LoginItem::refresh()

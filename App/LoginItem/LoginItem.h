@@ -1,6 +1,7 @@
 #pragma once
 
 #include "App/System/LoginService.h"
+#include "Core/Lifetime.h"
 #include "Core/Observation/Observed.h"
 #include "Log/SystemLog.h"
 
@@ -11,6 +12,8 @@ class LoginItem {
 public:
     /// `service` outlives it; null: a preview, which never touches the system.
     explicit LoginItem(LoginService* service);
+    LoginItem(const LoginItem&) = delete;
+    LoginItem& operator=(const LoginItem&) = delete;
 
     bool isPreview() const { return !service_; }
 
@@ -20,7 +23,8 @@ public:
     bool requiresApproval() const { return requiresApproval_.get(); }
     void refresh();
 
-    /// Refreshes afterwards, so `isEnabled` tells whether it worked. A failure is logged.
+    /// Refreshes afterwards, and again once the desktop has asked the user, so `isEnabled` tells whether it worked. A
+    /// failure is logged.
     void setEnabled(bool enabled);
 
     /// Takes the user to where the system asks for the approval.
@@ -31,6 +35,7 @@ private:
     SystemLog log_;
     Observed<bool> isEnabled_{false};
     Observed<bool> requiresApproval_{false};
+    Lifetime lifetime_;
 };
 
 } // namespace vespra

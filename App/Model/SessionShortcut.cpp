@@ -91,6 +91,8 @@ void SessionShortcut::answered(const GlobalShortcut::Outcome& outcome)
     switch (outcome.error()) {
     case GlobalShortcut::Failure::conflict:
         return log_.notice("Raccourci clavier déjà pris par une autre application");
+    case GlobalShortcut::Failure::unassigned:
+        return log_.info("Raccourci clavier sans touches : à choisir dans les réglages du bureau");
     case GlobalShortcut::Failure::unavailable:
         return log_.info("Raccourci clavier indisponible sur ce bureau");
     }

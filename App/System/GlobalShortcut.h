@@ -15,6 +15,8 @@ public:
     enum class Failure {
         /// Another program has the keys already.
         conflict,
+        /// The desktop leaves it to the user to choose keys in its own settings, and there are none.
+        unassigned,
         /// This desktop lets no program have keys of its own, or none with that key.
         unavailable,
     };

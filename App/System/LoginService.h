@@ -1,6 +1,7 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <string>
 
 namespace vespra {
@@ -24,6 +25,9 @@ public:
     virtual std::expected<void, std::string> unregisterApplication() = 0;
     /// Takes the user to where the application is allowed. Nothing on a system that allows all.
     virtual void openSettings() { }
+
+    /// The status has changed since, as where the desktop asks the user first. Empty while nobody listens.
+    std::function<void()> onChange;
 };
 
 } // namespace vespra

@@ -13,10 +13,11 @@ import dbus.mainloop.glib
 from gi.repository import GLib
 
 LOGIND = "org.freedesktop.login1"
+PORTAL = "/org/freedesktop/portal/desktop"
 REFUSED = "org.freedesktop.DBus.Error.AccessDenied"
 FIRST = {"polkit": "allow", "lid": False, "docked": False, "lidAction": "suspend", "foreign": [], "hasLid": True,
          "others": [], "hasHost": True, "charger": None, "canSuspend": "yes", "inhibitFails": False, "isSilent": False,
-         "answers": {}}  # to methods that are not played here: signature and value
+         "portal": {}, "answers": {}}  # to methods that are not played here: signature and value
 
 
 class Refused(Exception):
@@ -102,6 +103,25 @@ def check_authorization(arguments):
     return "(bba{ss})", (verdict == "allow" or is_proved, asks, details)
 
 
+def ask_portal(call, arguments):
+    """The path of the request; the user's answer follows, unless it is kept back."""
+    member, options = call.get_member(), arguments[-1]
+    note(member, arguments=repr(arguments[:-1]), options={name: repr(value) for name, value in options.items()})
+    if member not in state.settings["portal"]:
+        raise Refused("no such method")
+    path = "/".join([PORTAL, "request", call.get_sender()[1:].replace(".", "_"), options["handle_token"]])
+    code, given = state.settings["portal"][member]
+    signal = dbus.lowlevel.SignalMessage(path, "org.freedesktop.portal.Request", "Response")
+    signal.append(code, entries(given), signature="ua{sv}")
+    GLib.idle_add(lambda: bus.send_message(signal) and False)
+    return "o", path
+
+
+def entries(given):
+    """JSON as a portal's results: lists of [name, properties] are its shortcuts."""
+    return {name: dbus.Array(each, "(sa{sv})") if isinstance(each, list) else each for name, each in given.items()}
+
+
 def result(call):
     """The signature and the value of the answer; none for an answer without one."""
     member, arguments = call.get_member(), call.get_args_list()
@@ -124,6 +144,10 @@ def result(call):
         note(member, asks=bool(arguments[0]))
     elif member == "CheckAuthorization":
         return check_authorization(arguments)
+    elif member in ("CreateSession", "BindShortcuts", "RequestBackground"):
+        return ask_portal(call, arguments)
+    elif member in ("Close", "Register"):
+        note(member, path=call.get_path())
     elif member == "ReadAll":  # the settings portal: the properties of each interface by its name
         return "a{sa{sv}}", {interface: dbus.Dictionary(state.properties.get((call.get_path(), interface), {}), "sv")
                              for interface in arguments[0]}

@@ -1,5 +1,7 @@
 #include "App/System/linux/PortalAppearance.h"
 
+#include "App/System/linux/PortalRequest.h"
+
 #include <QDBusArgument>
 
 namespace vespra {
@@ -9,23 +11,18 @@ namespace {
     /// Settings by their names, of each namespace.
     using Settings = QMap<QString, QVariantMap>;
 
-    dbus::Target portal()
-    {
-        return {QStringLiteral("org.freedesktop.portal.Desktop"),
-            QStringLiteral("/org/freedesktop/portal/desktop"),
-            QStringLiteral("org.freedesktop.portal.Settings")};
-    }
+    dbus::Target settings() { return portal(QStringLiteral("org.freedesktop.portal.Settings")); }
 
     QString everyDesktops() { return QStringLiteral("org.freedesktop.appearance"); }
     QString gnomes() { return QStringLiteral("org.gnome.desktop.interface"); }
 
-    Appearance appearance(const Settings& settings)
+    Appearance appearance(const Settings& all)
     {
         // Each is a number of which one means yes; 0 is no preference.
-        const auto chosen = settings.value(everyDesktops());
+        const auto chosen = all.value(everyDesktops());
         const auto is
             = [&](const char* name, unsigned value) { return chosen.value(QLatin1String{name}).toUInt() == value; };
-        const auto animates = settings.value(gnomes()).value(QStringLiteral("enable-animations"), true).toBool();
+        const auto animates = all.value(gnomes()).value(QStringLiteral("enable-animations"), true).toBool();
         return {
             .isDark = is("color-scheme", 1),
             .hasHighContrast = is("contrast", 1),
@@ -38,10 +35,10 @@ namespace {
 
 PortalAppearance::PortalAppearance()
     : signal_{dbus::sessionBus(),
-          portal(),
+          settings(),
           QStringLiteral("SettingChanged"),
           [this](const QDBusMessage&) { refresh(); }}
-    , owner_{dbus::sessionBus(), portal().service, [this](bool) { refresh(); }}
+    , owner_{dbus::sessionBus(), settings().service, [this](bool) { refresh(); }}
 {
     refresh();
 }
@@ -50,7 +47,7 @@ void PortalAppearance::refresh()
 {
     const QStringList namespaces{everyDesktops(), gnomes()};
     pending_ = dbus::call(dbus::sessionBus(),
-        portal().method(QStringLiteral("ReadAll"), {namespaces}),
+        settings().method(QStringLiteral("ReadAll"), {namespaces}),
         dbus::readingTimeout,
         [this](const QDBusMessage& reply) { replied(reply); });
 }

@@ -12,6 +12,8 @@
 #include "App/System/linux/Logind.h"
 #include "App/System/linux/LogindSleep.h"
 #include "App/System/linux/PortalAppearance.h"
+#include "App/System/linux/PortalAutostart.h"
+#include "App/System/linux/PortalShortcut.h"
 #include "App/System/linux/ProcessSoundPlayer.h"
 #include "App/System/linux/SessionInhibitor.h"
 #include "App/System/linux/TimerfdScheduler.h"
@@ -21,6 +23,7 @@
 #include "Host/Host.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 namespace vespra {
 
@@ -74,6 +77,25 @@ namespace {
         all.push_back({{system}, idleInhibitor(tasks)});
         all.push_back({{display}, displayInhibitor(tasks)});
         return all;
+    }
+
+    std::unique_ptr<LoginService> makeLoginService()
+    {
+        if (PortalAutostart::isNeeded())
+            return std::make_unique<PortalAutostart>(PortalAutostart::standardFile(application()),
+                application(),
+                QStringList{QFileInfo{QCoreApplication::applicationFilePath()}.fileName()},
+                SystemLog{Brand::appBundleID(), "login"});
+        return std::make_unique<AutostartEntry>(
+            AutostartEntry::Place::standard(desktopEntry()), application(), QCoreApplication::applicationFilePath());
+    }
+
+    /// X servers under Wayland hear only the keys that are typed into their own windows.
+    std::unique_ptr<GlobalShortcut> makeShortcut(MainLoop& mainLoop)
+    {
+        if (isWaylandSession())
+            return std::make_unique<PortalShortcut>(mainLoop, desktopEntry());
+        return std::make_unique<X11Shortcut>(mainLoop);
     }
 
     /// What the platform consists of here; the platform owns them.
@@ -167,9 +189,8 @@ std::expected<Platform, std::string> makeSystemPlatform()
         ProcessSoundPlayer::systemPrograms(),
         *platform.time.mainLoop,
         notificationsLog());
-    platform.login = std::make_unique<AutostartEntry>(
-        AutostartEntry::Place::standard(desktopEntry()), application(), QCoreApplication::applicationFilePath());
-    platform.shortcut = std::make_unique<X11Shortcut>(*platform.time.mainLoop);
+    platform.login = makeLoginService();
+    platform.shortcut = makeShortcut(*platform.time.mainLoop);
     platform.appearance = std::make_unique<PortalAppearance>();
     platform.helper = makeLinuxHelper();
     return platform;

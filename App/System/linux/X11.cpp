@@ -14,16 +14,17 @@ namespace {
         return data && data->present;
     }
 
-} // namespace
-
-bool isX11Session()
-{
-    const auto isSet = [](const char* variable) {
+    bool isInEnvironment(const char* variable)
+    {
         const auto* value = std::getenv(variable); // NOLINT(concurrency-mt-unsafe): nothing changes the environment
         return value && *value;
-    };
-    return !isSet("WAYLAND_DISPLAY") && isSet("DISPLAY");
-}
+    }
+
+} // namespace
+
+bool isWaylandSession() { return isInEnvironment("WAYLAND_DISPLAY"); }
+
+bool isX11Session() { return !isWaylandSession() && isInEnvironment("DISPLAY"); }
 
 XcbConnection connectToX11()
 {

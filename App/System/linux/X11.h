@@ -14,6 +14,9 @@ struct XcbDisconnect {
 };
 using XcbConnection = std::unique_ptr<xcb_connection_t, XcbDisconnect>;
 
+/// The user's session is a Wayland compositor's.
+bool isWaylandSession();
+
 /// The user's session is an X server's own. Under Wayland an X server is there too, but it has neither displays nor all
 /// of the keyboard.
 bool isX11Session();

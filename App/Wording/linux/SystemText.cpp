@@ -50,6 +50,9 @@ namespace {
             "The computer will shut down in 1 minute. Save your work."},
         {"The Mac will sleep in %1", "The computer will sleep in %1"},
         {"The Mac will sleep in 1 minute.", "The computer will sleep in 1 minute."},
+        {"These keys don't work on this Mac. Choose others.",
+            "Apps can't have shortcuts of their own on this desktop. In its keyboard settings, give keys to this "
+            "command: %1"},
         {"This Mac has no built-in display, so closed-lid mode doesn't apply.",
             "This computer has no lid, so closed-lid mode doesn't apply."},
         {"This agent isn't installed on this Mac.", "This agent isn't installed on this computer."},

@@ -84,9 +84,9 @@ TEST_F(X11ShortcutTest, BelongsToOneProgram)
     X11Shortcut first{loop}, second{loop};
     ASSERT_TRUE(set(first));
     EXPECT_EQ(set(second).error(), Failure::conflict);
-    ASSERT_TRUE(set(first, {.control = true, .key = 'y'})) << "other keys in their place";
+    ASSERT_TRUE(set(first, {.control = true, .shift = true, .key = '1'})) << "other keys in their place";
     EXPECT_TRUE(set(second)) << "nothing is left of what failed";
-    EXPECT_EQ(heard({"key", "ctrl+y"}), 1);
+    EXPECT_EQ(heard({"key", "ctrl+shift+1"}), 1);
 }
 
 TEST_F(X11ShortcutTest, FollowsTheKeyboard)
