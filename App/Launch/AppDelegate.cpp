@@ -124,6 +124,8 @@ void AppDelegate::openUpdate()
 {
     if (surfaces_)
         surfaces_->activate();
+    if (!model_->updates().hasWindows())
+        notify(model_->showSettings, SettingsTab::about);
     model_->updates().checkForUpdates();
 }
 

@@ -40,4 +40,16 @@ void AppUpdates::checkForUpdates()
         updater_->checkForUpdates();
 }
 
+void AppUpdates::install()
+{
+    if (updater_)
+        updater_->install();
+}
+
+void AppUpdates::cancel()
+{
+    if (updater_)
+        updater_->cancel();
+}
+
 } // namespace vespra

@@ -25,8 +25,15 @@ public:
     /// Absent before the first check.
     std::optional<Instant> lastCheck() const { return lastCheck_.get(); }
 
-    /// With windows, for the user has asked.
+    /// The user has asked, so its windows, or `state`, tell what comes of it.
     void checkForUpdates();
+    /// Whether the updater shows all of that in windows of its own. Then `state` stays idle.
+    bool hasWindows() const { return updater_ && updater_->hasWindows(); }
+    UpdateState state() const { return updater_ ? updater_->state() : UpdateState{}; }
+    /// Fetches the version that is available, if it has to, and hands it to the system, which asks the user.
+    void install();
+    /// Ends a check or a download that is under way.
+    void cancel();
 
     /// A check that nobody asked for has found this version.
     std::function<void(const std::string& version)> onUpdateFound;

@@ -9,6 +9,7 @@
 #include "App/System/linux/LinuxLid.h"
 #include "App/System/linux/LinuxPowerSource.h"
 #include "App/System/linux/LinuxThermal.h"
+#include "App/System/linux/LinuxUpdateTools.h"
 #include "App/System/linux/Logind.h"
 #include "App/System/linux/LogindSleep.h"
 #include "App/System/linux/PortalAppearance.h"
@@ -192,6 +193,7 @@ std::expected<Platform, std::string> makeSystemPlatform()
     platform.login = makeLoginService();
     platform.shortcut = makeShortcut(*platform.time.mainLoop);
     platform.appearance = std::make_unique<PortalAppearance>();
+    platform.updater = makeFeedUpdater(tasks, *platform.time.clock);
     platform.helper = makeLinuxHelper();
     return platform;
 }

@@ -117,6 +117,7 @@ namespace {
                         : std::nullopt;
         }
         void checkForUpdates() override { [controller_ checkForUpdates:nil]; }
+        bool hasWindows() const override { return true; }
 
     private:
         VespraSparkleDelegate* delegate_;

@@ -17,7 +17,10 @@ void SimulatedUpdater::checkForUpdates() { check(true); }
 void SimulatedUpdater::check(bool isAskedFor)
 {
     lastCheck_ = clock_.now();
-    if (!newest_.empty()) {
+    if (newest_.empty()) {
+        setState(isAskedFor ? UpdateState{update::UpToDate{}} : UpdateState{});
+    } else {
+        setState(update::Available{.version = newest_, .notes = {}});
         notify(onWillShowUpdate, newest_, isAskedFor);
         if (isAskedFor)
             notify(onUpdateSeen);

@@ -21,6 +21,7 @@ public:
     void setAutomaticallyInstalls(bool installs) override { installs_ = installs; }
     std::optional<Instant> lastCheck() const override { return lastCheck_; }
     void checkForUpdates() override;
+    bool hasWindows() const override { return false; }
 
 private:
     void check(bool isAskedFor);

@@ -21,8 +21,10 @@ TEST_F(UpdatesTest, AVersionThatNobodyAskedForIsToldOfOnce)
 
     laptop.advance(1h);
     EXPECT_CALL(surfaces, activate);
+    EXPECT_CALL(surfaces, showSettings(std::optional{SettingsTab::about}));
     laptop.set({{"press", "updates.available"}});
     EXPECT_EQ(laptop.shown(), "") << "the user sees it now";
+    EXPECT_EQ(model().updates().state(), (UpdateState{update::Available{"2.0", ""}}));
     EXPECT_EQ(model().updates().lastCheck(), laptop.time.now());
 
     model().updates().setAutomaticallyChecks(false);
