@@ -53,7 +53,6 @@ format: ## Format the sources
 
 lint: ## Check the sources with clang-tidy
 	@scripts/setup build test lint
-	@scripts/build dev
 	@scripts/lint
 
 layers: ## Draw which folder knows which, and fail on an arrow that points up
