@@ -30,18 +30,16 @@ namespace {
         StatusItemTest()
         {
             launch();
-            context.emplace(SurfaceContext{.model = model(),
-                .mainLoop = *laptop.platform.time.mainLoop,
-                .tasks = laptop.time,
-                .clock = model().clock(),
-                .appearance = *laptop.platform.appearance});
+            qputenv("LC_ALL", "C"); // before the user's format is made
         }
         void show()
         {
-            controller.emplace(*context,
+            controller.emplace(
+                SurfaceContext{
+                    model(), *laptop.platform.time.mainLoop, laptop.time, model().clock(), *laptop.platform.appearance},
                 item,
-                AppSurfaces::StatusItemActions{.onToggle = [this] { item.clicks += "toggle "; },
-                    .onSettings = [this] { item.clicks += "settings "; }});
+                AppSurfaces::StatusItemActions{
+                    [this] { item.clicks += "toggle "; }, [this] { item.clicks += "settings "; }});
         }
         /// Starts a session that ends after `length`.
         void start(Seconds length)
@@ -59,7 +57,6 @@ namespace {
             return item.titles;
         }
 
-        std::optional<SurfaceContext> context;
         RecordingItem item;
         std::optional<StatusItemController> controller;
     };
@@ -69,7 +66,7 @@ namespace {
 TEST(StatusDot, StandsOverTheNotchOfTheImage)
 {
     EXPECT_EQ(statusDotOrigin({4, 5, 23, 12.7}, true, 22), QPointF(3.75, 4.5));
-    EXPECT_EQ(statusDotOrigin({4, 5, 23, 12}, false, 22), QPointF(3.75, 4.5)) << "5 points above it, not below";
+    EXPECT_EQ(statusDotOrigin({4, 6, 23, 12}, false, 22), QPointF(3.75, 3.5)) << "4 points above it, 6 below";
     EXPECT_FALSE(statusDotOrigin({4, 5, 0, 12}, true, 22));
     EXPECT_EQ(statusImage::notch.center(), statusImage::dotCenter);
 }
@@ -90,7 +87,6 @@ TEST_F(StatusItemTest, CountsDownAtWholeSecondsWhileThatIsWanted)
     laptop.settle();
     EXPECT_FALSE(item.shown.title);
     EXPECT_EQ(laptop.time.pendingTasks(), idle) << "at once, not at the next second";
-    EXPECT_EQ(titlesDuring(10s), "");
 }
 
 TEST_F(StatusItemTest, TellsMinutesInWordsWithoutLookingEverySecond)
