@@ -9,7 +9,7 @@
 
 namespace vespra {
 
-PanelFrame::PanelFrame(const Theme& theme, std::function<PanelInterior()> makeContent)
+PanelFrame::PanelFrame(const Theme& theme, std::function<QWidget*()> makeContent)
     : theme_{theme}
     , makeContent_{std::move(makeContent)}
     , follows_{theme, *this}
@@ -26,39 +26,26 @@ void PanelFrame::setGround(Ground ground)
 
 void PanelFrame::build()
 {
-    if (content_.widget)
+    if (content_)
         return;
     content_ = makeContent_();
-    content_.widget->setParent(this);
-    content_.widget->setGeometry(contentRect());
-    content_.widget->show();
-}
-
-void PanelFrame::takeDown()
-{
-    if (auto* widget = std::exchange(content_, {}).widget) {
-        widget->hide();
-        widget->deleteLater();
-    }
+    content_->setParent(this);
+    content_->setGeometry(contentRect());
+    content_->show();
 }
 
 int PanelFrame::margin() const { return ground_ == Ground::floating ? static_cast<int>(measure::shadowMargin) : 0; }
 
 QSize PanelFrame::wantedSize() const
 {
-    const int width = theme_.look.units(measure::panelWidth);
-    if (!content_.widget)
-        return {width, 0};
-    const auto& widget = *content_.widget;
-    return {width, widget.hasHeightForWidth() ? widget.heightForWidth(width) : widget.sizeHint().height()};
+    return {theme_.look.units(measure::panelWidth), content_ ? content_->sizeHint().height() : 0};
 }
 
 QSize PanelFrame::contentSize(int maximumHeight)
 {
     build();
-    if (content_.setMaximumHeight)
-        content_.setMaximumHeight(maximumHeight);
-    content_.widget->ensurePolished();
+    content_->ensurePolished();
+    content_->setMaximumHeight(maximumHeight);
     wanted_ = wantedSize();
     return wanted_.boundedTo({QWIDGETSIZE_MAX, maximumHeight});
 }
@@ -74,15 +61,18 @@ QSize PanelFrame::sizeHint() const { return frameAround({{}, wantedSize()}).size
 
 bool PanelFrame::event(QEvent* event)
 {
-    if (event->type() == QEvent::LayoutRequest && content_.widget && std::exchange(wanted_, wantedSize()) != wanted_)
+    const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest && content_ && wantedSize() != wanted_) {
+        wanted_ = wantedSize();
         notify(onContentResize);
-    return QWidget::event(event);
+    }
+    return isHandled;
 }
 
 void PanelFrame::resizeEvent(QResizeEvent*)
 {
-    if (content_.widget)
-        content_.widget->setGeometry(contentRect());
+    if (content_)
+        content_->setGeometry(contentRect());
 }
 
 void PanelFrame::paintEvent(QPaintEvent*)
@@ -93,7 +83,7 @@ void PanelFrame::paintEvent(QPaintEvent*)
         return painter.fillRect(rect(), tokens.panel);
     const bool isRound = ground_ == Ground::floating;
     const double radius = isRound ? theme_.look.scaled(measure::panelRadius) : 0;
-    const double line = theme_.look.appearance().hasHighContrast ? 1 : measure::hairline;
+    const double line = tokens.hairline;
     if (isRound)
         shadow_.draw(painter, contentRect(), tokens.shadow);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -3,18 +3,9 @@
 #include "App/DesignSystem/Theme.h"
 #include "App/Panel/PanelShadow.h"
 
-#include <QPointer>
-
 #include <functional>
 
 namespace vespra {
-
-/// What the panel holds.
-struct PanelInterior {
-    QWidget* widget = nullptr;
-    /// Says how many points high it may be; what does not fit scrolls. Empty: it has no say.
-    std::function<void(int)> setMaximumHeight;
-};
 
 /// The ground of the panel, with its edge and the shadow around it, and the content on it. Main thread only.
 class PanelFrame final : public QWidget {
@@ -25,14 +16,13 @@ public:
         window, // inside the frame of the desktop's windows
     };
 
-    /// `makeContent` makes the widget, which the frame then owns.
-    PanelFrame(const Theme& theme, std::function<PanelInterior()> makeContent);
+    /// `makeContent` is called once, when the content is needed; the frame owns what it makes. Its height is that of
+    /// its `sizeHint`, which keeps to its `maximumHeight`.
+    PanelFrame(const Theme& theme, std::function<QWidget*()> makeContent);
 
     void setGround(Ground ground);
     /// Makes the content unless it is there.
     void build();
-    /// The content goes, in a later turn: what it is busy with comes to its end.
-    void takeDown();
 
     /// How large the content is to be, if it may be `maximumHeight` points high.
     QSize contentSize(int maximumHeight);
@@ -64,8 +54,8 @@ private:
     QSize wantedSize() const;
 
     const Theme theme_;
-    std::function<PanelInterior()> makeContent_;
-    PanelInterior content_;
+    std::function<QWidget*()> makeContent_;
+    QWidget* content_ = nullptr;
     Ground ground_ = Ground::floating;
     PanelShadow shadow_;
     QSize wanted_;

@@ -1,7 +1,5 @@
 #include "App/Panel/PanelMotion.h"
 
-#include "App/Panel/PanelPresentation.h"
-
 namespace vespra {
 
 PanelMotion::PanelMotion(MainLoop& mainLoop, const PanelPresentation& presentation, std::function<void(double)> apply)

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "App/Panel/PanelPresentation.h"
 #include "Core/Observation/ObservationLoop.h"
 
 #include <QVariantAnimation>
 
 namespace vespra {
-
-class PanelPresentation;
 
 /// Has the panel come and go as its presentation says, step by step. Main thread only.
 class PanelMotion {

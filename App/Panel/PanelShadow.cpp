@@ -46,37 +46,44 @@ namespace {
         return values;
     }
 
-    constexpr QMargins around(int width) { return {width, width, width, width}; }
+    constexpr QMargins around(int width, int height) { return {width, height, width, height}; }
+
+    int pixels(int points, double pixelRatio) { return static_cast<int>(std::ceil(points * pixelRatio)); }
 
 } // namespace
 
-void PanelShadow::compute(const QColor& color, double pixelRatio)
+void PanelShadow::compute(QSize size, const QColor& color, double pixelRatio)
 {
-    constexpr double points = 2 * slice + 1;
-    const int side = static_cast<int>(std::ceil(points * pixelRatio));
-    const auto across = profile(side, points, 0), down = profile(side, points, drop);
-    QImage image{side, side, QImage::Format_ARGB32_Premultiplied};
-    for (int y = 0; y < side; ++y) {
+    const auto across = profile(pixels(size.width(), pixelRatio), size.width(), 0);
+    const auto down = profile(pixels(size.height(), pixelRatio), size.height(), drop);
+    QImage image{static_cast<int>(across.size()), static_cast<int>(down.size()), QImage::Format_ARGB32_Premultiplied};
+    for (int y = 0; y < image.height(); ++y) {
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < side; ++x) {
-            const float alpha = across[static_cast<std::size_t>(x)] * down[static_cast<std::size_t>(y)];
-            line[x] = qPremultiply(
-                qRgba(color.red(), color.green(), color.blue(), static_cast<int>(std::lround(alpha * color.alpha()))));
-        }
+        const float strength = down[static_cast<std::size_t>(y)] * static_cast<float>(color.alpha());
+        for (const float part : across)
+            *line++ = qPremultiply(
+                qRgba(color.red(), color.green(), color.blue(), static_cast<int>(std::lround(part * strength))));
     }
     pixmap_ = QPixmap::fromImage(std::move(image));
+    size_ = size;
     color_ = color;
     pixelRatio_ = pixelRatio;
 }
 
 void PanelShadow::draw(QPainter& painter, const QRect& content, const QColor& color)
 {
+    const auto frame = content + around(margin, margin);
+    const auto size = frame.size().boundedTo({2 * slice + 1, 2 * slice + 1});
     const double pixelRatio = painter.device()->devicePixelRatioF();
-    if (color != color_ || pixelRatio != pixelRatio_)
-        compute(color, pixelRatio);
-    const auto frame = content + around(margin);
-    const auto source = static_cast<int>(slice * pixelRatio);
-    qDrawBorderPixmap(&painter, frame, around(slice), pixmap_, pixmap_.rect(), around(source));
+    if (size != size_ || color != color_ || pixelRatio != pixelRatio_)
+        compute(size, color, pixelRatio);
+    const int width = (size.width() - 1) / 2, height = (size.height() - 1) / 2;
+    qDrawBorderPixmap(&painter,
+        frame,
+        around(width, height),
+        pixmap_,
+        pixmap_.rect(),
+        around(static_cast<int>(width * pixelRatio), static_cast<int>(height * pixelRatio)));
 }
 
 } // namespace vespra

@@ -25,13 +25,13 @@ public:
 
     /// Whether the application says where its windows go.
     virtual bool canBePlaced() const = 0;
-    /// How large the content is to be, if it may be `maximumHeight` high. Builds the content if there is none.
+    /// How large the content is to be, if it may be `maximumHeight` points high.
     virtual QSize contentSize(int maximumHeight) = 0;
     /// Takes it to the front, there; without a place, as an ordinary window where the system puts it.
     virtual void orderIn(const std::optional<PanelPlace>& place) = 0;
     /// Moves it while it is shown.
     virtual void place(const PanelPlace& place) = 0;
-    /// Takes it off the screen, and its content down.
+    /// Takes it off the screen.
     virtual void orderOut() = 0;
     /// Whether nothing can be before it.
     virtual bool isInFront() const = 0;

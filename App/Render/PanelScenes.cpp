@@ -158,10 +158,7 @@ namespace {
 
     std::unique_ptr<QWidget> panel(Stage& stage)
     {
-        const auto makeContent = [&stage] {
-            auto* content = new PanelContent{stage.context(), stage.theme(), {}};
-            return PanelInterior{.widget = content, .setMaximumHeight = {}};
-        };
+        const auto makeContent = [&stage] { return new PanelContent{stage.context(), stage.theme(), {}}; };
         auto frame = std::make_unique<PanelFrame>(stage.theme(), makeContent);
         const auto fit = [frame = frame.get()] {
             frame->contentSize(QWIDGETSIZE_MAX);

@@ -38,7 +38,10 @@ namespace {
             , motion_{theme.mainLoop, presentation, [this](double progress) { show(progress); }}
         {
             frame_.setWindowTitle(qtText(Brand::appName()));
-            frame_.onEscape = [this] { notify(onCancel); };
+            frame_.onEscape = [this] {
+                if (isPopup_)
+                    notify(onCancel);
+            };
             frame_.onContentResize = [this] { contentResized(); };
             frame_.onClose = [this] { return closes(); };
         }
@@ -75,11 +78,7 @@ namespace {
             frame_.setGeometry(frame_.frameAround(place.content));
         }
 
-        void orderOut() override
-        {
-            frame_.hide();
-            frame_.takeDown();
-        }
+        void orderOut() override { frame_.hide(); }
 
         bool isInFront() const override { return isPopup_ || frame_.isActiveWindow(); }
 
