@@ -1,3 +1,6 @@
+#include "App/Desktop/DesktopApplication.h"
+#include "App/Desktop/DesktopSurfaces.h"
+#include "App/Desktop/Display.h"
 #include "App/Headless/HeadlessApplication.h"
 #include "App/Launch/ExitStatus.h"
 #include "App/Launch/SingleInstance.h"
@@ -13,7 +16,7 @@
 #include "HelperProtocol/PropertyList.h"
 #include "Host/Host.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 
 #include <csignal>
@@ -25,36 +28,59 @@ namespace {
 
 using namespace vespra;
 
-int runHeadless(QCoreApplication& application, const LaunchOptions& options)
+/// The platform that the options ask for; absent after a complaint.
+std::optional<Platform> platformOf(const LaunchOptions& options)
 {
     auto platform = makePlatform(options.platform);
     if (!platform) {
         commandLine::complain(programName, "--platform: " + platform.error());
-        return ExitStatus::badArguments;
+        return {};
     }
     if (!platform->notice.empty())
         commandLine::complain(programName, platform->notice);
+    return std::move(*platform);
+}
 
-    const auto defaults = makeUserDefaults();
-    AppDelegate delegate{{.platform = *platform,
-                             .defaults = defaults.get(),
-                             .home = QDir::homePath().toStdString(),
-                             .supportDirectory = Brand::applicationSupportDirectory()},
-        nullptr};
-    TerminalOutput output;
-    HeadlessApplication headless{delegate, *platform, options, output, [&](int exitStatus) {
-                                     // Posted, for the loop may not run yet.
-                                     platform->time.mainLoop->post(
-                                         [exitStatus] { QCoreApplication::exit(exitStatus); });
-                                 }};
+AppEnvironment environmentOf(Platform& platform, UserDefaults& defaults)
+{
+    return {.platform = platform,
+        .defaults = &defaults,
+        .home = QDir::homePath().toStdString(),
+        .supportDirectory = Brand::applicationSupportDirectory()};
+}
+
+/// Runs the main loop; `terminate` ends it when a signal asks for that.
+int exec(const std::function<void()>& terminate, const std::function<void()>& start)
+{
     bool isInterrupted = false;
     const TerminationSignals termination{[&](int signal) {
         isInterrupted = signal == SIGINT;
-        headless.terminate();
+        terminate();
     }};
-    headless.start();
-    const int exitStatus = application.exec();
+    start();
+    const int exitStatus = QCoreApplication::exec();
     return isInterrupted ? ExitStatus::interrupted : exitStatus;
+}
+
+int runHeadless(Platform& platform, const LaunchOptions& options)
+{
+    const auto defaults = makeUserDefaults();
+    AppDelegate delegate{environmentOf(platform, *defaults), nullptr};
+    TerminalOutput output;
+    HeadlessApplication headless{delegate, platform, options, output, [&](int exitStatus) {
+                                     // Posted, for the loop may not run yet.
+                                     platform.time.mainLoop->post([exitStatus] { QCoreApplication::exit(exitStatus); });
+                                 }};
+    return exec([&] { headless.terminate(); }, [&] { headless.start(); });
+}
+
+int runOnDesktop(Platform& platform, const LaunchOptions& options)
+{
+    const auto defaults = makeUserDefaults();
+    DesktopSurfaces surfaces;
+    AppDelegate delegate{environmentOf(platform, *defaults), &surfaces};
+    DesktopApplication desktop{delegate, platform, options};
+    return exec([&] { desktop.terminate(); }, [&] { desktop.start(); });
 }
 
 /// A second launch only shows the running application, so any option besides is refused.
@@ -73,6 +99,23 @@ int handOver(const LaunchOptions& options)
     return ExitStatus::failed;
 }
 
+/// Qt's, in the user's language.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool hasDisplay)
+{
+    // Every control draws itself: no style of the desktop needs to be loaded.
+    if (hasDisplay)
+        QApplication::setStyle(QStringLiteral("Fusion"));
+    std::unique_ptr<QCoreApplication> application;
+    if (hasDisplay)
+        application = std::make_unique<QApplication>(argc, argv);
+    else
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QString::fromStdString(Brand::appName()));
+    if (const auto installed = installTranslation(*application); !installed)
+        commandLine::complain(programName, installed.error());
+    return application;
+}
+
 /// Runs until the end that the arguments ask for and returns the exit status.
 int run(int argc, char** argv)
 {
@@ -87,15 +130,19 @@ int run(int argc, char** argv)
     // Qt looks for the home directory in the environment only.
     if (QDir::homePath() == QDir::rootPath())
         setenv("HOME", homeDirectory().c_str(), /*overwrite=*/1);
-    int plainArgumentCount = 1;
-    QCoreApplication application{plainArgumentCount, argv};
-    QCoreApplication::setApplicationName(QString::fromStdString(Brand::appName()));
-    if (const auto installed = installTranslation(application); !installed)
-        commandLine::complain(programName, installed.error());
     const SingleInstance instance{SingleInstance::defaultPath()};
-    if (instance.claim() == SingleInstance::Claim::taken)
+    const bool isFirst = instance.claim() != SingleInstance::Claim::taken;
+    const auto display = options.isHeadless || !isFirst ? std::unexpected{std::string{}} : prepareDisplay();
+    int plainArgumentCount = 1;
+    const auto application = makeApplication(plainArgumentCount, argv, display.has_value());
+    if (!isFirst)
         return handOver(options);
-    return runHeadless(application, options);
+    if (!display && !options.isHeadless)
+        commandLine::complain(programName, display.error());
+    auto platform = platformOf(options);
+    if (!platform)
+        return ExitStatus::badArguments;
+    return display ? runOnDesktop(*platform, options) : runHeadless(*platform, options);
 }
 
 } // namespace

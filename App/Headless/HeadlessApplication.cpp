@@ -1,8 +1,8 @@
 #include "App/Headless/HeadlessApplication.h"
 
 #include "App/Launch/ExitStatus.h"
+#include "App/Launch/SimulatedScreen.h"
 #include "App/Model/PanelFacts.h"
-#include "App/System/simulated/SimulatedMachine.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/ClosedLidWording.h"
 #include "App/Wording/Localized.h"
@@ -16,14 +16,6 @@ namespace {
 
     /// Time for the component to put the machine to sleep, or to be found unable to.
     constexpr Seconds forcedActionLimit = 30s;
-
-    std::string noteLine(const SimulatedMachine::ShownNotification& notification)
-    {
-        auto line = localized("Notification \"%1\": %2", {notification.title, notification.body});
-        for (const auto& action : notification.actions)
-            line += " [" + action.title + "]";
-        return line;
-    }
 
 } // namespace
 
@@ -49,7 +41,8 @@ void HeadlessApplication::start()
     session_.onRefusal = [this](const std::string& reason) { refuse(reason); };
     session_.applySettings();
     followForcedAction();
-    showNotifications();
+    simulatedScreen::follow(
+        platform_, lifetime_.guard([this](const std::string& line) { output_.printNote(line); }));
     if (output_.isTerminal())
         liveLoop_.emplace(*platform_.time.mainLoop, [this] { drawLive(); });
     if (isIdle_)
@@ -70,14 +63,6 @@ void HeadlessApplication::followForcedAction()
         notify(onCancel);
         finishAfter(0s);
     };
-}
-
-/// Prints the notifications of a simulated laptop, which has no other screen.
-void HeadlessApplication::showNotifications()
-{
-    if (platform_.machine)
-        platform_.machine->onNotification = lifetime_.guard(
-            [this](const SimulatedMachine::ShownNotification& shown) { output_.printNote(noteLine(shown)); });
 }
 
 void HeadlessApplication::followClosedLid()

@@ -30,7 +30,6 @@ private:
     AppModel& model() { return application_.model(); }
     void follow(const SessionEvent& event);
     void followForcedAction();
-    void showNotifications();
     void followClosedLid();
     void complain(const std::string& text);
     void refuse(const std::string& reason);

@@ -180,7 +180,7 @@ void AppDelegate::makeSurfaces()
             .onSettings = lifetime_.guard([this] { notify(model_->showSettings, std::nullopt); }),
         });
     model_->showPanel = lifetime_.guard([this] {
-        if (surfaces_->hasStatusItem() && !surfaces_->isPanelVisible())
+        if (!surfaces_->isPanelVisible())
             surfaces_->showPanel();
     });
     surfaces_->makeSettingsWindow(surfaceContext());

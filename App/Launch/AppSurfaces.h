@@ -33,13 +33,12 @@ public:
     virtual void activate() = 0;
 
     virtual void makePanel(const SurfaceContext& context) = 0;
+    /// False also while other windows lie before it.
     virtual bool isPanelVisible() const = 0;
-    /// Under the status item.
+    /// Under the status item; as a window where there is no place for one.
     virtual void showPanel() = 0;
     virtual void hidePanel() = 0;
 
-    /// False where there is no place for one.
-    virtual bool hasStatusItem() const = 0;
     /// Where it is clicked, and where its menu asks for the settings.
     struct StatusItemActions {
         std::function<void()> onToggle;

@@ -87,10 +87,9 @@ namespace {
 std::variant<LaunchOptions, int> parsedCommandLine(int argc, char** argv)
 {
     LaunchOptions options;
-    bool isHeadless = false;
     CLI::App app{"Keeps the computer awake until the work is done, then lets it sleep.", programName};
     commandLine::prepare(app);
-    app.add_flag("--headless", isHeadless, "Run in the terminal, without windows");
+    app.add_flag("--headless", options.isHeadless, "Run in the terminal, without windows");
     addPlans(app, options.session, options.isIdle);
     add<Seconds>(app,
         {"--grace", "LENGTH", "How long all agents must stay done before the session ends, such as 2m; up to 15m"},

@@ -20,6 +20,8 @@ struct RenderRequest {
 
 /// What the command line asks of this launch, with windows or without.
 struct LaunchOptions {
+    /// In the terminal, also where there is a display.
+    bool isHeadless = false;
     StartOptions session;
     /// For this run only, from the session's defaults and what else is stored; absent: the settings that are stored.
     std::optional<std::vector<settingTexts::Change>> settings;

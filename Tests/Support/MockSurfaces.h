@@ -13,7 +13,6 @@ public:
     MOCK_METHOD(bool, isPanelVisible, (), (const, override));
     MOCK_METHOD(void, showPanel, (), (override));
     MOCK_METHOD(void, hidePanel, (), (override));
-    MOCK_METHOD(bool, hasStatusItem, (), (const, override));
     MOCK_METHOD(void, makeStatusItem, (const SurfaceContext&, StatusItemActions), (override));
     MOCK_METHOD(void, makeSettingsWindow, (const SurfaceContext&), (override));
     MOCK_METHOD(void, showSettings, (std::optional<SettingsTab>), (override));

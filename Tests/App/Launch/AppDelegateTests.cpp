@@ -40,7 +40,6 @@ namespace {
     protected:
         AppDelegateTest()
         {
-            ON_CALL(surfaces, hasStatusItem).WillByDefault(Return(true));
             ON_CALL(surfaces, isPanelVisible).WillByDefault(testing::ReturnPointee(&isPanelVisible));
             ON_CALL(surfaces, showPanel).WillByDefault(Assign(&isPanelVisible, true));
             ON_CALL(surfaces, hidePanel).WillByDefault(Assign(&isPanelVisible, false));
