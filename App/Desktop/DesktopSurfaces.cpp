@@ -164,7 +164,10 @@ void DesktopSurfaces::makeSettingsWindow(const SurfaceContext& context) { settin
 
 void DesktopSurfaces::showSettings(std::optional<SettingsTab> tab) { settings_->show(tab); }
 
-// There is no such window yet: the application shows itself by its item.
-void DesktopSurfaces::showOnboarding(const SurfaceContext&) { }
+void DesktopSurfaces::showOnboarding(const SurfaceContext& context)
+{
+    onboarding_.emplace(context, panel_->theme);
+    onboarding_->show();
+}
 
 } // namespace vespra

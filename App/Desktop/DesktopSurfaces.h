@@ -3,6 +3,7 @@
 #include "App/Desktop/SystemLook.h"
 #include "App/Launch/AppSurfaces.h"
 #include "App/MenuBar/StatusItemController.h"
+#include "App/Onboarding/OnboardingWindowController.h"
 #include "App/Panel/PanelController.h"
 #include "App/Panel/PanelFrame.h"
 #include "App/Settings/SettingsWindowController.h"
@@ -12,7 +13,7 @@
 
 namespace vespra {
 
-/// The item and the panel of a desktop. Where the desktop has no place for an item the panel is an ordinary window, so
+/// The item and the windows of a desktop. Where the desktop has no place for an item the panel is an ordinary window, so
 /// that there always is something to click. Main thread only.
 class DesktopSurfaces final : public AppSurfaces {
 public:
@@ -48,6 +49,7 @@ private:
     std::shared_ptr<PanelAnchor> anchor_;
     std::optional<StatusItemController> itemController_;
     std::optional<SettingsWindowController> settings_;
+    std::optional<OnboardingWindowController> onboarding_;
     StatusItem::Presence lastPresence_ = StatusItem::Presence::unknown;
     bool isPanelAskedFor_ = false;
     std::unique_ptr<ScheduledTask> substitution_;
