@@ -1,6 +1,6 @@
 #include "App/DesignSystem/Icon.h"
 #include "App/DesignSystem/Label.h"
-#include "App/DesignSystem/Sheet.h"
+#include "App/DesignSystem/SheetWindow.h"
 #include "App/Settings/SettingFacts.h"
 #include "App/Settings/SpecialRows.h"
 #include "App/Wording/Localized.h"
@@ -68,7 +68,7 @@ namespace {
     {
         constexpr double width = 600;
         constexpr int lines = 24;
-        auto* sheet = new Sheet{theme, localized("Acknowledgements"), window};
+        auto* sheet = new SheetWindow{theme, localized("Acknowledgements"), window};
         sheet->add(new Label{theme, TextStyle::body})
             .show(localized("%1 is made with the work of others. These are their licences.", {Brand::appName()}));
         sheet->add(makeTextView(theme, localized("Acknowledgements"), acknowledgements(), lines), 1);

@@ -1,7 +1,7 @@
 #include "App/Agents/HookTexts.h"
 #include "App/DesignSystem/Following.h"
 #include "App/DesignSystem/Glyph.h"
-#include "App/DesignSystem/Sheet.h"
+#include "App/DesignSystem/SheetWindow.h"
 #include "App/Settings/ConnectSheet.h"
 #include "App/Settings/RowView.h"
 #include "App/Settings/SpecialRows.h"

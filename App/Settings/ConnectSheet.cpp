@@ -35,12 +35,12 @@ namespace {
 
 } // namespace
 
-Sheet& openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& window)
+SheetWindow& openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& window)
 {
     const auto& theme = surface.theme;
     const auto hooks = surface.model.agentIntegration().hookFile(agent);
     const auto title = localized("Connect %1", {std::string{displayName(agent)}});
-    auto* sheet = new Sheet{theme, title, window};
+    auto* sheet = new SheetWindow{theme, title, window};
     sheet->add(new Label{theme, TextStyle::body})
         .show(localized("These lines will be added to %1. A backup is made first, and nothing already there is "
                         "changed.",

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "App/DesignSystem/Sheet.h"
+#include "App/DesignSystem/SheetWindow.h"
 #include "App/Settings/SettingsSurface.h"
 
 namespace vespra {
 
 /// Shows what will be added to the agent's settings, and adds it when the user agrees. The sheet deletes itself.
-Sheet& openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& window);
+SheetWindow& openConnectSheet(const SettingsSurface& surface, AgentKind agent, QWidget& window);
 
 } // namespace vespra

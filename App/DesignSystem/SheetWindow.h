@@ -10,9 +10,9 @@ namespace vespra {
 
 /// A small window above another, which waits until it is closed: contents above, buttons in the corner. Escape closes
 /// it. It deletes itself when closed.
-class Sheet final : public QDialog {
+class SheetWindow final : public QDialog {
 public:
-    Sheet(const Theme& theme, const std::string& title, QWidget& parent);
+    SheetWindow(const Theme& theme, const std::string& title, QWidget& parent);
 
     template <class Widget> Widget& add(Widget* widget, int stretch = 0) { return added(*contents_, widget, stretch); }
     /// Closes the sheet and calls `action`, which may be empty. The last primary one is what Return presses.

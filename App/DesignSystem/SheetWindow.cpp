@@ -1,4 +1,4 @@
-#include "App/DesignSystem/Sheet.h"
+#include "App/DesignSystem/SheetWindow.h"
 
 #include "App/DesignSystem/Following.h"
 #include "App/DesignSystem/Label.h"
@@ -17,7 +17,7 @@ namespace {
 
 } // namespace
 
-Sheet::Sheet(const Theme& theme, const std::string& title, QWidget& parent)
+SheetWindow::SheetWindow(const Theme& theme, const std::string& title, QWidget& parent)
     : QDialog{&parent}
     , theme_{theme}
     , contents_{new QVBoxLayout}
@@ -39,7 +39,7 @@ Sheet::Sheet(const Theme& theme, const std::string& title, QWidget& parent)
     buttons_->addStretch();
 }
 
-Button& Sheet::addButton(const std::string& text, ButtonKind kind, std::function<void()> action)
+Button& SheetWindow::addButton(const std::string& text, ButtonKind kind, std::function<void()> action)
 {
     auto& button = added(*buttons_, new Button{theme_, kind});
     button.setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -56,7 +56,7 @@ Button& Sheet::addButton(const std::string& text, ButtonKind kind, std::function
 void showAlert(const Theme& theme, QWidget& parent, const std::string& title, const std::string& message)
 {
     constexpr double width = 360;
-    auto* alert = new Sheet{theme, title, parent};
+    auto* alert = new SheetWindow{theme, title, parent};
     alert->add(new Label{theme, TextStyle::strong}).show(title);
     alert->add(new Label{theme, TextStyle::body, &Tokens::text2}).show(message);
     alert->addButton(localized("OK"), ButtonKind::primary);
