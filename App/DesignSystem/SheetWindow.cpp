@@ -7,6 +7,9 @@
 
 #include <QFontDatabase>
 #include <QPlainTextEdit>
+#include <QScreen>
+
+#include <algorithm>
 
 namespace vespra {
 
@@ -15,11 +18,34 @@ namespace {
     constexpr double sheetPadding = 24, sheetGap = 12, sheetButtonGap = 8;
     constexpr double textPadding = 7;
 
+    /// As high as its lines where there is room, and never so low that nothing can be read.
+    class TextView final : public QPlainTextEdit {
+    public:
+        explicit TextView(int lines)
+            : lines_{lines}
+        {
+        }
+
+        QSize sizeHint() const override { return {0, heightOf(lines_)}; }
+        QSize minimumSizeHint() const override { return {0, heightOf(fewestLines)}; }
+
+    private:
+        int heightOf(int lines) const
+        {
+            const int margins = static_cast<int>(2 * document()->documentMargin());
+            return fontMetrics().lineSpacing() * lines + margins;
+        }
+
+        static constexpr int fewestLines = 6;
+        int lines_;
+    };
+
 } // namespace
 
-SheetWindow::SheetWindow(const Theme& theme, const std::string& title, QWidget& parent)
+SheetWindow::SheetWindow(const Theme& theme, const std::string& title, double width, QWidget& parent)
     : QDialog{&parent}
     , theme_{theme}
+    , width_{width}
     , contents_{new QVBoxLayout}
     , buttons_{new QHBoxLayout}
     , ground_{theme, *this}
@@ -39,6 +65,18 @@ SheetWindow::SheetWindow(const Theme& theme, const std::string& title, QWidget& 
     buttons_->addStretch();
 }
 
+bool SheetWindow::event(QEvent* event)
+{
+    constexpr int decoration = 60; // pixels of a title bar, and some air
+    const bool isHandled = QDialog::event(event);
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Polish) {
+        const int width = theme_.look.units(width_);
+        setFixedSize(
+            width, std::min(layout()->totalHeightForWidth(width), screen()->availableSize().height() - decoration));
+    }
+    return isHandled;
+}
+
 Button& SheetWindow::addButton(const std::string& text, ButtonKind kind, std::function<void()> action)
 {
     auto& button = added(*buttons_, new Button{theme_, kind});
@@ -56,17 +94,16 @@ Button& SheetWindow::addButton(const std::string& text, ButtonKind kind, std::fu
 void showAlert(const Theme& theme, QWidget& parent, const std::string& title, const std::string& message)
 {
     constexpr double width = 360;
-    auto* alert = new SheetWindow{theme, title, parent};
+    auto* alert = new SheetWindow{theme, title, width, parent};
     alert->add(new Label{theme, TextStyle::strong}).show(title);
     alert->add(new Label{theme, TextStyle::body, &Tokens::text2}).show(message);
     alert->addButton(localized("OK"), ButtonKind::primary);
-    alert->setFixedWidth(theme.look.units(width));
     alert->open();
 }
 
 QWidget* makeTextView(const Theme& theme, const std::string& name, const std::string& text, int lines)
 {
-    auto* view = new QPlainTextEdit;
+    auto* view = new TextView{lines};
     dressScrollBars(theme, *view);
     view->setPlainText(qtText(text));
     view->setAccessibleName(qtText(name));
@@ -78,13 +115,13 @@ QWidget* makeTextView(const Theme& theme, const std::string& name, const std::st
     // Code and licences are written from left to right in every language.
     view->setLayoutDirection(Qt::LeftToRight);
     FocusRing::setRadius(*view, measure::buttonRadius);
-    follow(*view, theme, [view, lines, &look = theme.look] {
+    follow(*view, theme, [view, &look = theme.look] {
         auto font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
         const auto body = look.font(TextStyle::caption);
         font.setPointSizeF(body.pointSizeF());
         view->setFont(font);
         view->document()->setDocumentMargin(look.scaled(textPadding));
-        view->setMinimumHeight(QFontMetrics{font}.lineSpacing() * lines + look.units(2 * textPadding));
+        view->updateGeometry();
         auto colors = view->palette();
         colors.setColor(QPalette::Base, look.tokens().surface2);
         colors.setColor(QPalette::Text, look.tokens().text);

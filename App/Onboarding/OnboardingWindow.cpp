@@ -68,6 +68,7 @@ OnboardingWindow::OnboardingWindow(const SurfaceContext& context, const Theme& t
     connect(primary_, &QPushButton::clicked, this, [this] { perform(actions_.front()); });
     connect(secondary_, &QPushButton::clicked, this, [this] { perform(actions_.back()); });
     primary_->setFocus();
+    fit();
 }
 
 void OnboardingWindow::go(OnboardingStep step)
@@ -105,6 +106,16 @@ void OnboardingWindow::display(const OnboardingFacts& facts)
     primary_->show(title(actions_.front()));
     secondary_->setVisible(actions_.size() > 1);
     secondary_->show(title(actions_.back()));
+    fit();
+}
+
+/// As high as what it shows.
+void OnboardingWindow::fit()
+{
+    if (!layout())
+        return;
+    const int width = theme_.look.units(measure::onboardingWidth);
+    setFixedSize(width, layout()->totalHeightForWidth(width));
 }
 
 void OnboardingWindow::perform(OnboardingAction action)
@@ -135,10 +146,8 @@ void OnboardingWindow::perform(OnboardingAction action)
 bool OnboardingWindow::event(QEvent* event)
 {
     const bool isHandled = QWidget::event(event);
-    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Polish) {
-        const int width = theme_.look.units(measure::onboardingWidth);
-        setFixedSize(width, layout()->totalHeightForWidth(width));
-    }
+    if (event->type() == QEvent::LayoutRequest)
+        fit();
     return isHandled;
 }
 

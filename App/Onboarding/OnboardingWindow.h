@@ -33,6 +33,7 @@ private:
     void display(const OnboardingFacts& facts);
     void perform(OnboardingAction action);
     void fadeIn();
+    void fit();
 
     AppModel& model_;
     const Theme theme_;

@@ -68,12 +68,11 @@ namespace {
     {
         constexpr double width = 600;
         constexpr int lines = 24;
-        auto* sheet = new SheetWindow{theme, localized("Acknowledgements"), window};
+        auto* sheet = new SheetWindow{theme, localized("Acknowledgements"), width, window};
         sheet->add(new Label{theme, TextStyle::body})
             .show(localized("%1 is made with the work of others. These are their licences.", {Brand::appName()}));
         sheet->add(makeTextView(theme, localized("Acknowledgements"), acknowledgements(), lines), 1);
         sheet->addButton(localized("Close"), ButtonKind::primary);
-        sheet->setFixedWidth(theme.look.units(width));
         sheet->open();
     }
 

@@ -3,7 +3,6 @@
 #include "App/Agents/HookTexts.h"
 #include "App/DesignSystem/Note.h"
 #include "App/Wording/Localized.h"
-#include "HelperProtocol/PropertyList.h"
 
 #include <QPointer>
 
@@ -11,14 +10,13 @@ namespace vespra {
 
 namespace {
 
-    constexpr double width = 584;
+    constexpr double sheetWidth = 584;
     constexpr int previewLines = 13;
 
-    /// As the user writes it: "~/.codex/hooks.json".
+    /// As the user writes it: "~/.codex/hooks.json". Agents have their settings in a folder of the home directory.
     std::string shortPath(const std::filesystem::path& file)
     {
-        const auto path = file.string(), home = homeDirectory() + "/";
-        return path.starts_with(home) ? "~/" + path.substr(home.size()) : path;
+        return "~" / file.lexically_relative(file.parent_path().parent_path());
     }
 
     void connectAgent(const SettingsSurface& surface, AgentKind agent, QWidget* window)
@@ -40,7 +38,7 @@ SheetWindow& openConnectSheet(const SettingsSurface& surface, AgentKind agent, Q
     const auto& theme = surface.theme;
     const auto hooks = surface.model.agentIntegration().hookFile(agent);
     const auto title = localized("Connect %1", {std::string{displayName(agent)}});
-    auto* sheet = new SheetWindow{theme, title, window};
+    auto* sheet = new SheetWindow{theme, title, sheetWidth, window};
     sheet->add(new Label{theme, TextStyle::body})
         .show(localized("These lines will be added to %1. A backup is made first, and nothing already there is "
                         "changed.",
@@ -53,7 +51,6 @@ SheetWindow& openConnectSheet(const SettingsSurface& surface, AgentKind agent, Q
     sheet->addButton(localized("Connect"), ButtonKind::primary, [surface, agent, parent = QPointer{&window}] {
         connectAgent(surface, agent, parent);
     });
-    sheet->setFixedWidth(theme.look.units(width));
     sheet->open();
     return *sheet;
 }

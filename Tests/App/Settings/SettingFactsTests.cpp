@@ -47,7 +47,7 @@ TEST_F(SettingFactsTest, SteppersGoToTheirLimitsAndNoFurther)
         bool canGoOn;
     };
     for (const auto& [key, from, presses, to, canGoOn] : std::vector<Row>{
-             {limit, "1h", 27, "7h 45m", true},
+             {limit, "1h", 27, "7h45m", true},
              {limit, "1h", 28, "8h", false},
              {limit, "1h", 29, "8h", false},
              {limit, "15m", -1, "15m", false},
@@ -93,7 +93,8 @@ TEST_F(SettingFactsTest, ValuesReadAsPeopleSayThem)
 
 TEST_F(SettingFactsTest, DependentRowsComeWithTheirSwitch)
 {
-    const auto atMost = row<StepperRow>("energy.batteryTimeLimit"), least = row<StepperRow>("energy.lowBatteryThreshold");
+    const auto atMost = row<StepperRow>("energy.batteryTimeLimit"),
+               least = row<StepperRow>("energy.lowBatteryThreshold");
     const auto limit = row<SwitchRow>("energy.batteryTimeLimit"), low = row<SwitchRow>("energy.stopsOnLowBattery");
     EXPECT_FALSE(settingFacts::isShown(atMost, model()));
     settingFacts::setOn(limit, model(), true);
@@ -144,7 +145,11 @@ TEST(ComponentFacts, SayHowItIsAndWhatCanBeDone)
         std::optional<ComponentAction> action;
     };
     for (const auto& row : std::vector<Row>{
-             {helper::Unsupported{ClosedLidUnsupportedReason::unsignedBuild}, false, false, "Unavailable in this build", {}},
+             {helper::Unsupported{ClosedLidUnsupportedReason::unsignedBuild},
+                 false,
+                 false,
+                 "Unavailable in this build",
+                 {}},
              {helper::NotInstalled{}, false, false, "Not installed", ComponentAction::setUp},
              {helper::NotInstalled{}, false, true, "Checking…", {}},
              {helper::AwaitingApproval{}, false, false, "Waiting for your approval", ComponentAction::approve},

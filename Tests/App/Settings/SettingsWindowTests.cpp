@@ -1,5 +1,4 @@
 #include "App/DesignSystem/Buttons.h"
-#include "App/DesignSystem/PopupButton.h"
 #include "App/Settings/SettingsWindowController.h"
 #include "App/Settings/ShortcutRecorder.h"
 #include "Tests/Support/ShownSurfaces.h"
@@ -81,7 +80,7 @@ TEST_F(SettingsWindowTest, ControlsWriteAtOnceAndFollowChangesMadeElsewhere)
     toggle("Limit time on battery")->click();
     settle();
     EXPECT_EQ(coordinator().settings().energy.batteryTimeLimit, Seconds{1h});
-    EXPECT_EQ(texts().back(), "1h");
+    EXPECT_EQ(texts().back(), "1 hour") << "as it is read aloud";
     EXPECT_GT(controller.window()->height(), height) << "the window grows with its page";
     setSettings([](SessionSettings& settings) {
         settings.energy.requiresACPower = false;
@@ -143,7 +142,9 @@ TEST_F(SettingsWindowTest, ConnectsAnAgentOnceTheUserHasSeenTheLines)
 TEST_F(SettingsWindowTest, RecordsTheNextKeysThatCanBeGlobal)
 {
     open(SettingsTab::general);
-    auto& recorder = *controller.window()->findChild<ShortcutRecorder*>();
+    const auto widgets = controller.window()->findChildren<QWidget*>();
+    auto& recorder = *dynamic_cast<ShortcutRecorder*>(
+        *std::ranges::find_if(widgets, [](QWidget* each) { return dynamic_cast<ShortcutRecorder*>(each) != nullptr; }));
     const auto& keys = model().sessionShortcut().keys();
     press(&recorder, "Record");
     type(recorder, Qt::Key_K, Qt::NoModifier);
