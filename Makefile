@@ -5,10 +5,10 @@ SHELL := /bin/sh
 CMAKE_BUILD_PARALLEL_LEVEL ?= $(shell getconf _NPROCESSORS_ONLN)
 export CMAKE_BUILD_PARALLEL_LEVEL
 
-.PHONY: help setup build run demo test test-lab sanitize bench fuzz format lint layers install clean
+.PHONY: help setup build run demo test test-lab sanitize bench fuzz format lint layers screenshots install clean
 
 help: ## List these commands
-	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-10s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-11s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 
 setup: ## Install what is missing to build, test and check
 	@scripts/setup build test lint
@@ -59,6 +59,10 @@ layers: ## Draw which folder knows which, and fail on an arrow that points up
 	@scripts/setup build test
 	@cmake --preset dev >/dev/null
 	@scripts/layers
+
+screenshots: build ## Draw the pictures of the panel in docs/images anew
+	@scripts/setup screenshots
+	@scripts/screenshots
 
 install: build ## Install the programs (PREFIX=/usr/local)
 	@cmake --install build/release --prefix "$(or $(PREFIX),/usr/local)"

@@ -1,11 +1,16 @@
 #include "App/DesignSystem/Icon.h"
 
+#include "App/DesignSystem/SystemSymbol.h"
+
 #include <QFile>
 #include <QPainter>
 #include <QSvgRenderer>
 
+#include <cmath>
 #include <map>
 #include <memory>
+#include <string>
+#include <tuple>
 
 namespace vespra {
 
@@ -30,11 +35,26 @@ namespace {
         return *found;
     }
 
+    /// The system's symbol in one colour; null where there is none. Kept, as the drawings are.
+    const QImage& symbol(std::string_view name, int pixels, const QColor& color)
+    {
+        static std::map<std::tuple<std::string, int, QRgb>, QImage> kept;
+        const auto [found, isNew] = kept.try_emplace({std::string{name}, pixels, color.rgb()});
+        if (isNew)
+            found->second = systemSymbol(name, pixels);
+        if (isNew && !found->second.isNull()) {
+            QPainter painter{&found->second};
+            painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+            painter.fillRect(found->second.rect(), QColor{color.rgb()});
+        }
+        return found->second;
+    }
+
     void draw(QPainter& painter, const QString& path, const QRectF& area, const QColor& color)
     {
         auto& image = renderer(path, color);
         if (!image.isValid())
-            return;
+            return qWarning("there is no drawing %s", qPrintable(path));
         painter.save();
         painter.setOpacity(painter.opacity() * color.alphaF());
         painter.setRenderHint(QPainter::Antialiasing);
@@ -46,6 +66,13 @@ namespace {
 
 void drawIcon(QPainter& painter, std::string_view name, const QRectF& area, const QColor& color)
 {
+    const int pixels = static_cast<int>(std::lround(area.width() * painter.deviceTransform().m11()));
+    if (const auto& image = symbol(name, pixels, color); !image.isNull()) {
+        painter.save();
+        painter.setOpacity(painter.opacity() * color.alphaF());
+        painter.drawImage(area, image);
+        return painter.restore();
+    }
     const auto file = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
     draw(painter, QStringLiteral(":/icons/%1.svg").arg(file), area, color);
 }

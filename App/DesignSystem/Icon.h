@@ -9,7 +9,8 @@ class QPainter;
 
 namespace vespra {
 
-/// Draws the icon of this name, one of Resources/icons, in one colour into `area`. An unknown name draws nothing.
+/// Draws the icon of this name in one colour into `area`: the system's symbol where it has one, else the one of
+/// Resources/icons. An unknown name draws nothing, with a warning.
 void drawIcon(QPainter& painter, std::string_view name, const QRectF& area, const QColor& color);
 
 /// The brand mark, as wide as `area`, in its middle.

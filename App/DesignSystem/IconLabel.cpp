@@ -27,7 +27,8 @@ QSize IconLabel::sizeHint() const { return QSize{1, 1} * theme_.look.units(size_
 void IconLabel::paintEvent(QPaintEvent*)
 {
     QPainter painter{this};
-    drawIcon(painter, icon_, rect(), theme_.look.tokens().*ink_);
+    if (!icon_.empty())
+        drawIcon(painter, icon_, rect(), theme_.look.tokens().*ink_);
 }
 
 } // namespace vespra

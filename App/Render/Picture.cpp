@@ -9,7 +9,7 @@ QImage picture(QWidget& widget, double scale)
     QImage image{(QSizeF{widget.size()} * scale).toSize(), QImage::Format_ARGB32_Premultiplied};
     image.setDevicePixelRatio(scale);
     image.fill(Qt::transparent);
-    widget.render(&image, {}, {}, QWidget::DrawChildren);
+    widget.render(&image, {}, {}, QWidget::DrawWindowBackground | QWidget::DrawChildren);
     return image;
 }
 

@@ -5,7 +5,7 @@ namespace vespra {
 std::vector<Scene> scenes()
 {
     std::vector<Scene> all;
-    for (const auto kind : {panelScenes(), settingsScenes(), controlScenes()})
+    for (const auto kind : {panelScenes(), statusItemScenes(), settingsScenes(), controlScenes()})
         all.insert(all.end(), kind.begin(), kind.end());
     return all;
 }

@@ -22,8 +22,9 @@ struct Scene {
 
 /// Those of one kind.
 std::span<const Scene> panelScenes();
-std::span<const Scene> controlScenes();
+std::span<const Scene> statusItemScenes();
 std::span<const Scene> settingsScenes();
+std::span<const Scene> controlScenes();
 
 /// All there are, in the order in which they are drawn.
 std::vector<Scene> scenes();

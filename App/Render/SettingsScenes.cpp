@@ -36,9 +36,7 @@ namespace {
     template <AgentEndAction action> void connectOne(Stage& stage)
     {
         stage.connect(AgentKind::claudeCode);
-        std::filesystem::create_directories(
-            stage.model().agentIntegration().settingsFile(AgentKind::codex).parent_path());
-        stage.model().agentIntegration().refresh();
+        stage.install(AgentKind::codex);
         stage.set([](SessionSettings& settings) { settings.agents.endAction = action; });
     }
 
@@ -82,7 +80,7 @@ namespace {
         {"settings-power", limitBattery, settings<power>},
         {"settings-power-rtl", limitBattery, settings<power>, rightToLeft},
         {"settings-closed-lid", setComponent<ready>, settings<closedLid>},
-        {"settings-closed-lid-not-installed", leaveAsItIs, settings<closedLid>},
+        {"settings-closed-lid-not-installed", setComponent<notInstalled>, settings<closedLid>},
         {"settings-closed-lid-approval", setComponent<awaitingApproval>, settings<closedLid>},
         {"settings-closed-lid-failed", setComponent<failed>, settings<closedLid>},
         {"settings-closed-lid-in-use", useClosedLid, settings<closedLid>},
@@ -93,10 +91,10 @@ namespace {
         {"settings-connect", leaveAsItIs, connectSheet},
         {"onboarding-1", leaveAsItIs, onboarding<OnboardingStep::launchAtLogin>},
         {"onboarding-2", setComponent<ready>, onboarding<OnboardingStep::closedLid>},
-        {"onboarding-2-not-installed", leaveAsItIs, onboarding<OnboardingStep::closedLid>},
+        {"onboarding-2-not-installed", setComponent<notInstalled>, onboarding<OnboardingStep::closedLid>},
         {"onboarding-2-approval", setComponent<awaitingApproval>, onboarding<OnboardingStep::closedLid>},
         {"onboarding-2-no-lid", setComponent<noBuiltInDisplay>, onboarding<OnboardingStep::closedLid>},
-        {"onboarding-2-150", leaveAsItIs, onboarding<OnboardingStep::closedLid>, largeText},
+        {"onboarding-2-150", setComponent<notInstalled>, onboarding<OnboardingStep::closedLid>, largeText},
     }};
 
 } // namespace

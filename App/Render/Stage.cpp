@@ -84,10 +84,16 @@ void Stage::set(const std::function<void(SessionSettings&)>& change)
     settle();
 }
 
+void Stage::install(AgentKind agent)
+{
+    std::filesystem::create_directories(model().agentIntegration().settingsFile(agent).parent_path());
+    model().agentIntegration().refresh();
+}
+
 void Stage::connect(AgentKind agent)
 {
+    install(agent);
     auto& integration = model().agentIntegration();
-    std::filesystem::create_directories(integration.settingsFile(agent).parent_path());
     if (const auto done = integration.hookFile(agent).connect(laptop_.time.now()); !done)
         qFatal("the hooks of an agent could not be written into %s", qPrintable(home_.path()));
     integration.refresh();

@@ -32,7 +32,9 @@ public:
     void prefer(const std::function<void(SessionPreferences&)>& change);
     /// Also the settings of a session that runs.
     void set(const std::function<void(SessionSettings&)>& change);
-    /// Connects the agent in a home directory of the stage's own.
+    /// The agent has been used in the home directory, which is of the stage's own.
+    void install(AgentKind agent);
+    /// The same, and it is connected.
     void connect(AgentKind agent);
     /// The agent reports from a folder of this name.
     void report(AgentKind agent, const std::string& folder, AgentSignal signal);
