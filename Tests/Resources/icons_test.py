@@ -6,6 +6,7 @@ import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 OTHERS = "System", "MenuBar", "Render"
+PROPERTIES = {"opacity"}
 
 
 def named():
@@ -15,7 +16,7 @@ def named():
         text = re.sub(r"//.*", "", path.read_text())
         if path.relative_to(ROOT / "App").parts[0] not in OTHERS and re.search("symbol|[iI]con|NoteKind", text):
             found |= dict.fromkeys(re.findall(r'"([a-z]+(?:\.[a-z0-9]+)*)"', text), str(path))
-    return found
+    return {name: path for name, path in found.items() if name not in PROPERTIES}
 
 
 class Icons(unittest.TestCase):
