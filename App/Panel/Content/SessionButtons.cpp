@@ -16,6 +16,8 @@ namespace {
     {
         auto* button = new Button{context.theme, kind};
         button->show(text);
+        // Return is the panel's: one that is held must not start and stop in turn.
+        button->setAutoDefault(false);
         QObject::connect(button, &QPushButton::clicked, button, [&model = context.model, act] { act(model); });
         return button;
     }

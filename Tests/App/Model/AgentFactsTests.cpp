@@ -2,6 +2,8 @@
 
 #include "Tests/Support/LaunchedApplication.h"
 
+#include <gmock/gmock.h>
+
 namespace vespra {
 
 namespace {
@@ -38,8 +40,8 @@ namespace {
                  {{"2", codex, "/u/p", idle, {}, {}, true},
                      {"CX", "p", "Codex · 24m", AgentStatus::finished, "Finished"}},
                  {{"3", codex, {}, idle}, {"CX", "Codex", "24m", AgentStatus::idle, "Idle"}},
-                 {{"4", claude, "/", waitingForApproval, {}, {}, true},
-                     {"CC", "Claude Code", "24m", AgentStatus::waitingForApproval, "Waiting for approval"}},
+                 {{"4", claude, "/u/a b", waitingForApproval, {}, {}, true},
+                     {"CC", "a b", "Claude Code · 24m", AgentStatus::waitingForApproval, "Waiting for approval"}},
              })
             EXPECT_EQ(panelFacts::agentLine(session, Instant{} + 24min), line) << session.id;
     }

@@ -3,6 +3,8 @@
 #include "App/System/ClosedLidController.h"
 #include "Tests/Support/LaunchedApplication.h"
 
+#include <gmock/gmock.h>
+
 namespace vespra {
 
 namespace {

@@ -6,9 +6,12 @@
 #include "App/System/ClosedLidController.h"
 #include "Tests/Support/LaunchedApplication.h"
 
+#include <gmock/gmock.h>
+
 #include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QScrollBar>
 
 namespace vespra {
 
