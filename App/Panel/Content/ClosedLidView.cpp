@@ -96,7 +96,19 @@ void ClosedLidView::showChecks(const std::vector<panelFacts::CheckItem>& checks)
 {
     for (std::size_t index = 0; index < checks.size(); ++index)
         checks_.at(index)->show(checks[index].text, checkState(checks[index].state));
+    // What the user asked for, or is asked for, shows at once.
+    if (!checks.empty() && !offered_ && isVisible())
+        return openSoon();
+    opening_.reset();
     context_.setShown(*card_, !checks.empty());
+}
+
+/// A check that is over in a moment is not worth a panel that opens and closes.
+void ClosedLidView::openSoon()
+{
+    constexpr Seconds moment{0.4};
+    if (card_->isHidden() && !opening_)
+        opening_ = context_.tasks.schedule(moment, lifetime_.guard([this] { context_.setShown(*card_, true); }));
 }
 
 void ClosedLidView::act()

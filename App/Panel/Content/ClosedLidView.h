@@ -4,6 +4,8 @@
 #include "App/DesignSystem/Card.h"
 #include "App/Model/ClosedLidFacts.h"
 #include "App/Panel/Content/PanelContext.h"
+#include "Core/Lifetime.h"
+#include "Core/Scheduling/TaskScheduling.h"
 
 namespace vespra {
 
@@ -15,6 +17,7 @@ public:
 private:
     void layOut();
     void show(const panelFacts::ClosedLidRow& facts);
+    void openSoon();
     void showChecks(const std::vector<panelFacts::CheckItem>& checks);
     void act();
 
@@ -28,8 +31,10 @@ private:
     QVBoxLayout* lines_;
     std::array<CheckLine*, 4> checks_;
     Button* turnOff_;
+    std::unique_ptr<ScheduledTask> opening_;
     FollowsLook follows_;
     ObservationLoop loop_;
+    Lifetime lifetime_;
 };
 
 } // namespace vespra

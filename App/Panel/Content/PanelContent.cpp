@@ -35,6 +35,7 @@ PanelContent::PanelContent(const SurfaceContext& context, const Theme& theme, st
     : clock_{context.model, context.clock}
     , context_{.model = context.model,
           .theme = theme,
+          .tasks = context.tasks,
           .clock = clock_,
           .hidePanel = std::move(hide),
           .takeFocus =

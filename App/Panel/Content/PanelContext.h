@@ -35,6 +35,7 @@ private:
 struct PanelContext {
     AppModel& model;
     Theme theme;
+    TaskScheduling& tasks;
     const PanelClock& clock;
     /// Takes the panel out of the way of what the system asks.
     std::function<void()> hidePanel;

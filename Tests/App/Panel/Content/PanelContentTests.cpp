@@ -214,6 +214,27 @@ TEST_F(Panel, HandsTheFocusFromStartToStopAndBack)
     EXPECT_EQ(content->focusWidget(), &button("Start"));
 }
 
+TEST_F(Panel, OpensNoChecklistForACheckThatIsOverAtOnce)
+{
+    show();
+    model().start();
+    settle();
+    const int closed = content->height();
+    model().setClosedLid(true);
+    laptop.advance(1s);
+    settle();
+    EXPECT_EQ(content->height(), closed);
+    model().setClosedLid(false);
+    laptop.advance(1s);
+    laptop.set({{"helper", "stuck"}});
+    model().setClosedLid(true);
+    settle();
+    EXPECT_EQ(content->height(), closed);
+    laptop.advance(1s);
+    settle();
+    EXPECT_GT(content->height(), closed);
+}
+
 TEST_F(Panel, TabsAsItReads)
 {
     const auto expectOrder = [this] {
