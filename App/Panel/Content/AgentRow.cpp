@@ -60,13 +60,14 @@ void AgentRow::show(const panelFacts::AgentLine& line, bool isFirst)
 {
     if (line_ == line && isFirst_ == isFirst)
         return;
+    if (isFirst_ != isFirst)
+        update();
     line_ = line;
     isFirst_ = isFirst;
     name_->show(line.name);
     detail_->show(line.detail);
     activity_->show(line.activity, ink(line.status));
     setAccessibleName(qtText(line.name + ", " + line.detail + ", " + line.activity));
-    update();
 }
 
 void AgentRow::paintEvent(QPaintEvent*)
