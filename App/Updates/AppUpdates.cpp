@@ -12,7 +12,13 @@ AppUpdates::AppUpdates(Updater* updater)
             notify(onUpdateFound, version);
     });
     updater_->onUpdateSeen = lifetime_.guard([this] { notify(onUpdateSeen); });
-    updater_->onCycleFinished = lifetime_.guard([this] { lastCheck_.set(updater_->lastCheck()); });
+    updater_->onCycleFinished = lifetime_.guard([this] { read(); });
+    read();
+}
+
+/// The updater's own windows change what is chosen as well.
+void AppUpdates::read()
+{
     automaticallyChecks_.set(updater_->automaticallyChecks());
     automaticallyInstalls_.set(updater_->automaticallyInstalls());
     lastCheck_.set(updater_->lastCheck());

@@ -41,6 +41,8 @@ public:
     std::function<void()> onUpdateSeen;
 
 private:
+    void read();
+
     Updater* updater_;
     Observed<bool> automaticallyChecks_{false};
     Observed<bool> automaticallyInstalls_{false};

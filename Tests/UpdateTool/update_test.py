@@ -1,6 +1,5 @@
 """vespra-update against a server of the test's own, with a certificate authority of its own."""
 
-import base64
 import http.server
 import json
 import os
@@ -13,6 +12,7 @@ import time
 import unittest
 
 PROGRAM = pathlib.Path(os.environ["VESPRA_BIN"]) / "vespra-update"
+SIGN = pathlib.Path(__file__).resolve().parents[2] / "scripts/sign-update"
 PACKAGE = os.urandom(300_000)
 FOREVER, HUGE = 60, 100_000_000
 
@@ -27,7 +27,7 @@ class Keys:
     def __init__(self, folder):
         self.folder = folder
         openssl("genpkey", "-algorithm", "ed25519", "-out", self.path("signing"))
-        self.public = base64.b64encode(openssl("pkey", "-in", self.path("signing"), "-pubout", "-outform", "DER")[-32:]).decode()
+        self.public = self.sign().strip()
         openssl("req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout", self.path("ca-key"), "-out", self.path("ca"),
                 "-subj", "/CN=Test authority", "-days", "2")
         openssl("req", "-newkey", "rsa:2048", "-nodes", "-keyout", self.path("key"), "-out", self.path("request"),
@@ -39,14 +39,18 @@ class Keys:
     def path(self, name):
         return str(self.folder / name)
 
+    def sign(self, *files):
+        return subprocess.run([SIGN, self.path("signing"), *files], check=True, capture_output=True, text=True).stdout
+
     def signature(self, content):
-        pathlib.Path(self.path("content")).write_bytes(content)
-        return base64.b64encode(openssl("pkeyutl", "-sign", "-inkey", self.path("signing"), "-rawin", "-in",
-                                        self.path("content"))).decode()
+        (self.folder / "content").write_bytes(content)
+        return self.sign(self.folder / "content").split('"')[1]
 
     def signed(self, feed):
-        feed = feed.encode()
-        return feed + f"<!-- sparkle-signatures:\nedSignature: {self.signature(feed)}\nlength: {len(feed)}\n-->\n".encode()
+        file = self.folder / "feed.xml"
+        file.write_text(feed + "\n<!-- sparkle-signatures:\nof an earlier release\n-->\n")
+        self.sign(file)
+        return file.read_bytes()
 
 
 def item(version, *systems, notes=""):

@@ -33,7 +33,7 @@ std::unique_ptr<SoundPlayer> makeMacSoundPlayer(MainLoop& mainLoop);
 std::unique_ptr<LoginService> makeMacLoginService();
 std::unique_ptr<GlobalShortcut> makeCarbonShortcut(MainLoop& mainLoop);
 std::unique_ptr<AppearanceMonitoring> makeMacAppearance();
-/// Null in an application without the updater's framework.
+/// Null in an application without the updater's framework or the address of a feed.
 std::unique_ptr<Updater> makeSparkleUpdater();
 
 } // namespace vespra

@@ -75,9 +75,12 @@ namespace vespra {
 
 namespace {
 
-    /// Nil where the bundle has no such framework.
+    /// Nil where the bundle has no such framework, or names no feed: started without one, it would complain in a
+    /// window.
     Class controllerClass()
     {
+        if (![NSBundle.mainBundle objectForInfoDictionaryKey:@"SUFeedURL"])
+            return nil;
         NSString* path =
             [NSBundle.mainBundle.privateFrameworksPath stringByAppendingPathComponent:@"Sparkle.framework"];
         if (!path || ![[NSBundle bundleWithPath:path] load])
