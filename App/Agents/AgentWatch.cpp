@@ -136,10 +136,12 @@ AgentWatch::Reading AgentWatch::readClaude(Watched& watched)
 std::optional<AgentReading::Claim> AgentWatch::statusClaim(const ClaudeStatus& status, Watched& watched) const
 {
     const bool isOfSession = status.sessionID == watched.agentsID;
-    // The process has turned to another session.
-    const auto activity = isOfSession ? status.activity : AgentActivity::idle;
     watched.hadStatus = watched.hadStatus || isOfSession;
-    return activity ? std::optional{AgentReading::Claim{.activity = *activity, .since = status.since}} : std::nullopt;
+    if (!status.activity)
+        return {};
+    // Otherwise the process has turned to another session, and is done with this one.
+    return AgentReading::Claim{
+        .activity = isOfSession ? *status.activity : AgentActivity::idle, .since = status.since};
 }
 
 /// The status that the session's process writes, also about another session once it was about this one.

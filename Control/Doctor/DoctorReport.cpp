@@ -153,7 +153,7 @@ std::string text(const Report& report, const std::string& application)
         if (!each.tellsAll && std::ranges::none_of(report.facts.inhibitors, isKnown))
             text += "  " + each.service + " does not answer\n";
     }
-    if (report.session)
+    if (report.session || report.agents)
         text += agentsText(report.agents);
     text += "\nWhat could defeat a session\n";
     for (const auto& each : report.facts.threats)

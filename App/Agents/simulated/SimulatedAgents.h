@@ -3,6 +3,7 @@
 #include "App/Agents/AgentFiles.h"
 #include "App/Agents/AgentProcesses.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -61,10 +62,10 @@ public:
 
     AgentReading::Process state(const ProcessIdentity& process) override
     {
-        using enum AgentReading::Process;
+        using Process = AgentReading::Process;
         if (process.space != 0)
-            return unknown;
-        return alive.contains({process.pid, process.start}) ? AgentReading::Process::alive : gone;
+            return Process::unknown;
+        return alive.contains({process.pid, process.start}) ? Process::alive : Process::gone;
     }
     bool hasChildYoungerThan(const ProcessIdentity& process, Seconds age) override
     {
