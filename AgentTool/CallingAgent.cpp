@@ -20,39 +20,41 @@ namespace {
         return std::ranges::find(shells, name) != shells.end();
     }
 
-    ProcessIdentity identity(pid_t pid, const ProcessFacts& facts)
+    void name(AgentOrigin& origin, pid_t pid, const ProcessFacts& facts, bool isCertain)
     {
-        return {.pid = pid, .start = facts.start, .space = processSpace()};
+        origin.process = ProcessIdentity{.pid = pid, .start = facts.start, .space = processSpace()};
+        origin.isProcessCertain = isCertain;
     }
 
     /// Claude Code names itself in the environment, which also reaches other agents that are started from it.
-    std::optional<ProcessIdentity> namedAgent(AgentKind agent)
+    pid_t namedProcess(AgentKind agent)
     {
         const char* text = agent == AgentKind::claudeCode ? std::getenv("CLAUDE_PID") : nullptr;
         pid_t pid = 0;
         if (text)
             std::from_chars(text, text + std::strlen(text), pid);
-        const auto facts = pid > 1 ? processFacts(pid) : std::nullopt;
-        return facts ? std::optional{identity(pid, *facts)} : std::nullopt;
+        return pid;
     }
 
 } // namespace
 
-std::optional<ProcessIdentity> callingAgent(AgentKind agent)
+void nameProcess(AgentEvent& event)
 {
-    if (const auto named = namedAgent(agent))
-        return named;
+    if (const auto named = namedProcess(event.agent); named > 1)
+        if (const auto facts = processFacts(named))
+            return name(event.origin, named, *facts, true);
+    // No agent is done with its start so soon; a program around the hook is.
+    constexpr std::chrono::seconds youngestAgent{1};
     constexpr int furthest = 8;
     auto pid = getppid();
     for (int i = 0; i < furthest && pid > 1; ++i) {
         const auto facts = processFacts(pid);
         if (!facts)
-            return {};
+            return;
         if (!isShell(facts->name))
-            return identity(pid, *facts);
+            return name(event.origin, pid, *facts, age(*facts) >= youngestAgent);
         pid = facts->parent;
     }
-    return {};
 }
 
 } // namespace vespra

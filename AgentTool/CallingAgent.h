@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Core/Agents/AgentKind.h"
-#include "Core/Agents/AgentOrigin.h"
+#include "Core/Agents/AgentEvent.h"
 
 namespace vespra {
 
-/// The process of the agent that runs this hook: the one that it names itself, else the nearest ancestor that is not a
-/// shell. Absent if the system does not tell.
-std::optional<ProcessIdentity> callingAgent(AgentKind agent);
+/// Says of `event`'s origin which process runs this hook: the one that the agent names itself, else the nearest ancestor
+/// that is not a shell. Says nothing if the system does not tell.
+void nameProcess(AgentEvent& event);
 
 } // namespace vespra

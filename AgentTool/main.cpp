@@ -25,7 +25,7 @@ void report(HookInputReader& reader, std::string_view agentName)
     auto event = agent ? agentEvent(*input, *agent, SystemClock{}.now()) : std::nullopt;
     if (!event)
         return;
-    event->origin.process = callingAgent(*agent);
+    nameProcess(*event);
     sendLine(encoded(*event), socketPath());
 }
 

@@ -168,14 +168,20 @@ std::optional<ClaudeStatus> AgentWatch::findStatus(Watched& watched)
     return {};
 }
 
+/// What is torn was being written, and is whole a moment later.
 std::optional<ClaudeStatus> AgentWatch::readStatus(const std::string& path) const
 {
-    const auto facts = system_.files.facts(path);
-    // It may have grown since.
-    constexpr std::uint64_t room = 4096;
-    const auto text
-        = facts ? system_.files.read(path, *facts, 0, std::min(facts->size + room, statusLimit)) : std::nullopt;
-    return text ? claudeStatus(*text) : std::nullopt;
+    constexpr std::uint64_t room = 4096; // for what it may have grown meanwhile
+    constexpr int tries = 2;
+    for (int i = 0; i < tries; ++i) {
+        const auto facts = system_.files.facts(path);
+        if (!facts)
+            return {};
+        const auto text = system_.files.read(path, *facts, 0, std::min(facts->size + room, statusLimit));
+        if (const auto status = text ? claudeStatus(*text) : std::nullopt)
+            return status;
+    }
+    return {};
 }
 
 const std::vector<ClaudeStatus>& AgentWatch::statusesIn(const std::string& folder)

@@ -19,17 +19,22 @@ namespace {
             .activity = AgentActivity::working, .since = wasWorking ? before->activitySince : event.date};
     }
 
+    /// A date in the future is that of a clock that has been set back since; nothing can be said of its age.
+    bool isRested(Instant event, Instant now) { return now < event || now - event >= AgentCourse::eventRest; }
+
 } // namespace
 
 void AgentCourse::take(const AgentEvent& event, const AgentSession* before)
 {
     lastEventAt_ = event.date;
+    if (!before || before->activity != activityAfter(event.signal))
+        changedAt_ = event.date;
     sighting_.reset();
     remark_ = remarkOf(event, before);
     if (!event.origin.process)
         return;
     // A program that only ran the hook has gone by the next event.
-    isProcessCertain_ = process_ == event.origin.process;
+    isProcessCertain_ = event.origin.isProcessCertain || process_ == event.origin.process;
     process_ = event.origin.process;
 }
 
@@ -41,10 +46,10 @@ void AgentCourse::adopt(const ProcessIdentity& process)
 
 std::optional<AgentCorrection> AgentCourse::judge(const AgentReading& reading, AgentActivity current, Instant now)
 {
-    if (reading.process == AgentReading::Process::alive && isRested(now))
+    if (reading.process == AgentReading::Process::alive && isRested(lastEventAt_, now))
         isProcessCertain_ = true;
     if (reading.process == AgentReading::Process::gone && isProcessCertain_)
-        return isRested(now) ? std::optional{AgentCorrection{.activity = {}, .since = now}} : std::nullopt;
+        return isRested(lastEventAt_, now) ? std::optional{AgentCorrection{.activity = {}, .since = now}} : std::nullopt;
     if (!counts(reading, current, now))
         return {};
     return AgentCorrection{
@@ -60,13 +65,10 @@ bool AgentCourse::counts(const AgentReading& reading, AgentActivity current, Ins
     if (!claim || claim->activity == current)
         return false;
     if (saysLess)
-        return isRested(now) && isSettled(*claim, now);
+        return isRested(lastEventAt_, now) && isSettled(*claim, now);
     const bool isNewer = claim->isApartFromEvent || (claim->since && *claim->since > lastEventAt_);
-    return reading.process == AgentReading::Process::alive && (isNewer || isRested(now));
+    return reading.process == AgentReading::Process::alive && (isNewer || isRested(changedAt_, now));
 }
-
-/// A date in the future is that of a clock that has been set back since; nothing can be said of its age.
-bool AgentCourse::isRested(Instant now) const { return now < lastEventAt_ || now - lastEventAt_ >= eventRest; }
 
 bool AgentCourse::isSettled(const AgentReading::Claim& claim, Instant now)
 {

@@ -58,18 +58,19 @@ public:
 
     Instant lastEventAt() const { return lastEventAt_; }
 
-    /// The agent's process, by its events or by its own file. It takes more than one look or event to be certain that it
-    /// is not a program that only ran the hook.
+    /// The agent's process, by its events or by its own file. Where the events are not certain of it, another event or
+    /// look has to show that it is no program that only ran the hook.
     const std::optional<ProcessIdentity>& process() const { return process_; }
     /// A file of the agent names its process.
     void adopt(const ProcessIdentity& process);
 
 private:
     bool counts(const AgentReading& reading, AgentActivity current, Instant now);
-    bool isRested(Instant now) const;
     bool isSettled(const AgentReading::Claim& claim, Instant now);
 
     Instant lastEventAt_;
+    /// When the events last changed what the tracker says: one that repeats it does not take a look back.
+    Instant changedAt_;
     std::optional<AgentCorrection> remark_;
     std::optional<ProcessIdentity> process_;
     bool isProcessCertain_ = false;

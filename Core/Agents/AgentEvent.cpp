@@ -60,6 +60,8 @@ namespace {
             json["process"] = {{"pid", process->pid}, {"start", process->start}};
             if (process->space != 0)
                 json["process"]["space"] = process->space;
+            if (origin.isProcessCertain)
+                json["process"]["isCertain"] = true;
         }
         if (origin.transcript)
             json["transcript"] = *origin.transcript;
@@ -116,6 +118,7 @@ namespace {
     {
         const auto* process = member(json, "process");
         return {.process = process ? processOf(*process) : std::nullopt,
+            .isProcessCertain = process && flagOf(*process, "isCertain"),
             .transcript = textOf(json, "transcript"),
             .subagent = textOf(json, "subagent"),
             .isCompaction = flagOf(json, "isCompaction"),
@@ -139,8 +142,7 @@ std::optional<AgentEvent> agentEvent(const HookInput& input, AgentKind agent, In
         return {};
     AgentEvent event{
         .agent = agent, .sessionID = *input.sessionID, .cwd = input.cwd, .signal = *signal, .date = date};
-    event.origin = {.process = {},
-        .transcript = unlessEmpty(input.transcriptPath),
+    event.origin = {.transcript = unlessEmpty(input.transcriptPath),
         .subagent = unlessEmpty(input.agentID),
         .isCompaction = *signal == AgentSignal::sessionStarted && input.source == "compact",
         .leavesAgentsRunning = *signal == AgentSignal::finished && input.hasRunningAgents};

@@ -23,6 +23,8 @@ struct ProcessIdentity {
 struct AgentOrigin {
     /// The agent's own process.
     std::optional<ProcessIdentity> process;
+    /// That process is certainly the agent, and no program that only runs the hook.
+    bool isProcessCertain = false;
     /// The path of the file into which the session, or its subagent, is written.
     std::optional<std::string> transcript;
     /// Of the subagent that the event is about; never empty.

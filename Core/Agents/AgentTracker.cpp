@@ -10,21 +10,6 @@ namespace vespra {
 
 namespace {
 
-    AgentActivity activityAfter(AgentSignal signal)
-    {
-        switch (signal) {
-        case AgentSignal::working:
-            return AgentActivity::working;
-        case AgentSignal::waitingForApproval:
-            return AgentActivity::waitingForApproval;
-        case AgentSignal::sessionStarted:
-        case AgentSignal::finished:
-        case AgentSignal::sessionEnded:
-            break;
-        }
-        return AgentActivity::idle;
-    }
-
     AgentSession newSession(const std::string& id, const AgentEvent& event)
     {
         return {.id = id, .agent = event.agent, .cwd = {}, .lastEventAt = event.date, .activitySince = event.date};
@@ -41,6 +26,21 @@ namespace {
     auto findSession(auto& sessions, const std::string& id) { return std::ranges::find(sessions, id, &AgentSession::id); }
 
 } // namespace
+
+AgentActivity activityAfter(AgentSignal signal)
+{
+    switch (signal) {
+    case AgentSignal::working:
+        return AgentActivity::working;
+    case AgentSignal::waitingForApproval:
+        return AgentActivity::waitingForApproval;
+    case AgentSignal::sessionStarted:
+    case AgentSignal::finished:
+    case AgentSignal::sessionEnded:
+        break;
+    }
+    return AgentActivity::idle;
+}
 
 std::string agentSessionID(const AgentEvent& event)
 {

@@ -31,6 +31,9 @@ struct AgentSession {
     bool operator==(const AgentSession&) const = default;
 };
 
+/// What an agent does after it has sent `signal`.
+AgentActivity activityAfter(AgentSignal signal);
+
 /// Folds the agents' reports into the list of their live sessions. Main thread only.
 class AgentTracker {
 public:

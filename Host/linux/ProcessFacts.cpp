@@ -62,16 +62,6 @@ namespace {
         return facts.start != 0 ? std::optional{std::move(facts)} : std::nullopt;
     }
 
-    /// In ticks since the start of the computer, as processes' starts are counted.
-    double uptime()
-    {
-        timespec now{};
-        clock_gettime(CLOCK_BOOTTIME, &now);
-        constexpr double nanoseconds = 1e9;
-        return (static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / nanoseconds)
-            * static_cast<double>(sysconf(_SC_CLK_TCK));
-    }
-
 } // namespace
 
 std::optional<ProcessFacts> processFacts(pid_t pid)
@@ -84,19 +74,27 @@ std::optional<ProcessFacts> processFacts(pid_t pid)
     return size > 0 ? parsedStat({text.data(), static_cast<std::size_t>(size)}) : std::nullopt;
 }
 
+std::chrono::duration<double> age(const ProcessFacts& process)
+{
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    const auto ticks = static_cast<double>(sysconf(_SC_CLK_TCK)); // of a second
+    return std::chrono::seconds{now.tv_sec} + std::chrono::nanoseconds{now.tv_nsec}
+    - std::chrono::duration<double>{static_cast<double>(process.start) / ticks};
+}
+
 std::uint64_t processSpace()
 {
     struct stat space{};
     return stat("/proc/self/ns/pid", &space) == 0 ? space.st_ino : 0;
 }
 
-bool hasChildYoungerThan(pid_t parent, std::chrono::duration<double> age)
+bool hasChildYoungerThan(pid_t parent, std::chrono::duration<double> limit)
 {
     const std::unique_ptr<DIR, int (*)(DIR*)> processes{opendir("/proc"), closedir};
-    const double earliest = uptime() - age.count() * static_cast<double>(sysconf(_SC_CLK_TCK));
     while (const auto* entry = processes ? readdir(processes.get()) : nullptr) {
         const auto facts = processFacts(std::atoi(entry->d_name)); // 0 for what is no process
-        if (facts && facts->parent == parent && !facts->hasEnded && static_cast<double>(facts->start) > earliest)
+        if (facts && facts->parent == parent && !facts->hasEnded && age(*facts) < limit)
             return true;
     }
     return false;

@@ -25,19 +25,23 @@ std::optional<ProcessFacts> processFacts(pid_t pid)
         .hasEnded = info.pbi_status == SZOMB};
 }
 
+std::chrono::duration<double> age(const ProcessFacts& process)
+{
+    const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
+    return now - std::chrono::duration<double>{static_cast<double>(process.start) / static_cast<double>(microseconds)};
+}
+
 std::uint64_t processSpace() { return 0; }
 
-bool hasChildYoungerThan(pid_t parent, std::chrono::duration<double> age)
+bool hasChildYoungerThan(pid_t parent, std::chrono::duration<double> limit)
 {
     const int room = proc_listchildpids(parent, nullptr, 0);
     std::vector<pid_t> children(room > 0 ? static_cast<std::size_t>(room) : 0);
     const int count = proc_listchildpids(parent, children.data(), static_cast<int>(children.size() * sizeof(pid_t)));
     children.resize(count > 0 ? std::min(static_cast<std::size_t>(count), children.size()) : 0);
-    const auto now = std::chrono::duration<double>{std::chrono::system_clock::now().time_since_epoch()};
-    const double earliest = (now - age).count() * static_cast<double>(microseconds);
     return std::ranges::any_of(children, [&](pid_t child) {
         const auto facts = processFacts(child);
-        return facts && !facts->hasEnded && static_cast<double>(facts->start) > earliest;
+        return facts && !facts->hasEnded && age(*facts) < limit;
     });
 }
 

@@ -6,15 +6,13 @@
 
 #include <random>
 
-using namespace vespra;
-
-namespace {
+namespace vespra::courses {
 
 using enum AgentActivity;
 using Process = AgentReading::Process;
-const Instant noon = Instant::fromISO8601("2026-01-01T12:00:00Z").value();
+static const Instant noon = Instant::fromISO8601("2026-01-01T12:00:00Z").value();
 
-AgentEvent event(AgentSignal signal, Instant date = noon, std::optional<ProcessIdentity> process = {})
+static AgentEvent event(AgentSignal signal, Instant date = noon, std::optional<ProcessIdentity> process = {})
 {
     AgentEvent event{.agent = AgentKind::codex, .sessionID = "s", .signal = signal, .date = date};
     event.origin.process = process;
@@ -22,7 +20,7 @@ AgentEvent event(AgentSignal signal, Instant date = noon, std::optional<ProcessI
 }
 
 /// What `judge` makes of one reading: the new activity, "ended" or nothing.
-std::string judged(AgentCourse& course, const AgentReading& reading, AgentActivity current, Instant now)
+static std::string judged(AgentCourse& course, const AgentReading& reading, AgentActivity current, Instant now)
 {
     const auto correction = course.judge(reading, current, now);
     if (!correction)
@@ -111,13 +109,17 @@ TEST(AgentCourse, EndsTheSessionOfAProcessThatHasOutlivedAHook)
         course.take(event(AgentSignal::working, noon, agent), nullptr);
     EXPECT_EQ(judged(course, gone, working, noon + 2.9s), "") << "its last event may still be on the way";
     EXPECT_EQ(judged(course, gone, working, noon + 3s), "ended") << "two events name it";
+    auto certain = event(AgentSignal::working, noon, next);
+    certain.origin.isProcessCertain = true;
+    course.take(certain, nullptr);
+    EXPECT_EQ(judged(course, gone, working, noon + 3s), "ended") << "the event is certain of it";
     EXPECT_EQ(judged(course, {}, working, noon + 1h), "") << "silence says nothing";
 }
 
 /// Appends to the only thread's file.
-void append(CodexThreads& threads, const std::string& text) { threads.all().front().rollout.take(text); }
+static void append(CodexThreads& threads, const std::string& text) { threads.all().front().rollout.take(text); }
 
-std::string rolloutLine(Seconds at, const char* type)
+static std::string rolloutLine(Seconds at, const char* type)
 {
     return R"({"timestamp":")" + (noon + at).iso8601() + R"(","type":"event_msg","payload":{"type":")" + type + "\"}}\n";
 }
@@ -207,19 +209,21 @@ public:
 
 private:
     static constexpr Seconds length = 0.5s;
-    static constexpr int steps = 500, lookEvery = 20;
+    static constexpr int steps = 400, lookEvery = 20;
     struct Clock final : WallClock {
         Instant at = noon;
         Instant now() const override { return at; }
     };
 
-    bool chance(double probability) { return std::bernoulli_distribution{probability}(random_); }
-    Seconds between(double least, double most) { return Seconds{std::uniform_real_distribution{least, most}(random_)}; }
+    double fraction() { return static_cast<double>(random_()) / static_cast<double>(std::minstd_rand::max()); }
+    bool chance(double probability) { return fraction() < probability; }
+    Seconds between(double least, double most) { return Seconds{least + (most - least) * fraction()}; }
     Seconds since(std::optional<Instant> moment) const { return moment ? clock_.now() - *moment : Seconds{-1}; }
 
     void report(AgentSignal signal, bool leavesAgentsRunning = false)
     {
         auto one = event(signal, clock_.now(), ProcessIdentity{.pid = 7, .start = 1});
+        one.origin.isProcessCertain = true;
         one.origin.leavesAgentsRunning = leavesAgentsRunning;
         const auto& sessions = tracker_.sessions();
         course_.take(one, sessions.empty() ? nullptr : &sessions.front());
@@ -260,17 +264,20 @@ private:
             writtenAt_ = std::exchange(writeAt_, std::nullopt);
         }
         isBlip_ = chance(0.01);
+        isTorn_ = chance(0.02);
+        if (isBlip_ || isTorn_ || !isSaid())
+            unbrokenSince_ = now;
     }
 
     AgentReading reading()
     {
         if (isDead_)
             return {.process = Process::gone};
-        if (chance(0.02)) // torn
+        if (isTorn_)
             return {.process = Process::alive};
         auto claim = AgentReading::Claim{.activity = written_, .since = dated_ ? writtenAt_ : std::nullopt};
         if (isBlip_)
-            claim = {.activity = written_ == idle ? working : idle, .since = clock_.now()};
+            claim = {.activity = idle, .since = clock_.now()};
         return {.process = Process::alive, .claim = claim};
     }
 
@@ -281,7 +288,7 @@ private:
         if (isOver_ || !condition_->evaluate(clock_.now()))
             return;
         isOver_ = true;
-        if (!isDead_ && truth_ == working && isSaid() && since(writtenAt_) >= 20s)
+        if (!isDead_ && truth_ == working && since(unbrokenSince_) >= 20s)
             problem_ = "ended during work";
     }
 
@@ -305,7 +312,8 @@ private:
     AgentActivity written_ = idle;
     Instant nextTurn_;
     std::optional<Instant> turnedAt_, writeAt_, writtenAt_;
-    bool isDead_ = false, isBlip_ = false, isOver_ = false;
+    Instant unbrokenSince_;
+    bool isDead_ = false, isBlip_ = false, isTorn_ = false, isOver_ = false;
     std::string problem_;
 };
 
@@ -315,4 +323,4 @@ TEST(AgentCourse, NeitherEndsDuringWorkNorStaysAfterItInAHundredThousandCourses)
         ASSERT_EQ(RandomCourse{seed}.play(), "") << seed;
 }
 
-} // namespace
+} // namespace vespra::courses
