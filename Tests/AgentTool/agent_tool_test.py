@@ -91,6 +91,42 @@ class AgentTool(unittest.TestCase):
                              (b"\n", agent, "s", "/p", "finished"))
             self.assertAlmostEqual(event["date"], now, delta=2)
 
+    def test_says_which_process_calls_it(self):
+        def start(pid):
+            return int(pathlib.Path(f"/proc/{pid}/stat").read_text().rsplit(") ", 1)[1].split()[19])
+
+        application = self.application()
+        sleeper = subprocess.Popen(["sleep", "60"])
+        self.addCleanup(lambda: (sleeper.kill(), sleeper.wait()))
+        nested = tuple(f"{shell} -c '{{}}; true'" for shell in ("sh", "bash", "sh"))
+        for agent, named, shells, expected in (
+            ("claude", sleeper.pid, (), sleeper.pid), ("claude", "x", (), os.getpid()), ("claude", 0, (), os.getpid()),
+            ("claude", -1, (), os.getpid()), ("claude", 2**22 + 1, (), os.getpid()), ("codex", sleeper.pid, (), os.getpid()),
+            ("codex", "", nested[:1], os.getpid()), ("codex", "", nested[:2], os.getpid()),
+        ):
+            with self.subTest(agent=agent, named=named, shells=shells):
+                command = f"{TOOL} {agent}"
+                for shell in shells:
+                    command = shell.format(command.replace("'", "'\\''"))
+                subprocess.run(command if shells else command.split(), shell=bool(shells), input=STOP, check=True,
+                               env=dict(self.environment, CLAUDE_PID=str(named), PATH=os.environ["PATH"]))
+                process = json.loads(self.received(application))["process"]
+                self.assertEqual((process["pid"], process["start"], process["isCertain"]),
+                                 (expected, start(expected), True))
+                self.assertEqual(process["space"], os.stat("/proc/self/ns/pid").st_ino)
+
+    def test_passes_on_what_its_input_says_beside_the_activity(self):
+        application = self.application()
+        self.run_tool(json.dumps({
+            "session_id": "s", "hook_event_name": "Stop", "transcript_path": "/t", "agent_id": "a", "source": "compact",
+            "background_tasks": [{"type": "shell", "status": "running"}, {"type": "subagent", "status": "running"}],
+        }).encode())
+        event = json.loads(self.received(application))
+        event.pop("process")
+        event.pop("date")
+        self.assertEqual(event, {"agent": "claude", "sessionID": "s", "signal": "finished", "transcript": "/t",
+                                 "subagent": "a", "leavesAgentsRunning": True})
+
     def test_does_not_wait_for_the_end_of_the_input(self):
         application = self.application()
         self.assertLess(self.run_tool(STOP, stays_open=True), 0.5)

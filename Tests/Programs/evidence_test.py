@@ -26,7 +26,7 @@ FEW_LOOKS = 45  # seconds
 class Agent:
     """A sleeping process with the files that an agent of its kind writes."""
 
-    def __init__(self, test, kind, session, names_itself=False):
+    def __init__(self, test, kind, session):
         self.kind, self.session = kind, session
         self.home = test.home / f"{kind}-{session}"
         self.transcript = self.home / "projects/p" / f"{session}.jsonl"
@@ -104,7 +104,6 @@ class Evidence(ApplicationTest):
         self.done("start", "agent")
         compacts.hook("SessionStart", source="compact")
         self.assertEqual(self.agents()["compacts"], ("working", "statusFile"))
-        os.unlink(silent.transcript) if silent.transcript.exists() else None
         os.mkfifo(silent.transcript)
         os.mkfifo(silent.status_file)
         approved.hook("PermissionRequest")
@@ -128,9 +127,9 @@ class Evidence(ApplicationTest):
         self.assertEqual(self.agents()["compacts"], ("working", "statusFile"))
         self.assertEqual(self.agents()["silent"], ("working", "hooks"), "pipes are no files, and nothing waited for them")
         doctor = self.done("doctor")
-        for line in (" in ", "claude:torn: working since", "by its own status file", "codex:approved", "by its transcript",
-                     "by hooks only"):
-            self.assertIn(line, doctor.replace(" in /", ": in /") if line == " in " else doctor)
+        for line in ("claude:torn: working since .*, by its own status file", "codex:approved: working .*, by its transcript",
+                     "claude:silent: working since .*, by hooks only"):
+            self.assertRegex(doctor, line)
         self.assertIn("Claude Code has been working since", self.done("status"))
         trace = self.output.read_text()
         for line in ("agent-correction claude:killed sessionEnded", "agent-correction claude:pressed idle statusFile",

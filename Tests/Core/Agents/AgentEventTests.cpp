@@ -117,6 +117,50 @@ TEST(AgentEvent, IsOneLineOfJSON)
     EXPECT_EQ(decodedAgentEvent(encoded(event)).value(), event);
 }
 
+TEST(AgentEvent, CarriesItsOriginAsFarAsItCanBeRead)
+{
+    const std::string event = R"({"agent":"codex","sessionID":"s","signal":"finished","date":1)";
+    AgentEvent whole = decodedAgentEvent(event + "}").value();
+    whole.origin = {.process = ProcessIdentity{.pid = 7, .start = 1'795'305'269'909'000, .space = 4'026'531'836},
+        .isProcessCertain = true,
+        .transcript = "/t",
+        .subagent = "a",
+        .isCompaction = true,
+        .leavesAgentsRunning = true};
+    EXPECT_EQ(decodedAgentEvent(encoded(whole)).value(), whole);
+    for (const auto* rest : {R"("process":7)", R"("process":{})", R"("process":{"pid":7})", R"("process":[7,8])",
+             R"("process":{"pid":0,"start":1})", R"("process":{"pid":-7,"start":1})", R"("process":{"pid":1e3,"start":1})",
+             R"("process":{"pid":2147483648,"start":1})", R"("process":{"pid":7,"start":"1"})", R"("transcript":null)",
+             R"("transcript":"")", R"("subagent":["a"])", R"("isCompaction":1)", R"("leavesAgentsRunning":"true")"})
+        EXPECT_EQ(decodedAgentEvent(event + "," + rest + "}").value().origin, AgentOrigin{}) << rest;
+}
+
+TEST(AgentEvent, SaysWhetherAgentsOfItsAreLeftRunning)
+{
+    struct Row {
+        const char* tasks;
+        bool expected;
+    };
+    for (const auto& [tasks, expected] :
+        std::vector<Row>{{R"([{"type":"subagent","status":"running"}])", true},
+            {R"([7,{"type":"shell","status":"running"},{"type":"workflow","status":"running"}])", true},
+            {R"([{"type":"shell","status":"running"}])", false},
+            {R"([{"type":"subagent","status":"completed"}])", false},
+            {R"([{"type":"subagent"}])", false},
+            {R"([{"type":"dream","status":"running"}])", false},
+            {R"({"type":"subagent","status":"running"})", false},
+            {R"(["subagent"])", false},
+            {"[]", false},
+            {"null", false}}) {
+        const auto input = [&](const char* name) {
+            return std::string{R"({"session_id":"s","hook_event_name":")"} + name + R"(","background_tasks":)" + tasks
+                + "}";
+        };
+        EXPECT_EQ(agentEvent(input("Stop"), AgentKind::claudeCode, now)->origin.leavesAgentsRunning, expected) << tasks;
+        EXPECT_FALSE(agentEvent(input("PostToolUse"), AgentKind::claudeCode, now)->origin.leavesAgentsRunning);
+    }
+}
+
 TEST(AgentEvent, DecodingNamesWhatIsWrong)
 {
     for (const auto& [line, problem] : std::vector<std::pair<const char*, const char*>>{

@@ -98,6 +98,29 @@ TEST_F(Tracker, KnowsSinceWhenAndWhetherItHasWorked)
     }
 }
 
+TEST_F(Tracker, TakesCorrections)
+{
+    int changes = 0;
+    report(finished);
+    tracker.onChange = [&] { ++changes; };
+    const auto since = time.now() - 60s;
+    tracker.correct("claude:a", AgentActivity::working, since);
+    EXPECT_EQ(sessions(), "claude:a working");
+    EXPECT_EQ(tracker.sessions().front().activitySince, since);
+    EXPECT_TRUE(tracker.sessions().front().hasWorked);
+    tracker.correct("claude:a", AgentActivity::working, time.now());
+    tracker.correct("claude:b", AgentActivity::working, time.now());
+    tracker.endUnheard("claude:b");
+    EXPECT_EQ(changes, 1) << "nothing has changed since";
+    tracker.correct("claude:a", AgentActivity::idle, time.now());
+    EXPECT_EQ(tracker.lastFinished(), tracker.sessions().front());
+    tracker.correct("claude:a", AgentActivity::waitingForApproval, time.now());
+    tracker.endUnheard("claude:a");
+    EXPECT_EQ(sessions(), "");
+    EXPECT_EQ(tracker.lastFinished()->activity, AgentActivity::waitingForApproval);
+    EXPECT_EQ(changes, 4);
+}
+
 TEST_F(Tracker, RemembersWhoEndedWhileBusy)
 {
     report(working);
