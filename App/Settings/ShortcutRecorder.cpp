@@ -1,5 +1,6 @@
 #include "App/Settings/ShortcutRecorder.h"
 
+#include "App/Model/ShortcutFacts.h"
 #include "App/Settings/ShortcutKeys.h"
 #include "App/Wording/Localized.h"
 
@@ -41,17 +42,6 @@ namespace {
         FollowsLook follows_;
     };
 
-    std::string message(GlobalShortcut::Failure failure)
-    {
-        switch (failure) {
-        case GlobalShortcut::Failure::conflict:
-            return localized("Another program has these keys already. Record others.");
-        case GlobalShortcut::Failure::unavailable:
-            break;
-        }
-        return localized("This desktop doesn't give these keys to programs.");
-    }
-
     std::string requirement()
     {
         const auto keys = modifierKeys();
@@ -90,8 +80,8 @@ std::string ShortcutRecorder::problem() const
 {
     if (isRecording_.get())
         return isRefused_.get() ? requirement() : std::string{};
-    if (const auto& failure = shortcut_.failure())
-        return message(*failure);
+    if (auto notice = shortcutFacts::notice(shortcut_); !notice.empty())
+        return notice;
     if (const auto& others = shortcut_.desktopsKeys(); !others.empty())
         return localized("The desktop's own settings give it these keys: %1", {others});
     return {};
