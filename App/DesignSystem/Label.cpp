@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vespra {
 
@@ -45,14 +46,14 @@ void Label::show(const std::string& text, const std::string& spoken)
 
 void Label::setInk(Ink ink)
 {
-    ink_ = ink;
-    apply();
+    if (std::exchange(ink_, ink) != ink)
+        apply();
 }
 
 void Label::setTextStyle(TextStyle style)
 {
-    style_ = style;
-    apply();
+    if (std::exchange(style_, style) != style)
+        apply();
 }
 
 /// Whoever looks at the label from outside finds what it is drawn with.
