@@ -6,6 +6,7 @@
 #include "App/Wording/Localized.h"
 
 #include <QFontDatabase>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QScreen>
 
@@ -16,7 +17,33 @@ namespace vespra {
 namespace {
 
     constexpr double sheetPadding = 24, sheetGap = 12, sheetButtonGap = 8;
-    constexpr double textPadding = 7;
+    constexpr double textInset = 4, textPadding = 5;
+
+    /// The ground of a text, with room between it and the corners.
+    class TextGround final : public QWidget {
+    public:
+        TextGround(const Theme& theme, QWidget* view)
+            : theme_{theme}
+            , follows_{theme, *this}
+        {
+            const int inset = theme.look.units(textInset);
+            auto* column = new QVBoxLayout{this};
+            column->setContentsMargins(inset, inset, inset, inset);
+            column->addWidget(view);
+        }
+
+    protected:
+        void paintEvent(QPaintEvent*) override
+        {
+            QPainter painter{this};
+            const auto& look = theme_.look;
+            drawButton(painter, rect(), ButtonKind::plain, look.scaled(measure::buttonRadius), {}, look.tokens());
+        }
+
+    private:
+        const Theme theme_;
+        FollowsLook follows_;
+    };
 
     /// As high as its lines where there is room, and never so low that nothing can be read.
     class TextView final : public QPlainTextEdit {
@@ -84,6 +111,8 @@ Button& SheetWindow::addButton(const std::string& text, ButtonKind kind, std::fu
     button.setAutoDefault(kind == ButtonKind::primary);
     button.setDefault(kind == ButtonKind::primary);
     button.show(text);
+    if (kind == ButtonKind::primary)
+        button.setFocus();
     connect(&button, &QPushButton::clicked, this, [this, action = std::move(action)] {
         accept();
         notify(action);
@@ -112,6 +141,7 @@ QWidget* makeTextView(const Theme& theme, const std::string& name, const std::st
     view->setTabChangesFocus(true);
     view->setLineWrapMode(QPlainTextEdit::NoWrap);
     view->setFrameShape(QFrame::NoFrame);
+    view->viewport()->setAutoFillBackground(false);
     // Code and licences are written from left to right in every language.
     view->setLayoutDirection(Qt::LeftToRight);
     FocusRing::setRadius(*view, measure::buttonRadius);
@@ -127,7 +157,7 @@ QWidget* makeTextView(const Theme& theme, const std::string& name, const std::st
         colors.setColor(QPalette::Text, look.tokens().text);
         view->setPalette(colors);
     });
-    return view;
+    return new TextGround{theme, view};
 }
 
 } // namespace vespra
