@@ -231,7 +231,7 @@ namespace {
                     NoteKind::warn,
                     "battery.25percent",
                     "Battery at 19%",
-                    "Session ended at 16:42. Your Mac can go to sleep again.",
+                    "Session ended at 16:42. This laptop can go to sleep again.",
                     notice),
                 note(theme,
                     NoteKind::info,
@@ -248,7 +248,7 @@ namespace {
                 note(theme,
                     NoteKind::bad,
                     "moon",
-                    "The Mac will sleep in 0:42",
+                    "Sleep in 0:42",
                     "Claude Code finished in checkout-service",
                     button(theme, ButtonKind::plain, "Cancel", ButtonSize::small)),
                 button(theme, ButtonKind::primary, "Start")}));

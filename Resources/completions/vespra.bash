@@ -10,10 +10,11 @@ _vespra()
         --timer) candidates="15m 30m 1h 2h 4h 8h" ;;
         --grace) candidates="0s 1m 2m 5m 15m" ;;
         --platform) candidates="linux macos simulated" ;;
-        --until) candidates="" ;;
+        --until | --only) candidates="" ;;
+        --render) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$cur"); return ;;
         --settings) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return ;;
         *) candidates="--headless --timer --until --unlimited --agent --idle --grace --display --closed-lid --settings
-            --platform --version --help" ;;
+            --platform --render --only --version --help" ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$cur")
 }
