@@ -39,7 +39,7 @@ SettingsWindow::SettingsWindow(const SurfaceContext& context, const Theme& theme
     , tabs_{new TabBar{theme}}
     , scroller_{new ScrollArea{theme}}
     , ground_{theme, *this}
-    , loop_{theme.mainLoop, [this] { showPage(surface_.model.settingsTab()); }}
+    , loop_{theme.mainLoop, [this] { followTab(); }}
 {
     const auto& look = theme.look;
     auto* column = new QVBoxLayout{this};
@@ -77,10 +77,18 @@ void SettingsWindow::refreshFacts()
         closedLid->refreshStatus();
 }
 
-void SettingsWindow::showPage(SettingsTab tab)
+void SettingsWindow::followTab()
 {
+    const auto tab = surface_.model.settingsTab();
     // Sizes are taken when a row is made.
     surface_.theme.look.scale();
+    // What rows show is for them to follow: a page that is made anew loses the focus.
+    const ReadScope untracked{nullptr};
+    showPage(tab);
+}
+
+void SettingsWindow::showPage(SettingsTab tab)
+{
     refreshFacts();
     const bool hadFocus = scroller_->isAncestorOf(focusWidget());
     setWindowTitle(qtText(title(tab)));

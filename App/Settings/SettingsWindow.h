@@ -26,6 +26,7 @@ protected:
 
 private:
     void addShortcuts();
+    void followTab();
     void showPage(SettingsTab tab);
     void refreshFacts();
     void fit();

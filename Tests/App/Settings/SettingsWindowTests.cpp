@@ -1,6 +1,7 @@
 #include "App/DesignSystem/Buttons.h"
 #include "App/Settings/SettingsWindowController.h"
 #include "App/Settings/ShortcutRecorder.h"
+#include "App/System/ClosedLidController.h"
 #include "Tests/Support/ShownSurfaces.h"
 
 #include <gmock/gmock.h>
@@ -89,6 +90,18 @@ TEST_F(SettingsWindowTest, ControlsWriteAtOnceAndFollowChangesMadeElsewhere)
     settle();
     EXPECT_FALSE(toggle("Require the charger")->isChecked());
     EXPECT_EQ(texts().back(), "Limit time on battery");
+}
+
+TEST_F(SettingsWindowTest, KeepsTheFocusWhileConditionsChange)
+{
+    open(SettingsTab::closedLid);
+    auto* const control = toggle("Keep going on battery");
+    control->setFocus();
+    laptop.set({{"charger", "off"}, {"helper", "ready"}});
+    model().closedLid()->refreshStatus();
+    settle();
+    EXPECT_THAT(texts(), testing::Contains("Installed"));
+    EXPECT_EQ(controller.window()->focusWidget(), control) << "the same page";
 }
 
 TEST_F(SettingsWindowTest, ShowsThePageThatWasAskedForAndIsGoneWhenClosed)
