@@ -1,18 +1,16 @@
 #include "App/Model/ShortcutFacts.h"
 
 #include "App/Model/SessionShortcut.h"
-#include "App/Wording/KeyWording.h"
 #include "App/Wording/Localized.h"
 
 namespace vespra::shortcutFacts {
 
-std::string keys(const SessionShortcut& shortcut)
-{
-    if (!shortcut.desktopsKeys().empty())
-        return shortcut.desktopsKeys();
-    const auto& chosen = shortcut.keys();
-    return chosen ? displayText(*chosen) : "";
-}
+namespace {
+
+    /// Does the same, for the desktop's own settings.
+    constexpr std::string_view command = "vespractl toggle";
+
+} // namespace
 
 std::string notice(const SessionShortcut& shortcut)
 {
@@ -27,12 +25,7 @@ std::string notice(const SessionShortcut& shortcut)
     case GlobalShortcut::Failure::unavailable:
         break;
     }
-    return localized("These keys don't work on this Mac. Choose others.", {command(shortcut)});
-}
-
-std::string command(const SessionShortcut& shortcut)
-{
-    return shortcut.failure() == GlobalShortcut::Failure::unavailable ? "vespractl toggle" : "";
+    return localized("These keys don't work on this Mac. Choose others.", {std::string{command}});
 }
 
 } // namespace vespra::shortcutFacts

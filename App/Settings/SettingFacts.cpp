@@ -2,6 +2,7 @@
 
 #include "App/Model/ModelSettings.h"
 #include "App/System/ClosedLidController.h"
+#include "App/Updates/UpdateWording.h"
 #include "App/Wording/AgentWording.h"
 #include "App/Wording/Format.h"
 #include "App/Wording/Localized.h"
@@ -168,6 +169,31 @@ std::string versionText()
     if (build.empty() || build == version)
         return localized("Version %1", {version});
     return localized("Version %1 (%2)", {version, build});
+}
+
+UpdateFacts updateFacts(const UpdateState& state)
+{
+    const auto check = [](std::string text) {
+        return UpdateFacts{std::move(text), localized("Check for Updates…"), &AppUpdates::checkForUpdates};
+    };
+    const auto wait
+        = [](std::string text) { return UpdateFacts{std::move(text), localized("Cancel"), &AppUpdates::cancel}; };
+    return match(
+        state,
+        [&](update::Idle) { return check(""); },
+        [&](update::Checking) { return wait(localized("Looking for a new version…")); },
+        [&](update::UpToDate) { return check(localized("%1 is up to date.", {Brand::appName()})); },
+        [](const update::Available& found) {
+            const auto title = localized("%1 %2 is available", {Brand::appName(), found.version});
+            return UpdateFacts{found.notes.empty() ? title : title + "\n" + found.notes,
+                found.isDownloaded ? localized("Install") : localized("Download and Install"),
+                &AppUpdates::install};
+        },
+        [&](const update::Downloading& download) {
+            const auto percent = std::to_string(static_cast<int>(download.fraction * 100));
+            return wait(localized("Downloading %1 %2: %3 %", {Brand::appName(), download.version, percent}));
+        },
+        [&](update::Failed failed) { return check(explanation(failed.reason)); });
 }
 
 std::string updateNote(AppModel& model)

@@ -28,6 +28,15 @@ std::string choiceExplanation(const Setting& setting, const AppModel& model);
 /// "Version 1.0 (7)".
 std::string versionText();
 
+/// How it stands with new versions, and what the button beside does.
+struct UpdateFacts {
+    /// Empty: nothing to say.
+    std::string text;
+    std::string button;
+    void (AppUpdates::*press)();
+};
+UpdateFacts updateFacts(const UpdateState& state);
+
 /// What follows updates, and when they were last looked for.
 std::string updateNote(AppModel& model);
 

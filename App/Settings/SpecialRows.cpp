@@ -3,6 +3,7 @@
 #include "App/DesignSystem/Following.h"
 #include "App/DesignSystem/Note.h"
 #include "App/Settings/RowView.h"
+#include "App/Settings/SettingFacts.h"
 #include "App/System/ClosedLidController.h"
 #include "App/Wording/Localized.h"
 #include "HelperProtocol/Brand.h"
@@ -107,11 +108,16 @@ QWidget* makeUpdateSwitchRow(const SettingsSurface& surface, const std::string& 
 
 QWidget* makeCheckNowRow(const SettingsSurface& surface)
 {
+    auto& updates = surface.model.updates();
     auto* button = new Button{surface.theme, ButtonKind::plain, ButtonSize::small};
-    button->show(localized("Check for Updates…"));
     auto* view = new RowView{surface.theme, "", button};
     QObject::connect(
-        button, &QPushButton::clicked, [&updates = surface.model.updates()] { updates.checkForUpdates(); });
+        button, &QPushButton::clicked, [&updates] { (updates.*settingFacts::updateFacts(updates.state()).press)(); });
+    follow(*view, surface.theme, [&updates, view, button] {
+        const auto facts = settingFacts::updateFacts(updates.state());
+        view->showSubtitle(facts.text);
+        button->show(facts.button);
+    });
     return view;
 }
 

@@ -29,6 +29,8 @@ namespace {
         {"Mac is too hot for closed-lid mode.", "Computer is too hot for closed-lid mode."},
         {"Mac too hot", "Computer too hot"},
         {"Mac went to sleep", "Computer went to sleep"},
+        {"New versions are downloaded in the background and installed when %1 quits.",
+            "New versions are downloaded in the background. Your system asks you before it installs one."},
         {"Open System Settings", "Ask for Approval"},
         {"Protects your battery when the Mac isn't plugged in. The session ends and the Mac can sleep.",
             "Protects your battery when the computer isn't plugged in. The session ends and the computer can sleep."},

@@ -35,6 +35,33 @@ namespace {
 
 } // namespace
 
+TEST(UpdateFacts, SayHowItStandsAndWhatFollows)
+{
+    struct Row {
+        UpdateState state;
+        const char *text, *button;
+        void (AppUpdates::*press)();
+    };
+    for (const auto& [state, text, button, press] : std::vector<Row>{
+             {update::Idle{}, "", "Check for Updates…", &AppUpdates::checkForUpdates},
+             {update::Available{"2.0", "New"},
+                 "Vespra 2.0 is available\nNew",
+                 "Download and Install",
+                 &AppUpdates::install},
+             {update::Available{"2.0", "", true}, "Vespra 2.0 is available", "Install", &AppUpdates::install},
+             {update::Downloading{"2.0", 0.255}, "Downloading Vespra 2.0: 25 %", "Cancel", &AppUpdates::cancel},
+             {update::Failed{UpdateFailure::untrusted},
+                 "The update isn't what its makers signed. Nothing was changed.",
+                 "Check for Updates…",
+                 &AppUpdates::checkForUpdates},
+         }) {
+        const auto facts = settingFacts::updateFacts(state);
+        EXPECT_EQ(facts.text, text);
+        EXPECT_EQ(facts.button, button);
+        EXPECT_EQ(facts.press, press);
+    }
+}
+
 TEST_F(SettingFactsTest, SteppersGoToTheirLimitsAndNoFurther)
 {
     constexpr auto limit = "energy.batteryTimeLimit", cap = "agentSafetyCap", delay = "agents.graceDelay",
