@@ -83,8 +83,7 @@ private:
     VirtualTime time_{Instant::fromISO8601("2026-01-01T12:00:00Z").value()};
     CountedFiles files_;
     AgentTracker tracker_;
-    AgentWatch watch_{
-        tracker_, {.files = files_, .processes = systemAgentProcesses(), .clock = time_, .tasks = time_}};
+    AgentWatch watch_{tracker_, {.files = files_, .processes = systemAgentProcesses(), .clock = time_, .tasks = time_}};
 };
 
 /// One look at twenty agents, of the main thread's time. "first": none has been read before; "same": nothing has

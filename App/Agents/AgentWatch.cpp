@@ -140,8 +140,7 @@ std::optional<AgentReading::Claim> AgentWatch::statusClaim(const ClaudeStatus& s
     if (!status.activity)
         return {};
     // Otherwise the process has turned to another session, and is done with this one.
-    return AgentReading::Claim{
-        .activity = isOfSession ? *status.activity : AgentActivity::idle, .since = status.since};
+    return AgentReading::Claim{.activity = isOfSession ? *status.activity : AgentActivity::idle, .since = status.since};
 }
 
 /// The status that the session's process writes, also about another session once it was about this one.
@@ -197,8 +196,7 @@ const std::vector<ClaudeStatus>& AgentWatch::statusesIn(const std::string& folde
 AgentWatch::Reading AgentWatch::readClaudeTranscript(Watched& watched)
 {
     Reading found{.reading = {.process = stateOf(watched), .claim = {}}};
-    if (watched.transcriptPath.empty()
-        || !follow(watched.transcriptPath, watched.transcriptFile, watched.transcript))
+    if (watched.transcriptPath.empty() || !follow(watched.transcriptPath, watched.transcriptFile, watched.transcript))
         return found;
     found.kind = AgentEvidenceKind::transcript;
     // An end that the last event followed is that of an earlier turn.

@@ -47,8 +47,8 @@ namespace {
             std::string bytes(length, '\0');
             std::size_t done = 0;
             while (done < bytes.size()) {
-                const auto count = pread(
-                    file.get(), bytes.data() + done, bytes.size() - done, static_cast<off_t>(from + done));
+                const auto count
+                    = pread(file.get(), bytes.data() + done, bytes.size() - done, static_cast<off_t>(from + done));
                 if (count < 0 && errno == EINTR)
                     continue;
                 if (count < 0)

@@ -58,8 +58,7 @@ namespace {
     {
         const auto& coordinator = model.coordinator();
         if (const auto* session = coordinator.state().activeSession())
-            return startLine(*session) + " "
-                + standingLine(*session, coordinator.now(), model.agentCondition().get());
+            return startLine(*session) + " " + standingLine(*session, coordinator.now(), model.agentCondition().get());
         const auto end = coordinator.state().lastEnd();
         if (!end)
             return localized("No session is running.");

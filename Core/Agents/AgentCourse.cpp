@@ -49,7 +49,8 @@ std::optional<AgentCorrection> AgentCourse::judge(const AgentReading& reading, A
     if (reading.process == AgentReading::Process::alive && isRested(lastEventAt_, now))
         isProcessCertain_ = true;
     if (reading.process == AgentReading::Process::gone && isProcessCertain_)
-        return isRested(lastEventAt_, now) ? std::optional{AgentCorrection{.activity = {}, .since = now}} : std::nullopt;
+        return isRested(lastEventAt_, now) ? std::optional{AgentCorrection{.activity = {}, .since = now}}
+                                           : std::nullopt;
     if (!counts(reading, current, now))
         return {};
     return AgentCorrection{

@@ -36,8 +36,8 @@ public:
     using Phase = std::variant<phase::KeptAwake, phase::Finishing, phase::Working, phase::WaitingForAgents>;
 
     /// All but `policy` outlive it. Without `evidence` the events alone count.
-    AgentEndCondition(AgentTracker& tracker, const AgentPolicy& policy, const WallClock& clock,
-        AgentEvidence* evidence = nullptr)
+    AgentEndCondition(
+        AgentTracker& tracker, const AgentPolicy& policy, const WallClock& clock, AgentEvidence* evidence = nullptr)
         : tracker_{tracker}
         , policy_{policy}
         , clock_{clock}

@@ -109,9 +109,8 @@ namespace {
         const auto start = numberOf(json, "start");
         if (!pid || *pid == 0 || *pid > largest || !start)
             return {};
-        return ProcessIdentity{.pid = static_cast<std::int64_t>(*pid),
-            .start = *start,
-            .space = numberOf(json, "space").value_or(0)};
+        return ProcessIdentity{
+            .pid = static_cast<std::int64_t>(*pid), .start = *start, .space = numberOf(json, "space").value_or(0)};
     }
 
     AgentOrigin originOf(const JSON& json)
@@ -140,8 +139,7 @@ std::optional<AgentEvent> agentEvent(const HookInput& input, AgentKind agent, In
     const auto signal = signalOf(input);
     if (!signal)
         return {};
-    AgentEvent event{
-        .agent = agent, .sessionID = *input.sessionID, .cwd = input.cwd, .signal = *signal, .date = date};
+    AgentEvent event{.agent = agent, .sessionID = *input.sessionID, .cwd = input.cwd, .signal = *signal, .date = date};
     event.origin = {.transcript = unlessEmpty(input.transcriptPath),
         .subagent = unlessEmpty(input.agentID),
         .isCompaction = *signal == AgentSignal::sessionStarted && input.source == "compact",

@@ -23,7 +23,10 @@ namespace {
         session.hasWorked = session.hasWorked || activity != AgentActivity::idle;
     }
 
-    auto findSession(auto& sessions, const std::string& id) { return std::ranges::find(sessions, id, &AgentSession::id); }
+    auto findSession(auto& sessions, const std::string& id)
+    {
+        return std::ranges::find(sessions, id, &AgentSession::id);
+    }
 
 } // namespace
 

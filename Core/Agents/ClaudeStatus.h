@@ -10,8 +10,8 @@
 
 namespace vespra {
 
-/// What Claude Code says of one of its processes in "sessions/<pid>.json" of its configuration folder: a small file that
-/// it rewrites in place at every change, and leaves behind when it is killed.
+/// What Claude Code says of one of its processes in "sessions/<pid>.json" of its configuration folder: a small file
+/// that it rewrites in place at every change, and leaves behind when it is killed.
 struct ClaudeStatus {
     std::int64_t pid = 0;
     std::string sessionID;

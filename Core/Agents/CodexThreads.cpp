@@ -60,9 +60,7 @@ AgentReading::Claim CodexThreads::openClaim() const
     const bool isApart = !wasSubagentLast_
         && std::ranges::any_of(threads_, [](const Thread& thread) { return thread.isOfSubagent && isOpen(thread); });
     const auto opened = latest(threads_, isOpen, [](const CodexRollout& rollout) { return rollout.turnSince(); });
-    return {.activity = AgentActivity::working,
-        .since = askedAt_ ? answeredAt() : opened,
-        .isApartFromEvent = isApart};
+    return {.activity = AgentActivity::working, .since = askedAt_ ? answeredAt() : opened, .isApartFromEvent = isApart};
 }
 
 std::optional<Instant> CodexThreads::answeredAt() const

@@ -8,8 +8,8 @@
 
 namespace vespra {
 
-/// The files of one Codex session: its own, and those of the subagents whose events carry its identifier. It works while
-/// the turn of any of them is open.
+/// The files of one Codex session: its own, and those of the subagents whose events carry its identifier. It works
+/// while the turn of any of them is open.
 class CodexThreads {
 public:
     struct Thread {

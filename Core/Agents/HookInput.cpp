@@ -40,7 +40,7 @@ namespace {
     /// Puts a value, null if it could not be read, where it belongs.
     using Taker = void (*)(HookInput&, const JSON*);
 
-    template <Text HookInput::*member> void takeTextOf(HookInput& input, const JSON* value)
+    template <Text HookInput::* member> void takeTextOf(HookInput& input, const JSON* value)
     {
         input.*member = textOf(value);
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-// What is used of the system's <libproc.h>, also where only the declarations of its larger frameworks are at hand.
+// What is used of <libproc.h>, also where the declarations at hand have only the rest of it.
 
-#if __has_include(<libproc.h>)
+#if __has_include(<sys/proc_info.h>)
 #include <libproc.h>
 #include <sys/proc.h>
 #else

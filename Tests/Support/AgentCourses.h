@@ -87,8 +87,8 @@ private:
         const bool isSub = more == "sub";
         JSON input{{"session_id", "s"}, {"hook_event_name", word.substr(0, plus)}};
         input["transcript_path"] = agent_ == AgentKind::claudeCode ? "/h/projects/p/s.jsonl"
-            : isSub                                               ? "/r/sub.jsonl"
-                                                                  : "/r/main.jsonl";
+            : isSub                                                ? "/r/sub.jsonl"
+                                                                   : "/r/main.jsonl";
         if (isSub)
             input["agent_id"] = "a1";
         if (more == "tasks")

@@ -69,8 +69,7 @@ public:
     }
     bool hasChildYoungerThan(const ProcessIdentity& process, Seconds age) override
     {
-        return std::ranges::any_of(
-            children[process.pid], [&](Instant start) { return clock_.now() - start < age; });
+        return std::ranges::any_of(children[process.pid], [&](Instant start) { return clock_.now() - start < age; });
     }
 
 private:

@@ -41,32 +41,33 @@ TEST(AgentCourse, WeighsAReadingAgainstTheLastEvent)
         const char* expected;
     };
     using enum Process;
-    for (const auto& row : std::vector<Row>{
-             {"more counts at once if it is newer than the event", idle, alive, working, 0.1s, 0.2s, "working"},
-             {"one as old as the event is not newer", idle, alive, working, 0s, 2.9s, ""},
-             {"an older one counts when the event has rested", idle, alive, working, -60s, 3s, "working"},
-             {"but not before", idle, alive, working, -60s, 2.9s, ""},
-             {"one without a date neither", idle, alive, working, {}, 2.9s, ""},
-             {"not unless the process lives", idle, unknown, working, 5s, 10s, ""},
-             {"waiting is more than idle", idle, alive, waitingForApproval, 5s, 6s, "waitingForApproval"},
-             {"working more than waiting", waitingForApproval, alive, working, 5s, 6s, "working"},
-             {"less counts when event and reading have rested", working, alive, idle, 1s, 3s, "idle"},
-             {"not within 3 s of the event", working, alive, idle, -60s, 2.9s, ""},
-             {"nor while it is younger than 2 s", working, alive, idle, 8.1s, 10s, ""},
-             {"but then", working, alive, idle, 8s, 10s, "idle"},
-             {"nor without a date, seen once", working, alive, idle, {}, 60s, ""},
-             {"nor with a date in the future", working, alive, idle, 70s, 60s, ""},
-             {"waiting is less than working", working, unknown, waitingForApproval, 1s, 3s, "waitingForApproval"},
-             {"a file's word needs no process", working, unknown, idle, 1s, 3s, "idle"},
-             {"what is known is no correction", working, alive, working, 1s, 3s, ""},
-             {"after the clock was set back the event's age is not known", working, alive, idle, -5000s, -3600s, "idle"},
-         }) {
+    for (const auto& row :
+        std::vector<Row>{
+            {"more counts at once if it is newer than the event", idle, alive, working, 0.1s, 0.2s, "working"},
+            {"one as old as the event is not newer", idle, alive, working, 0s, 2.9s, ""},
+            {"an older one counts when the event has rested", idle, alive, working, -60s, 3s, "working"},
+            {"but not before", idle, alive, working, -60s, 2.9s, ""},
+            {"one without a date neither", idle, alive, working, {}, 2.9s, ""},
+            {"not unless the process lives", idle, unknown, working, 5s, 10s, ""},
+            {"waiting is more than idle", idle, alive, waitingForApproval, 5s, 6s, "waitingForApproval"},
+            {"working more than waiting", waitingForApproval, alive, working, 5s, 6s, "working"},
+            {"less counts when event and reading have rested", working, alive, idle, 1s, 3s, "idle"},
+            {"not within 3 s of the event", working, alive, idle, -60s, 2.9s, ""},
+            {"nor while it is younger than 2 s", working, alive, idle, 8.1s, 10s, ""},
+            {"but then", working, alive, idle, 8s, 10s, "idle"},
+            {"nor without a date, seen once", working, alive, idle, {}, 60s, ""},
+            {"nor with a date in the future", working, alive, idle, 70s, 60s, ""},
+            {"waiting is less than working", working, unknown, waitingForApproval, 1s, 3s, "waitingForApproval"},
+            {"a file's word needs no process", working, unknown, idle, 1s, 3s, "idle"},
+            {"what is known is no correction", working, alive, working, 1s, 3s, ""},
+            {"after the clock was set back the event's age is not known", working, alive, idle, -5000s, -3600s, "idle"},
+        }) {
         SCOPED_TRACE(row.rule);
         AgentCourse course;
         course.take(event(AgentSignal::working), nullptr);
         const AgentReading reading{.process = row.process,
-            .claim = AgentReading::Claim{.activity = row.claimed,
-                .since = row.since ? std::optional{noon + *row.since} : std::nullopt}};
+            .claim = AgentReading::Claim{
+                .activity = row.claimed, .since = row.since ? std::optional{noon + *row.since} : std::nullopt}};
         EXPECT_EQ(judged(course, reading, row.current, noon + row.now), row.expected);
     }
 }
@@ -121,7 +122,8 @@ static void append(CodexThreads& threads, const std::string& text) { threads.all
 
 static std::string rolloutLine(Seconds at, const char* type)
 {
-    return R"({"timestamp":")" + (noon + at).iso8601() + R"(","type":"event_msg","payload":{"type":")" + type + "\"}}\n";
+    return R"({"timestamp":")" + (noon + at).iso8601() + R"(","type":"event_msg","payload":{"type":")" + type
+        + "\"}}\n";
 }
 
 TEST(CodexThreads, ShowAnAnswerByTheirGrowthOrByACommand)

@@ -128,10 +128,20 @@ TEST(AgentEvent, CarriesItsOriginAsFarAsItCanBeRead)
         .isCompaction = true,
         .leavesAgentsRunning = true};
     EXPECT_EQ(decodedAgentEvent(encoded(whole)).value(), whole);
-    for (const auto* rest : {R"("process":7)", R"("process":{})", R"("process":{"pid":7})", R"("process":[7,8])",
-             R"("process":{"pid":0,"start":1})", R"("process":{"pid":-7,"start":1})", R"("process":{"pid":1e3,"start":1})",
-             R"("process":{"pid":2147483648,"start":1})", R"("process":{"pid":7,"start":"1"})", R"("transcript":null)",
-             R"("transcript":"")", R"("subagent":["a"])", R"("isCompaction":1)", R"("leavesAgentsRunning":"true")"})
+    for (const auto* rest : {R"("process":7)",
+             R"("process":{})",
+             R"("process":{"pid":7})",
+             R"("process":[7,8])",
+             R"("process":{"pid":0,"start":1})",
+             R"("process":{"pid":-7,"start":1})",
+             R"("process":{"pid":1e3,"start":1})",
+             R"("process":{"pid":2147483648,"start":1})",
+             R"("process":{"pid":7,"start":"1"})",
+             R"("transcript":null)",
+             R"("transcript":"")",
+             R"("subagent":["a"])",
+             R"("isCompaction":1)",
+             R"("leavesAgentsRunning":"true")"})
         EXPECT_EQ(decodedAgentEvent(event + "," + rest + "}").value().origin, AgentOrigin{}) << rest;
 }
 
@@ -141,17 +151,16 @@ TEST(AgentEvent, SaysWhetherAgentsOfItsAreLeftRunning)
         const char* tasks;
         bool expected;
     };
-    for (const auto& [tasks, expected] :
-        std::vector<Row>{{R"([{"type":"subagent","status":"running"}])", true},
-            {R"([7,{"type":"shell","status":"running"},{"type":"workflow","status":"running"}])", true},
-            {R"([{"type":"shell","status":"running"}])", false},
-            {R"([{"type":"subagent","status":"completed"}])", false},
-            {R"([{"type":"subagent"}])", false},
-            {R"([{"type":"dream","status":"running"}])", false},
-            {R"({"type":"subagent","status":"running"})", false},
-            {R"(["subagent"])", false},
-            {"[]", false},
-            {"null", false}}) {
+    for (const auto& [tasks, expected] : std::vector<Row>{{R"([{"type":"subagent","status":"running"}])", true},
+             {R"([7,{"type":"shell","status":"running"},{"type":"workflow","status":"running"}])", true},
+             {R"([{"type":"shell","status":"running"}])", false},
+             {R"([{"type":"subagent","status":"completed"}])", false},
+             {R"([{"type":"subagent"}])", false},
+             {R"([{"type":"dream","status":"running"}])", false},
+             {R"({"type":"subagent","status":"running"})", false},
+             {R"(["subagent"])", false},
+             {"[]", false},
+             {"null", false}}) {
         const auto input = [&](const char* name) {
             return std::string{R"({"session_id":"s","hook_event_name":")"} + name + R"(","background_tasks":)" + tasks
                 + "}";

@@ -35,19 +35,34 @@ TEST(ClaudeStatus, ReadsTheFirstCompleteValueAndKnowsItsWords)
                 .pid = 7, .sessionID = "s", .processStart = 303'012, .activity = row.activity, .since = row.since}));
         EXPECT_FALSE(claudeStatus((head + row.rest).substr(0, row.rest.size() + 20))) << "torn";
     }
-    for (const char* wrong : {"", "{}", "[]", "{", "}", R"({"pid":7,"sessionId":""})", R"({"pid":0,"sessionId":"s"})",
-             R"({"pid":7.5,"sessionId":"s"})", R"({"pid":99999999999,"sessionId":"s"})", R"(7{"pid":7,"sessionId":"s"})",
+    for (const char* wrong : {"",
+             "{}",
+             "[]",
+             "{",
+             "}",
+             R"({"pid":7,"sessionId":""})",
+             R"({"pid":0,"sessionId":"s"})",
+             R"({"pid":7.5,"sessionId":"s"})",
+             R"({"pid":99999999999,"sessionId":"s"})",
+             R"(7{"pid":7,"sessionId":"s"})",
              "{\"pid\":7,\"sessionId\":\"s\",\"x\":\"\xFF\"}"})
         EXPECT_FALSE(claudeStatus(wrong)) << wrong;
     for (const char* started : {"Sun Nov 22 05:00:00 2026", "", "-1", "7x", "99999999999999999999"})
-        EXPECT_FALSE(claudeStatus(R"({"pid":7,"sessionId":"s","procStart":")" + std::string{started} + "\"}")->processStart);
+        EXPECT_FALSE(
+            claudeStatus(R"({"pid":7,"sessionId":"s","procStart":")" + std::string{started} + "\"}")->processStart);
 }
 
 TEST(ClaudeStatus, LiesBesideTheProjects)
 {
     EXPECT_EQ(claudeStatusFolder("/h/.claude/projects/-p/s.jsonl"), "/h/.claude/sessions");
-    for (const char* other : {"", "/", "s.jsonl", "/projects", "h/projects/p/s.jsonl", "/h/projects/p/s.json",
-             "/h/projects/p/s/subagents/agent-1.jsonl", "/h/myprojects/p/s.jsonl"})
+    for (const char* other : {"",
+             "/",
+             "s.jsonl",
+             "/projects",
+             "h/projects/p/s.jsonl",
+             "/h/projects/p/s.json",
+             "/h/projects/p/s/subagents/agent-1.jsonl",
+             "/h/myprojects/p/s.jsonl"})
         EXPECT_FALSE(claudeStatusFolder(other)) << other;
 }
 
@@ -56,7 +71,8 @@ static std::string timedLine(const std::string& rest) { return R"({"timestamp":"
 TEST(CodexRollout, KnowsATurnByItsMarkersOnly)
 {
     using enum CodexRollout::Turn;
-    const auto marker = [](const char* type) { return R"(1Z","type":"event_msg","payload":{"type":")" + std::string{type}; };
+    const auto marker
+        = [](const char* type) { return R"(1Z","type":"event_msg","payload":{"type":")" + std::string{type}; };
     struct Row {
         std::string text;
         CodexRollout::Turn turn;
@@ -65,7 +81,9 @@ TEST(CodexRollout, KnowsATurnByItsMarkersOnly)
              {timedLine(marker("task_started\"}}")), open},
              {timedLine(marker("task_complete\",\"error\":{}}}")), closed},
              {timedLine(marker("turn_aborted\"}}")), closed},
-             {timedLine(R"(1Z","ordinal":7,"type":"event_msg","payload":{"type":"task_started","x":")" + std::string(9999, 'x') + "\"}}"), open},
+             {timedLine(R"(1Z","ordinal":7,"type":"event_msg","payload":{"type":"task_started","x":")"
+                  + std::string(9999, 'x') + "\"}}"),
+                 open},
              {timedLine(marker("task_started_again\"}}")), unknown},
              {timedLine(marker("agent_message\"}}")), unknown},
              {timedLine(R"(1Z","type":"event","payload":{"type":"task_started"}})"), unknown},
@@ -99,18 +117,21 @@ TEST(ClaudeTranscript, KnowsInterruptionsAndErrorsAndNothingElse)
         std::string text;
         bool hasEnded;
     };
-    for (const auto& row : std::vector<Row>{
-             {interruption, true},
-             {line(R"("type":"assistant","isApiErrorMessage":true)"), true},
-             {line(R"("type":"assistant","isApiErrorMessage":false)"), false},
-             {line(text("What is [Request interrupted by user]?")), false},
-             {line(R"("type":"assistant","message":{"content":[{"type":"text","text":"[Request interrupted by user]"}]})"), false},
-             {line(R"("isSidechain":true,)" + text("[Request interrupted by user]")), false},
-             {interruption + line(text("Go on")), false},
-             {interruption + line(R"("type":"system")"), true},
-             {line(R"("type":"user","message":"[Request interrupted by user]")"), false},
-             {"{\"type\":\"user\",[Request interrupted by user\n", false},
-         }) {
+    for (const auto& row :
+        std::vector<Row>{
+            {interruption, true},
+            {line(R"("type":"assistant","isApiErrorMessage":true)"), true},
+            {line(R"("type":"assistant","isApiErrorMessage":false)"), false},
+            {line(text("What is [Request interrupted by user]?")), false},
+            {line(
+                 R"("type":"assistant","message":{"content":[{"type":"text","text":"[Request interrupted by user]"}]})"),
+                false},
+            {line(R"("isSidechain":true,)" + text("[Request interrupted by user]")), false},
+            {interruption + line(text("Go on")), false},
+            {interruption + line(R"("type":"system")"), true},
+            {line(R"("type":"user","message":"[Request interrupted by user]")"), false},
+            {"{\"type\":\"user\",[Request interrupted by user\n", false},
+        }) {
         ClaudeTranscript transcript;
         transcript.take(row.text);
         EXPECT_EQ(transcript.endedAt().has_value(), row.hasEnded) << row.text;
