@@ -5,6 +5,7 @@
 #include "App/Settings/TabBar.h"
 #include "App/System/ClosedLidController.h"
 #include "App/Wording/Localized.h"
+#include "Core/Observation/ReadScope.h"
 
 #include <QCloseEvent>
 #include <QScreen>
