@@ -61,7 +61,8 @@ bool AgentCourse::counts(const AgentReading& reading, AgentActivity current, Ins
 {
     const auto& claim = reading.claim;
     const bool saysLess = claim && isBusier(current, claim->activity);
-    if (!saysLess)
+    // A reading that says nothing does not contradict the one before.
+    if (claim && !saysLess)
         sighting_.reset();
     if (!claim || claim->activity == current)
         return false;
