@@ -151,6 +151,22 @@ TEST(CodexThreads, ShowAnAnswerByTheirGrowthOrByACommand)
     }
 }
 
+TEST(CodexThreads, AreDoneOnlyIfEveryFileSaysSo)
+{
+    CodexThreads threads;
+    for (const char* path : {"/r/a", "/r/b"}) {
+        auto one = event(AgentSignal::working);
+        one.origin.transcript = path;
+        threads.take(one);
+    }
+    append(threads, rolloutLine(1s, "task_complete"));
+    EXPECT_FALSE(threads.claim()) << "one says nothing";
+    threads.all().back().rollout.take(rolloutLine(2s, "turn_aborted"));
+    EXPECT_EQ(threads.claim(), (AgentReading::Claim{idle, noon + 2s}));
+    append(threads, rolloutLine(3s, "task_started"));
+    EXPECT_EQ(threads.claim(), (AgentReading::Claim{working, noon + 3s}));
+}
+
 TEST(CodexThreads, KeepNoMoreFilesThanTheyMay)
 {
     CodexThreads threads;
