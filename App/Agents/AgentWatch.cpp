@@ -74,6 +74,7 @@ void AgentWatch::sessionDidBegin(const AgentPolicy& policy)
 void AgentWatch::sessionDidEnd()
 {
     policy_.reset();
+    evidence_.set({}); // nothing looks any more
     plan();
 }
 
@@ -234,7 +235,9 @@ template <class Reader> bool AgentWatch::follow(const std::string& path, Followe
         if (!piece)
             return true;
         if (const auto bytes = system_.files.read(path, *facts, piece->from, piece->length)) {
-            if (piece->isFresh)
+            if (piece->isSkip)
+                reader.skip();
+            else if (piece->isFresh)
                 reader.restart(piece->from > 0);
             file.didRead(*facts, *piece, bytes->size());
             reader.take(*bytes);

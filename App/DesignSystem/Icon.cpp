@@ -84,4 +84,23 @@ void drawMark(QPainter& painter, const QRectF& area, const QColor& color)
     draw(painter, QStringLiteral(":/artwork/mark.svg"), place, color);
 }
 
+void drawEmblem(QPainter& painter, const QRectF& area)
+{
+    constexpr QColor top{0x4B, 0x3F, 0x7D}, bottom{0x25, 0x1F, 0x3D}, light{0xFF, 0xC6, 0x5C};
+    constexpr double radius = 18.0 / 76, markWidth = 52.0 / 76; // of the width
+    const double size = area.width();
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    QLinearGradient sky{area.left() + size * 0.33, area.top(), area.left() + size * 0.67, area.bottom()};
+    sky.setColorAt(0, top);
+    sky.setColorAt(1, bottom);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(sky);
+    painter.drawRoundedRect(area, radius * size, radius * size);
+    QRectF place{0, 0, markWidth * size, size};
+    place.moveCenter(area.center());
+    drawMark(painter, place, light);
+    painter.restore();
+}
+
 } // namespace vespra

@@ -23,7 +23,7 @@ ScrollBar::ScrollBar(const Theme& theme, Qt::Orientation orientation)
 QSize ScrollBar::sizeHint() const
 {
     const int across = theme_.look.units(thickness);
-    return orientation() == Qt::Vertical ? QSize{across, 0} : QSize{0, across};
+    return {across, across}; // an area leaves a bar of an empty size out
 }
 
 void ScrollBar::paintEvent(QPaintEvent*)

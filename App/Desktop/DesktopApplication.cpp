@@ -1,5 +1,6 @@
 #include "App/Desktop/DesktopApplication.h"
 
+#include "App/Desktop/ApplicationIdentity.h"
 #include "App/Launch/ExitStatus.h"
 #include "App/Launch/SimulatedScreen.h"
 #include "ControlProtocol/CommandLine.h"
@@ -16,6 +17,7 @@ DesktopApplication::DesktopApplication(AppDelegate& application, Platform& platf
     , options_{options}
     , session_{application, platform, options}
 {
+    setApplicationIdentity();
     QGuiApplication::setQuitOnLastWindowClosed(false);
     qApp->installEventFilter(this);
     followSessionManager();

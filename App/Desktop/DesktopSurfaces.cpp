@@ -117,9 +117,11 @@ void DesktopSurfaces::followPresence()
     case StatusItem::Presence::shown:
         return itemIsShown();
     case StatusItem::Presence::absent:
+        // At login a tray may start a little later than the application.
         if (before == StatusItem::Presence::unknown)
-            return panel_->controller.show(anchor_);
-        substitution_ = context_->tasks.schedule(trayReturn, lifetime_.guard([this] { itemIsAbsent(); }));
+            substitution_ = context_->tasks.schedule(trayAnswer, lifetime_.guard([this] { nothingIsHeard(); }));
+        else
+            substitution_ = context_->tasks.schedule(trayReturn, lifetime_.guard([this] { itemIsAbsent(); }));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "App/Panel/PanelFrame.h"
 
 #include "App/DesignSystem/Focus.h"
+#include "App/DesignSystem/ScrollArea.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -29,9 +30,13 @@ void PanelFrame::build()
     if (content_)
         return;
     content_ = makeContent_();
-    content_->setParent(this);
-    content_->setGeometry(contentRect());
-    content_->show();
+    scroller_ = new ScrollArea{theme_};
+    scroller_->setParent(this);
+    scroller_->setWidget(content_);
+    scroller_->viewport()->installEventFilter(this);
+    content_->setAutoFillBackground(false);
+    scroller_->setGeometry(contentRect());
+    scroller_->show();
 }
 
 int PanelFrame::margin() const { return ground_ == Ground::floating ? static_cast<int>(measure::shadowMargin) : 0; }
@@ -45,7 +50,7 @@ QSize PanelFrame::contentSize(int maximumHeight)
 {
     build();
     content_->ensurePolished();
-    content_->setMaximumHeight(maximumHeight);
+    content_->setMaximumHeight(std::max(maximumHeight, content_->minimumSizeHint().height()));
     wanted_ = wantedSize();
     return wanted_.boundedTo({QWIDGETSIZE_MAX, maximumHeight});
 }
@@ -59,20 +64,19 @@ QRect PanelFrame::contentRect() const { return rect().adjusted(margin(), margin(
 
 QSize PanelFrame::sizeHint() const { return frameAround({{}, wantedSize()}).size(); }
 
-bool PanelFrame::event(QEvent* event)
+bool PanelFrame::eventFilter(QObject*, QEvent* event)
 {
-    const bool isHandled = QWidget::event(event);
-    if (event->type() == QEvent::LayoutRequest && content_ && wantedSize() != wanted_) {
+    if (event->type() == QEvent::LayoutRequest && wantedSize() != wanted_) {
         wanted_ = wantedSize();
         notify(onContentResize);
     }
-    return isHandled;
+    return false;
 }
 
 void PanelFrame::resizeEvent(QResizeEvent*)
 {
-    if (content_)
-        content_->setGeometry(contentRect());
+    if (scroller_)
+        scroller_->setGeometry(contentRect());
 }
 
 void PanelFrame::paintEvent(QPaintEvent*)

@@ -7,6 +7,8 @@
 
 namespace vespra {
 
+class ScrollArea;
+
 /// The ground of the panel, with its edge and the shadow around it, and the content on it. Main thread only.
 class PanelFrame final : public QWidget {
 public:
@@ -17,7 +19,7 @@ public:
     };
 
     /// `makeContent` is called once, when the content is needed; the frame owns what it makes. Its height is that of
-    /// its `sizeHint`, which keeps to its `maximumHeight`.
+    /// its `sizeHint`, which keeps to its `maximumHeight`; what is lower than its `minimumSizeHint` scrolls.
     PanelFrame(const Theme& theme, std::function<QWidget*()> makeContent);
 
     void setGround(Ground ground);
@@ -42,7 +44,7 @@ public:
     std::function<void()> onContentResize;
 
 protected:
-    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -56,6 +58,8 @@ private:
     const Theme theme_;
     std::function<QWidget*()> makeContent_;
     QWidget* content_ = nullptr;
+    /// Of the content, for when even its least height is more than there is.
+    ScrollArea* scroller_ = nullptr;
     Ground ground_ = Ground::floating;
     PanelShadow shadow_;
     QSize wanted_;

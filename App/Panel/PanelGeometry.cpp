@@ -56,7 +56,8 @@ ScreenEdge edgeOf(const PanelHook& hook)
     const int top = middle.y() - visible.y(), bottom = bottomOf(visible) - middle.y();
     const int left = middle.x() - visible.x(), right = rightOf(visible) - middle.x();
     // The end of a bar is near a side too.
-    const bool isInBar = std::min(top, bottom) < thickestBar && std::min(left, right) >= 0;
+    const bool isInBar
+        = std::min(top, bottom) < 0 || (std::min(top, bottom) < thickestBar && std::min(left, right) >= 0);
     if (!isInBar && std::min(left, right) < thickestBar)
         return left < right ? ScreenEdge::left : ScreenEdge::right;
     return top < bottom ? ScreenEdge::top : ScreenEdge::bottom;

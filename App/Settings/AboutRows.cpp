@@ -28,20 +28,8 @@ namespace {
     protected:
         void paintEvent(QPaintEvent*) override
         {
-            constexpr double radius = 18, markWidth = 52;
-            constexpr QColor top{0x4B, 0x3F, 0x7D}, bottom{0x25, 0x1F, 0x3D}, mark{0xFF, 0xC6, 0x5C};
             QPainter painter{this};
-            painter.setRenderHint(QPainter::Antialiasing);
-            QLinearGradient ground{width() * 0.33, 0, width() * 0.67, static_cast<double>(height())};
-            ground.setColorAt(0, top);
-            ground.setColorAt(1, bottom);
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(ground);
-            const auto& look = theme_.look;
-            painter.drawRoundedRect(rect(), look.scaled(radius), look.scaled(radius));
-            QRectF place{0, 0, look.scaled(markWidth), static_cast<double>(height())};
-            place.moveCenter(QRectF{rect()}.center());
-            drawMark(painter, place, mark);
+            drawEmblem(painter, rect());
         }
 
     private:

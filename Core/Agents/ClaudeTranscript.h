@@ -15,6 +15,7 @@ public:
     void take(std::string_view bytes);
     /// Begins anew, at a place from which on nothing has been taken.
     void restart(bool isInsideLine);
+    void skip() { restart(true); }
 
     /// When the turn ended that way; absent if the last message is any other.
     std::optional<Instant> endedAt() const { return endedAt_; }

@@ -51,6 +51,13 @@ void CodexRollout::restart(bool isInsideLine)
     lines_.restart(isInsideLine);
 }
 
+void CodexRollout::skip()
+{
+    lines_.restart(true);
+    if (turn_ == Turn::closed)
+        turn_ = Turn::unknown;
+}
+
 void CodexRollout::takeLine(std::string_view head)
 {
     const auto at = date(head);

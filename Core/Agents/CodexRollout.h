@@ -17,6 +17,8 @@ public:
     void take(std::string_view bytes);
     /// Begins anew, at a place from which on nothing has been taken.
     void restart(bool isInsideLine);
+    /// Goes on behind bytes that are left out. What was open still is, or its end will follow.
+    void skip();
 
     /// Unknown before the first marker.
     Turn turn() const { return turn_; }

@@ -17,6 +17,8 @@ public:
         bool isOfSubagent = false;
         FollowedFile file;
         CodexRollout rollout;
+        /// By its last event, which asked the user.
+        std::optional<Instant> askedAt;
     };
     /// Files that are kept; those of subagents that have finished make room for others.
     static constexpr std::size_t limit = 32;
@@ -38,12 +40,13 @@ public:
 
 private:
     /// When a file of an open turn gained something after the question; absent if none did.
-    std::optional<Instant> answeredAt() const;
+    std::optional<Instant> answeredAt(const Thread& thread) const;
+    bool isWorking(const Thread& thread) const;
     std::optional<AgentReading::Claim> closedClaim() const;
     AgentReading::Claim openClaim() const;
 
     std::vector<Thread> threads_;
-    std::optional<Instant> askedAt_;
+    std::optional<ProcessIdentity> process_; // as far as the events are certain of it
     std::optional<Instant> answerSeenAt_;
     bool wasSubagentLast_ = false;
 };

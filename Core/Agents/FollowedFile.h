@@ -28,6 +28,8 @@ public:
         std::uint64_t length;
         /// It does not follow what was read before: whoever reads begins anew, inside a line unless `from` is 0.
         bool isFresh;
+        /// It only leaves something out of the same file.
+        bool isSkip = false;
 
         bool operator==(const Piece&) const = default;
     };
@@ -41,7 +43,7 @@ public:
                 ? std::nullopt
                 : std::optional{Piece{.from = facts_->size, .length = now.size - facts_->size, .isFresh = false}};
         const auto from = now.size > tail ? now.size - tail : 0;
-        return Piece{.from = from, .length = now.size - from, .isFresh = true};
+        return Piece{.from = from, .length = now.size - from, .isFresh = true, .isSkip = isKnown};
     }
 
     /// `count` bytes of `piece` have been read.

@@ -17,7 +17,8 @@ namespace {
 std::optional<ProcessFacts> processFacts(pid_t pid)
 {
     proc_bsdinfo info{};
-    if (proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &info, sizeof info) != static_cast<int>(sizeof info))
+    constexpr std::uint64_t alsoEnded = 1; // one that nobody has waited for yet
+    if (proc_pidinfo(pid, PROC_PIDTBSDINFO, alsoEnded, &info, sizeof info) != static_cast<int>(sizeof info))
         return {};
     return ProcessFacts{.name = {info.pbi_comm, strnlen(info.pbi_comm, sizeof info.pbi_comm)},
         .parent = static_cast<pid_t>(info.pbi_ppid),

@@ -45,7 +45,8 @@ namespace {
 } // namespace
 
 LinuxStatusItem::LinuxStatusItem(MainLoop& mainLoop, const AppearanceMonitoring& appearance)
-    : hasTitle_{!desktop::isCurrent("MATE")}
+    // These show no label, or one in the place of the icon: nothing is to wake up for it.
+    : hasTitle_{!desktop::isCurrent("MATE") && !desktop::isCurrent("XFCE") && !desktop::isCurrent("KDE")}
     , mainLoop_{mainLoop}
     , appearance_{appearance}
     , bus_{dbus::sessionBus()}

@@ -22,7 +22,8 @@ namespace {
         for (int index = 0; index < layout.count(); ++index) {
             auto* item = layout.itemAt(index);
             auto* widget = item->widget();
-            if (widget && (widget->focusPolicy() & Qt::TabFocus) != 0)
+            // Also what Tab leaves out now: of choices that exclude each other it takes the chosen one.
+            if (widget && widget->focusPolicy() != Qt::NoFocus)
                 found.push_back(widget);
             if (const auto* inside = widget ? widget->layout() : item->layout())
                 collectFocusable(*inside, found);
@@ -105,6 +106,8 @@ QSize PanelContent::sizeHint() const
 {
     return {minimumWidth(), std::min(column_->totalHeightForWidth(minimumWidth()), maximumHeight())};
 }
+
+QSize PanelContent::minimumSizeHint() const { return {minimumWidth(), column_->minimumHeightForWidth(minimumWidth())}; }
 
 void PanelContent::showEvent(QShowEvent* event)
 {

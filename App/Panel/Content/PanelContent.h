@@ -10,7 +10,7 @@ class AgentList;
 class SessionButtons;
 
 /// All that the panel shows, as wide as the panel and as high as it needs to be. With less height (`setMaximumHeight`)
-/// the agents scroll. A new height is told like any: by `updateGeometry`.
+/// the agents scroll, and never less than their first. A new height is told like any: by `updateGeometry`.
 class PanelContent final : public QWidget {
 public:
     /// `hide` hides the panel, before the system asks the user something; it may be empty.
@@ -18,7 +18,8 @@ public:
     ~PanelContent() override;
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    /// With the agents' list as low as it may be.
+    QSize minimumSizeHint() const override;
     // Its width is given, so its height is too.
     bool hasHeightForWidth() const override { return false; }
 

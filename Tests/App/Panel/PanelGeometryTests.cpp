@@ -29,6 +29,10 @@ TEST(PanelGeometry, HangsFromTheItemAndStaysOnTheScreen)
                  {{-700, -1080, 24, 28}, {-1280, -1052, 1280, 772}},
                  {{-858, -1048, 340, 400}, ScreenEdge::top},
                  760},
+             {"over a bar at the right",
+                 {{1390, 0, 36, 24}, {0, 24, 1370, 876}},
+                 {{1022, 28, 340, 400}, ScreenEdge::top},
+                 864},
              {"a narrow screen", {{300, 0, 24, 28}, {0, 28, 320, 772}}, {{8, 32, 340, 400}, ScreenEdge::top}, 760},
          }) {
         SCOPED_TRACE(row.what);
