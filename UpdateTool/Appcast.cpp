@@ -43,6 +43,8 @@ namespace {
     struct Item {
         UpdateOffer offer;
         bool hasPackage = false;
+        /// Of a channel that has to be chosen, or only to be read about.
+        bool isForOthers = false;
     };
 
     void readEnclosure(QXmlStreamReader& xml, Item& item)
@@ -78,7 +80,12 @@ namespace {
                 item.offer.version = xml.readElementText().trimmed().toStdString();
             else if (isSparkles && name == QStringLiteral("shortVersionString"))
                 item.offer.displayVersion = xml.readElementText().trimmed().toStdString();
-            else if (!isSparkles && name == QStringLiteral("description"))
+            else if (isSparkles && name == QStringLiteral("channel"))
+                item.isForOthers = !xml.readElementText().trimmed().isEmpty() || item.isForOthers;
+            else if (isSparkles && name == QStringLiteral("informationalUpdate")) {
+                item.isForOthers = true;
+                xml.skipCurrentElement();
+            } else if (!isSparkles && name == QStringLiteral("description"))
                 item.offer.notes = readNotes(xml).toStdString();
             else
                 xml.skipCurrentElement();
@@ -88,13 +95,13 @@ namespace {
         return item;
     }
 
-    /// Only what can be fetched and verified. Beta versions and the like come through channels that nobody here
+    /// Only what can be fetched and verified. Beta versions and the like come through channels, which nobody here
     /// follows.
     bool isUsable(const Item& item)
     {
         const auto& offer = item.offer;
-        return item.hasPackage && !offer.version.empty() && offer.length > 0 && !offer.signature.empty()
-            && QUrl{QString::fromStdString(offer.url)}.scheme() == QStringLiteral("https");
+        return item.hasPackage && !item.isForOthers && !offer.version.empty() && offer.length > 0
+            && !offer.signature.empty() && QUrl{QString::fromStdString(offer.url)}.scheme() == QStringLiteral("https");
     }
 
 } // namespace

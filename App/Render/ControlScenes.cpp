@@ -26,7 +26,7 @@ namespace {
         "circle.dotted",
         "clock",
         "clock.badge.exclamationmark",
-        "exclamationmark.circle",
+        "exclamationmark.circle.fill",
         "gearshape",
         "hourglass",
         "info.circle",

@@ -30,6 +30,8 @@ RowView::RowView(const Theme& theme, const std::string& title, QWidget* control)
         layout_->addWidget(control, 0, Qt::AlignVCenter);
         if (control->accessibleName().isEmpty())
             control->setAccessibleName(qtText(title));
+        // What tells its value as its name, as a menu does, is named by its label.
+        title_->setBuddy(control);
     }
     title_->show(title);
     title_->setVisible(!title.empty());

@@ -110,6 +110,7 @@ void ShortcutRecorder::record()
     // The keys that work now would not reach this window.
     shortcut_.setPaused(true);
     isRefused_.set(false);
+    isRecorded_ = false;
     isRecording_.set(true);
     setFocus();
     grabKeyboard();
@@ -138,18 +139,25 @@ void ShortcutRecorder::keyPressEvent(QKeyEvent* event)
         return QWidget::keyPressEvent(event);
     if (event->key() == Qt::Key_Escape)
         return stop();
+    if (isRecorded_)
+        return;
     const auto keys = pressedKeys(*event);
-    if (shortcut_.record(keys))
-        return stop();
+    if (shortcut_.record(keys)) {
+        // They work once one is let go: still held, they would count as pressed.
+        isRecorded_ = true;
+        return show(keysText(keys), true);
+    }
     const auto held = keysText({keys.control, keys.alt, keys.shift, keys.super});
     show(held.empty() ? localized("Press keys…") : held, false);
     constexpr std::array modifiers{Qt::Key_Control, Qt::Key_Alt, Qt::Key_Shift, Qt::Key_Meta, Qt::Key_AltGr};
     isRefused_.set(std::ranges::find(modifiers, event->key()) == modifiers.end());
 }
 
-void ShortcutRecorder::keyReleaseEvent(QKeyEvent*)
+void ShortcutRecorder::keyReleaseEvent(QKeyEvent* event)
 {
-    if (isRecording_.get())
+    if (isRecorded_ && !event->isAutoRepeat())
+        return stop();
+    if (isRecording_.get() && !isRecorded_)
         show(localized("Press keys…"), false);
 }
 

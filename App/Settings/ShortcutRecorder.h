@@ -36,6 +36,8 @@ private:
     Button* record_;
     Button* clear_;
     Observed<bool> isRecording_;
+    /// The keys have been taken, and are still held down.
+    bool isRecorded_ = false;
     Observed<bool> isRefused_;
     ObservationLoop loop_;
 };

@@ -83,14 +83,14 @@ QWidget* makeLoginApprovalRow(const SettingsSurface& surface)
     button->show(localized("Open System Settings"));
     QObject::connect(button, &QPushButton::clicked, [&item = surface.model.loginItem()] { item.openSystemSettings(); });
     auto* note = new Note{surface.theme, NoteKind::warn, button};
-    note->show("exclamationmark.circle", localized("Allow %1 in System Settings to finish.", {Brand::appName()}));
+    note->show("exclamationmark.circle.fill", localized("Allow %1 in System Settings to finish.", {Brand::appName()}));
     return inCard(surface.theme, note);
 }
 
 QWidget* makeShutDownWarning(const SettingsSurface& surface)
 {
     auto* note = new Note{surface.theme, NoteKind::warn};
-    note->show("exclamationmark.circle",
+    note->show("exclamationmark.circle.fill",
         localized("Shutting down needs the closed-lid component. Without it, the Mac will go to sleep instead."));
     return inCard(surface.theme, note);
 }

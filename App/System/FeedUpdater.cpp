@@ -197,6 +197,7 @@ void FeedUpdater::fetch(bool isAskedFor)
 
 void FeedUpdater::fetched()
 {
+    planCheck(); // one may have come due meanwhile
     const auto* const package = std::get_if<updateMessage::Package>(&answer_);
     if (!package) {
         const auto* const failure = std::get_if<updateMessage::Failed>(&answer_);

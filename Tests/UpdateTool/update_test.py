@@ -53,11 +53,11 @@ class Keys:
         return file.read_bytes()
 
 
-def item(version, *systems, notes=""):
+def item(version, *systems, notes="", more=""):
     enclosures = "".join(f'<enclosure url="{url}" sparkle:os="{system}" length="{length}" sparkle:edSignature="{signature}"/>'
                          for system, url, length, signature in systems)
     return (f"<item><title>x</title><sparkle:version>{version}</sparkle:version><sparkle:minimumSystemVersion>99"
-            f"</sparkle:minimumSystemVersion><description>{notes}</description>{enclosures}</item>")
+            f"</sparkle:minimumSystemVersion><description>{notes}</description>{more}{enclosures}</item>")
 
 
 def rss(*items):
@@ -141,7 +141,8 @@ class UpdateTest(unittest.TestCase):
         package = ("linux", cls.server.address + "/Vespra_2.0.deb", len(PACKAGE), cls.keys.signature(PACKAGE))
         foreign = ("macos", "https://localhost/mac.zip", 5, "c2ln")
         feed = rss(item("1.10", package), item("2.0", foreign, package, notes="&lt;ul&gt;&lt;li&gt;New &amp;amp; good&lt;/ul&gt;"),
-                   item("3.0", foreign), item("4.0", ("linux", "http://localhost/a.deb", 5, "c2ln")), item("0.9", package))
+                   item("3.0", foreign), item("5.0", package, more="<sparkle:channel>beta</sparkle:channel>"),
+                   item("6.0", package, more="<sparkle:informationalUpdate/>"), item("4.0", ("linux", "http://localhost/a.deb", 5, "c2ln")), item("0.9", package))
         new = cls.keys.signed(feed)
         pages = {"/new": new, "/old": cls.keys.signed(rss(item("1.0", package), item("0.9", package))),
                  "/tampered": new.replace(b"2.0", b"2.1"), "/unsigned": feed.encode(), "/after": new + b"<!-- more -->",

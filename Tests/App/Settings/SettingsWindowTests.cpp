@@ -37,10 +37,10 @@ namespace {
                     all.push_back(each->accessibleName().toStdString());
             return all;
         }
-        void type(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers)
+        void type(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers, QEvent::Type type = QEvent::KeyPress)
         {
-            QKeyEvent press{QEvent::KeyPress, key, modifiers};
-            QApplication::sendEvent(&widget, &press);
+            QKeyEvent event{type, key, modifiers};
+            QApplication::sendEvent(&widget, &event);
             settle();
         }
 
@@ -170,6 +170,8 @@ TEST_F(SettingsWindowTest, RecordsTheNextKeysThatCanBeGlobal)
     press(&recorder, "Record");
     type(recorder, Qt::Key_K, Qt::AltModifier | Qt::ShiftModifier);
     EXPECT_EQ(keys, (KeyCombination{.alt = true, .shift = true, .key = 'k'}));
+    EXPECT_FALSE(button(&recorder, "Clear")) << "held down, they would count as pressed";
+    type(recorder, Qt::Key_K, Qt::AltModifier | Qt::ShiftModifier, QEvent::KeyRelease);
     press(&recorder, "Clear");
     EXPECT_EQ(keys, std::nullopt);
     EXPECT_FALSE(button(&recorder, "Clear"));
