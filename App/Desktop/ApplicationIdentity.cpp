@@ -75,6 +75,8 @@ namespace {
 
 void setApplicationIdentity()
 {
+    // Its windows are named by what they show: desktops add whose they are.
+    QGuiApplication::setApplicationDisplayName(QString::fromStdString(Brand::appName()));
     QGuiApplication::setDesktopFileName(QString::fromStdString(Brand::appBundleID()));
     QApplication::setWindowIcon(emblem());
     QAccessible::installFactory(accessibleApplication);
