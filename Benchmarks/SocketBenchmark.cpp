@@ -1,7 +1,7 @@
 #include "App/Agents/AgentSocketServer.h"
 #include "Core/Agents/AgentTracker.h"
-#include "Tests/Support/LocalClient.h"
 #include "Core/Scheduling/ManualMainLoop.h"
+#include "Tests/Support/LocalClient.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <benchmark/benchmark.h>

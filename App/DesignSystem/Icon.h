@@ -18,7 +18,6 @@ void drawMark(QPainter& painter, const QRectF& area, const QColor& color);
 /// Width by height of the brand mark's artwork.
 inline constexpr double markAspect = 456.7 / 252.13;
 
-
 /// The application's own icon: the mark on an evening sky, in the square `area`.
 void drawEmblem(QPainter& painter, const QRectF& area);
 

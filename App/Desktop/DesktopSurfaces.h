@@ -13,8 +13,8 @@
 
 namespace vespra {
 
-/// The item and the windows of a desktop. Where the desktop has no place for an item the panel is an ordinary window, so
-/// that there always is something to click. Main thread only.
+/// The item and the windows of a desktop. Where the desktop has no place for an item the panel is an ordinary window,
+/// so that there always is something to click. Main thread only.
 class DesktopSurfaces final : public AppSurfaces {
 public:
     DesktopSurfaces();

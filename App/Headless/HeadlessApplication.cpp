@@ -41,8 +41,7 @@ void HeadlessApplication::start()
     session_.onRefusal = [this](const std::string& reason) { refuse(reason); };
     session_.applySettings();
     followForcedAction();
-    simulatedScreen::follow(
-        platform_, lifetime_.guard([this](const std::string& line) { output_.printNote(line); }));
+    simulatedScreen::follow(platform_, lifetime_.guard([this](const std::string& line) { output_.printNote(line); }));
     if (output_.isTerminal())
         liveLoop_.emplace(*platform_.time.mainLoop, [this] { drawLive(); });
     if (isIdle_)

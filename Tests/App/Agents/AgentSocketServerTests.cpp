@@ -1,8 +1,8 @@
 #include "App/Agents/AgentSocketServer.h"
+#include "Core/Scheduling/ManualMainLoop.h"
 #include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/DescriptorFamine.h"
 #include "Tests/Support/LocalClient.h"
-#include "Core/Scheduling/ManualMainLoop.h"
 #include "Tests/Support/RecordedLog.h"
 #include "Tests/Support/TemporaryDirectory.h"
 

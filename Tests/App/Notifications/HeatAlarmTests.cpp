@@ -1,7 +1,7 @@
 #include "App/Notifications/HeatAlarm.h"
 #include "App/System/simulated/SimulatedNotifications.h"
-#include "Core/Scheduling/VirtualTime.h"
 #include "Core/Scheduling/ManualMainLoop.h"
+#include "Core/Scheduling/VirtualTime.h"
 
 #include <gmock/gmock.h>
 

@@ -1,10 +1,10 @@
 #include "App/System/ClosedLidController.h"
 
 #include "App/System/simulated/SimulatedHelper.h"
+#include "Core/Scheduling/ManualMainLoop.h"
 #include "Core/Scheduling/VirtualTime.h"
 #include "Tests/Support/Courses.h"
 #include "Tests/Support/FakeMonitors.h"
-#include "Core/Scheduling/ManualMainLoop.h"
 #include "Tests/Support/RecordedLog.h"
 
 #include <map>

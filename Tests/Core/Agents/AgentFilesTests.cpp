@@ -151,7 +151,8 @@ TEST(FollowedFile, IsReadFromItsEndAndThenWhereItHasGrown)
     file.didRead(first, *file.next(first), 100);
     EXPECT_FALSE(file.next(first));
     EXPECT_EQ(file.next({.inode = 1, .size = 1000 + limit}), (Piece{1000, limit, false}));
-    EXPECT_EQ(file.next({.inode = 1, .size = 1001 + limit}), (Piece{1001 + limit - tail, tail, true, true})) << "too much";
+    EXPECT_EQ(file.next({.inode = 1, .size = 1001 + limit}), (Piece{1001 + limit - tail, tail, true, true}))
+        << "too much";
     EXPECT_EQ(file.next({.inode = 1, .size = 999}), (Piece{0, 999, true})) << "it has shrunk";
     EXPECT_EQ(file.next({.inode = 2, .size = 1000}), (Piece{0, 1000, true})) << "it is another";
 }

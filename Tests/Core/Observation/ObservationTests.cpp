@@ -1,8 +1,8 @@
 #include "Core/Observation/ObservationLoop.h"
 #include "Core/Observation/Observed.h"
 #include "Core/Observation/ObservedClock.h"
-#include "Core/Scheduling/VirtualTime.h"
 #include "Core/Scheduling/ManualMainLoop.h"
+#include "Core/Scheduling/VirtualTime.h"
 
 #include <gtest/gtest.h>
 
