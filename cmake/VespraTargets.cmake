@@ -98,3 +98,9 @@ if(APPLE)
 else()
     set(VESPRA_SYSTEM linux)
 endif()
+
+if(APPLE AND CMAKE_CROSSCOMPILING AND NOT TARGET WrapOpenGL::WrapOpenGL)
+    # Qt asks for these; nothing here uses them, and they would be those of another system.
+    add_library(WrapOpenGL::WrapOpenGL INTERFACE IMPORTED GLOBAL)
+    set(CMAKE_DISABLE_FIND_PACKAGE_XKB ON)
+endif()
