@@ -58,13 +58,20 @@ public:
     AgentWatch& watch() { return watch_; }
 
 private:
-    static constexpr std::int64_t pid = 77;
+    std::int64_t pid = 77;
     static constexpr std::uint64_t start = 5;
     static constexpr const char* statusFile = "/h/sessions/77.json";
 
     void perform(const std::string& word)
     {
-        if (word == "kill")
+        if (word == "restart") {
+            processes_.alive.clear();
+            processes_.alive.emplace(++pid, start);
+            isProcessCertain_ = true;
+        } else if (word == "much") {
+            for (int line = 0; line < 3000; ++line)
+                append("/r/main.jsonl", R"("type":"response_item","payload":")" + std::string(150, 'x') + '"');
+        } else if (word == "kill")
             processes_.alive.clear();
         else if (word == "child")
             processes_.children[pid].push_back(time_.now());
@@ -98,6 +105,7 @@ private:
         if (!event)
             return;
         event->origin.process = ProcessIdentity{.pid = pid, .start = start};
+        event->origin.isProcessCertain = isProcessCertain_;
         evidence_ == Evidence::none ? tracker_.record(*event) : watch_.record(*event);
     }
 
@@ -137,6 +145,7 @@ private:
 
     AgentKind agent_;
     Evidence evidence_;
+    bool isProcessCertain_ = false;
     VirtualTime time_{Instant::fromISO8601("2026-01-01T12:00:00Z").value()};
     Instant begun_ = time_.now();
     SimulatedAgentFiles files_;
