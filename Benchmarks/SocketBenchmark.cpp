@@ -36,7 +36,7 @@ private:
                               }};
 };
 
-std::string line(std::int64_t session)
+std::string eventLine(std::int64_t session)
 {
     return encoded({.agent = AgentKind::claudeCode,
                .sessionID = std::to_string(session) + "-7a53-4c0f-9f2e-0d5f3b1c9a77",
@@ -50,7 +50,7 @@ std::string line(std::int64_t session)
 void socketToTracker(benchmark::State& state)
 {
     Road road;
-    const auto event = line(0);
+    const auto event = eventLine(0);
     for (auto _ : state) {
         road.send(event);
         road.waitUntilRecorded(1);
@@ -65,7 +65,7 @@ void eventsPerSecond(benchmark::State& state)
     Road road;
     std::string events;
     for (std::int64_t i = 0; i < state.range(0); ++i)
-        events += line(i % 4);
+        events += eventLine(i % 4);
     for (auto _ : state) {
         road.send(events);
         road.waitUntilRecorded(state.range(0));
