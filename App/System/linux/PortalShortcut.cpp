@@ -33,7 +33,7 @@ namespace {
 
     QString interface() { return QStringLiteral("org.freedesktop.portal.GlobalShortcuts"); }
 
-    /// As the specification of shortcuts for portals writes them.
+    /// "CTRL+ALT+LOGO+w", as portals write keys.
     QString trigger(const KeyCombination& keys)
     {
         QString text;
