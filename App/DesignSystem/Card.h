@@ -1,6 +1,7 @@
 #pragma once
 
 #include "App/DesignSystem/IconLabel.h"
+#include "Core/ClosedLid/ClosedLidStatus.h"
 
 #include <QBoxLayout>
 
@@ -63,7 +64,7 @@ private:
 /// One thing of a checklist.
 class CheckLine final : public QWidget {
 public:
-    enum class State { ok, pending, failed };
+    using State = ClosedLidChecklist::Item;
 
     explicit CheckLine(const Theme& theme);
 

@@ -29,19 +29,6 @@ namespace {
         return &Tokens::text3;
     }
 
-    CheckLine::State state(ClosedLidChecklist::Item item)
-    {
-        switch (item) {
-        case ClosedLidChecklist::Item::ok:
-            return CheckLine::State::ok;
-        case ClosedLidChecklist::Item::failed:
-            return CheckLine::State::failed;
-        case ClosedLidChecklist::Item::pending:
-            break;
-        }
-        return CheckLine::State::pending;
-    }
-
     QHBoxLayout* inRow(const Theme& theme, QWidget* place)
     {
         auto* row = new QHBoxLayout{place};
@@ -92,7 +79,7 @@ QWidget* makeChecklistRow(const SettingsSurface& surface)
     follow(*place, surface.theme, [lines, &model = surface.model] {
         const auto checks = panelFacts::closedLidChecks(model);
         for (std::size_t index = 0; index < lines.size(); ++index)
-            lines[index]->show(checks[index].text, state(checks[index].state));
+            lines[index]->show(checks[index].text, checks[index].state);
     });
     return place;
 }

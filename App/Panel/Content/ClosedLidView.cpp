@@ -7,19 +7,6 @@ namespace vespra {
 
 namespace {
 
-    CheckLine::State checkState(ClosedLidChecklist::Item item)
-    {
-        switch (item) {
-        case ClosedLidChecklist::Item::ok:
-            return CheckLine::State::ok;
-        case ClosedLidChecklist::Item::failed:
-            return CheckLine::State::failed;
-        case ClosedLidChecklist::Item::pending:
-            break;
-        }
-        return CheckLine::State::pending;
-    }
-
     CheckLine* checkLine(const Theme& theme) { return new CheckLine{theme}; }
 
     /// In one place, one of them at a time.
@@ -95,7 +82,7 @@ void ClosedLidView::show(const panelFacts::ClosedLidRow& facts)
 void ClosedLidView::showChecks(const std::vector<panelFacts::CheckItem>& checks)
 {
     for (std::size_t index = 0; index < checks.size(); ++index)
-        checks_.at(index)->show(checks[index].text, checkState(checks[index].state));
+        checks_.at(index)->show(checks[index].text, checks[index].state);
     // What the user asked for, or is asked for, shows at once.
     if (!checks.empty() && !offered_ && isVisible())
         return openSoon();
