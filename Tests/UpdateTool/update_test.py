@@ -142,7 +142,8 @@ class UpdateTest(unittest.TestCase):
         foreign = ("macos", "https://localhost/mac.zip", 5, "c2ln")
         feed = rss(item("1.10", package), item("2.0", foreign, package, notes="&lt;ul&gt;&lt;li&gt;New &amp;amp; good&lt;/ul&gt;"),
                    item("3.0", foreign), item("5.0", package, more="<sparkle:channel>beta</sparkle:channel>"),
-                   item("6.0", package, more="<sparkle:informationalUpdate/>"), item("4.0", ("linux", "http://localhost/a.deb", 5, "c2ln")), item("0.9", package))
+                   item("6.0", package, more="<sparkle:informationalUpdate/>"),
+                   item("4.0", ("linux", "http://localhost/a.deb", 5, "c2ln")), item("0.9", package))
         new = cls.keys.signed(feed)
         pages = {"/new": new, "/old": cls.keys.signed(rss(item("1.0", package), item("0.9", package))),
                  "/tampered": new.replace(b"2.0", b"2.1"), "/unsigned": feed.encode(), "/after": new + b"<!-- more -->",
@@ -158,6 +159,13 @@ class UpdateTest(unittest.TestCase):
 
     def check(self, path, *more, **options):
         return self.run_tool("check", "--feed", self.server.address + path, *more, **options)[-1]
+
+    def test_a_failure_to_sign_is_told_and_changes_nothing(self):
+        feed = self.folder / "untouched.xml"
+        feed.write_text("<rss/>")
+        for key, file in ("key", feed), ("signing", self.folder / "missing.deb"):
+            self.assertNotEqual(subprocess.run([SIGN, self.keys.path(key), file], capture_output=True).returncode, 0, key)
+        self.assertEqual(feed.read_text(), "<rss/>")
 
     def test_a_feed_tells_of_a_newer_version_or_of_nothing(self):
         self.server.poured = 0
