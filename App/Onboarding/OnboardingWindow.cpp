@@ -1,5 +1,6 @@
 #include "App/Onboarding/OnboardingWindow.h"
 
+#include "App/DesignSystem/Following.h"
 #include "App/Onboarding/StepViews.h"
 #include "App/System/ClosedLidController.h"
 #include "App/Wording/Localized.h"
@@ -38,10 +39,6 @@ OnboardingWindow::OnboardingWindow(const SurfaceContext& context, const Theme& t
     , secondary_{makeButton(theme, ButtonKind::quiet)}
     , dots_{new StepDots{theme, onboardingStepCount}}
     , ground_{theme, *this}
-    , loop_{theme.mainLoop, [this] {
-                dots_->show(static_cast<int>(step_.get()));
-                display(onboardingFacts(model_, step_.get()));
-            }}
 {
     setWindowTitle(qtText(localized("Welcome to %1", {Brand::appName()})));
     const auto& look = theme.look;
@@ -67,8 +64,12 @@ OnboardingWindow::OnboardingWindow(const SurfaceContext& context, const Theme& t
         label->setAlignment(Qt::AlignCenter);
     connect(primary_, &QPushButton::clicked, this, [this] { perform(actions_.front()); });
     connect(secondary_, &QPushButton::clicked, this, [this] { perform(actions_.back()); });
+    // Not before every part has its place: alone it would be a window of its own.
+    follow(*this, theme, [this] {
+        dots_->show(static_cast<int>(step_.get()));
+        display(onboardingFacts(model_, step_.get()));
+    });
     primary_->setFocus();
-    fit();
 }
 
 void OnboardingWindow::go(OnboardingStep step)

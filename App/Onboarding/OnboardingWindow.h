@@ -48,7 +48,6 @@ private:
     Button* secondary_;
     StepDots* dots_;
     WindowGround ground_;
-    ObservationLoop loop_;
 };
 
 } // namespace vespra

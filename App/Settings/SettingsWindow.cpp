@@ -1,5 +1,6 @@
 #include "App/Settings/SettingsWindow.h"
 
+#include "App/DesignSystem/Following.h"
 #include "App/DesignSystem/ScrollArea.h"
 #include "App/Settings/PageView.h"
 #include "App/Settings/TabBar.h"
@@ -27,9 +28,11 @@ namespace {
         auto* line = new QWidget;
         line->setAutoFillBackground(true);
         line->setFixedHeight(lineHeight);
-        auto colors = line->palette();
-        colors.setColor(QPalette::Window, theme.look.tokens().line);
-        line->setPalette(colors);
+        follow(*line, theme, [line, &look = theme.look] {
+            auto colors = line->palette();
+            colors.setColor(QPalette::Window, look.tokens().line);
+            line->setPalette(colors);
+        });
         return line;
     }
 

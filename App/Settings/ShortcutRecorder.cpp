@@ -1,5 +1,6 @@
 #include "App/Settings/ShortcutRecorder.h"
 
+#include "App/DesignSystem/Following.h"
 #include "App/Model/ShortcutFacts.h"
 #include "App/Settings/ShortcutKeys.h"
 #include "App/Wording/Localized.h"
@@ -57,7 +58,6 @@ ShortcutRecorder::ShortcutRecorder(const SettingsSurface& surface)
     , keys_{new Label{surface.theme, TextStyle::strong}}
     , record_{new Button{surface.theme, ButtonKind::plain, ButtonSize::small}}
     , clear_{new Button{surface.theme, ButtonKind::plain, ButtonSize::small}}
-    , loop_{surface.theme.mainLoop, [this] { apply(); }}
 {
     auto* row = new QHBoxLayout{this};
     row->setContentsMargins({});
@@ -72,6 +72,7 @@ ShortcutRecorder::ShortcutRecorder(const SettingsSurface& surface)
     setFocusPolicy(Qt::NoFocus);
     connect(record_, &QPushButton::clicked, this, [this] { isRecording_.get() ? stop() : record(); });
     connect(clear_, &QPushButton::clicked, this, [this] { shortcut_.clear(); });
+    follow(*this, surface.theme, [this] { apply(); });
 }
 
 ShortcutRecorder::~ShortcutRecorder() { stop(); }

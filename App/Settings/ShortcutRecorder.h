@@ -39,7 +39,6 @@ private:
     /// The keys have been taken, and are still held down.
     bool isRecorded_ = false;
     Observed<bool> isRefused_;
-    ObservationLoop loop_;
 };
 
 } // namespace vespra
