@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QSessionManager>
+#include <QWidget>
 
 namespace vespra {
 
@@ -59,6 +60,9 @@ void DesktopApplication::terminate()
     application_.model().forcedEndAction().cancel();
     application_.shouldTerminate();
     application_.willTerminate();
+    // What hides may still look at the model, which ends before the windows do.
+    for (auto* window : QApplication::topLevelWidgets())
+        window->hide();
     QCoreApplication::exit(ExitStatus::done);
 }
 

@@ -64,6 +64,11 @@ namespace {
         {
             isPopup_ = place.has_value();
             become(isPopup_ ? popup : ordinary);
+            // A compositor comes and goes as the user likes.
+            fades_ = isPopup_ && compositing::isRunning();
+            // The last time that it faded has left it transparent.
+            if (!fades_)
+                frame_.setWindowOpacity(1);
             if (place)
                 orderInPopup(*place);
             else
@@ -96,19 +101,16 @@ namespace {
 
         void orderInPopup(const PanelPlace& there)
         {
-            // A compositor comes and goes as the user likes.
-            fades_ = compositing::isRunning();
             frame_.setGround(fades_ ? PanelFrame::Ground::floating : PanelFrame::Ground::square);
             frame_.setMinimumSize(0, 0);
             frame_.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
             place(there);
             show(motion_.progress());
-            frame_.show();
+            frame_.showNormal(); // it may have been minimized as a window
         }
 
         void orderInWindow()
         {
-            fades_ = false;
             frame_.setGround(PanelFrame::Ground::window);
             fitWindow();
             frame_.showNormal();
