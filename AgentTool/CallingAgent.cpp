@@ -20,7 +20,7 @@ namespace {
         return std::ranges::find(shells, name) != shells.end();
     }
 
-    void name(AgentOrigin& origin, pid_t pid, const ProcessFacts& facts, bool isCertain)
+    void setProcess(AgentOrigin& origin, pid_t pid, const ProcessFacts& facts, bool isCertain)
     {
         origin.process = ProcessIdentity{.pid = pid, .start = facts.start, .space = processSpace()};
         origin.isProcessCertain = isCertain;
@@ -42,8 +42,8 @@ void nameProcess(AgentEvent& event)
 {
     if (const auto named = namedProcess(event.agent); named > 1)
         if (const auto facts = processFacts(named))
-            return name(event.origin, named, *facts, true);
-    // No agent is done with its start so soon; a program around the hook is.
+            return setProcess(event.origin, named, *facts, true);
+    // An agent has run for longer when a hook of its runs; a program around the hook was started just for it.
     constexpr std::chrono::seconds youngestAgent{1};
     constexpr int furthest = 8;
     auto pid = getppid();
@@ -52,7 +52,7 @@ void nameProcess(AgentEvent& event)
         if (!facts)
             return;
         if (!isShell(facts->name))
-            return name(event.origin, pid, *facts, age(*facts) >= youngestAgent);
+            return setProcess(event.origin, pid, *facts, age(*facts) >= youngestAgent);
         pid = facts->parent;
     }
 }

@@ -76,7 +76,8 @@ bool AgentCourse::isSettled(const AgentReading::Claim& claim, Instant now)
 {
     if (claim.since && now - *claim.since >= readingAge)
         return true;
-    if (!sighting_ || sighting_->activity != claim.activity)
+    // Seen anew as well after the clock was set back.
+    if (!sighting_ || sighting_->activity != claim.activity || now < sighting_->at)
         sighting_ = Sighting{.activity = claim.activity, .at = now};
     return now - sighting_->at >= sightingsApart;
 }

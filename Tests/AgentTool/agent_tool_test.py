@@ -96,6 +96,7 @@ class AgentTool(unittest.TestCase):
             return int(pathlib.Path(f"/proc/{pid}/stat").read_text().rsplit(") ", 1)[1].split()[19])
 
         application = self.application()
+        time.sleep(1.1)  # what runs for less than a second might only run the hook
         sleeper = subprocess.Popen(["sleep", "60"])
         self.addCleanup(lambda: (sleeper.kill(), sleeper.wait()))
         nested = tuple(f"{shell} -c '{{}}; true'" for shell in ("sh", "bash", "sh"))
@@ -114,6 +115,11 @@ class AgentTool(unittest.TestCase):
                 self.assertEqual((process["pid"], process["start"], process["isCertain"]),
                                  (expected, start(expected), True))
                 self.assertEqual(process["space"], os.stat("/proc/self/ns/pid").st_ino)
+        subprocess.run(["timeout", "20", TOOL, "codex"], input=STOP, check=True,
+                       env=dict(self.environment, PATH=os.environ["PATH"]))
+        process = json.loads(self.received(application))["process"]
+        self.assertNotEqual(process["pid"], os.getpid())
+        self.assertNotIn("isCertain", process)
 
     def test_passes_on_what_its_input_says_beside_the_activity(self):
         application = self.application()

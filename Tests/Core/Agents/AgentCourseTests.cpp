@@ -92,6 +92,10 @@ TEST(AgentCourse, BelievesWhatIsSeenTwice)
     EXPECT_EQ(judged(course, says(waitingForApproval), working, noon + 30s), "") << "another word";
     course.take(event(AgentSignal::working, noon + 31s), nullptr);
     EXPECT_EQ(judged(course, says(waitingForApproval), working, noon + 40s), "") << "an event in between";
+    course.take(event(AgentSignal::working), nullptr);
+    EXPECT_EQ(judged(course, says(idle), working, noon + 4000s), "");
+    EXPECT_EQ(judged(course, says(idle), working, noon + 400s), "") << "the clock was set back";
+    EXPECT_EQ(judged(course, says(idle), working, noon + 410s), "idle");
 }
 
 TEST(AgentCourse, EndsTheSessionOfAProcessThatHasOutlivedAHook)
