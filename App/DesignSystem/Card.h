@@ -13,7 +13,6 @@ public:
     explicit Card(const Theme& theme);
 
     /// Above `row` there is a line, unless it is the first that is shown.
-
     template <class Row> Row& add(Row* row) { return added(*layout_, row); }
 
 protected:

@@ -25,7 +25,6 @@ private:
     void layOut(double width, QTextOption::WrapMode mode);
     QVector<QTextLayout::FormatRange> cells(double tracking) const;
     double lead(const QTextLine& line) const;
-
     double lineHeight(const QTextLine& line) const;
 
     /// Fonts come in whole pixels only: others are laid out this many times as large, and drawn that much smaller.

@@ -181,8 +181,13 @@ namespace {
         }
         const auto state = QAccessible::queryAccessibleInterface(lid)->state();
         EXPECT_TRUE(state.checkable && state.checked);
-        QAccessible::queryAccessibleInterface(&stepper)->actionInterface()->doAction(
-            QAccessibleActionInterface::increaseAction());
+        std::string steps;
+        stepper.onIncrement = [&] { steps += "+"; };
+        stepper.onDecrement = [&] { steps += "-"; };
+        auto* actions = QAccessible::queryAccessibleInterface(&stepper)->actionInterface();
+        actions->doAction(QAccessibleActionInterface::increaseAction());
+        actions->doAction(QAccessibleActionInterface::decreaseAction());
+        EXPECT_EQ(steps, "+-");
     }
 
     TEST_F(Controls, TheFocusRingComesWithTheKeyboardAndGoesWithTheControl)

@@ -63,6 +63,18 @@ TEST_F(PanelFrameTest, TellsOfAnotherHeightAndOfClicksBesideTheContent)
     EXPECT_EQ(outside, 3);
 }
 
+TEST_F(PanelFrameTest, ScrollsWhatCannotBeLower)
+{
+    const auto size = frame.contentSize(60);
+    EXPECT_EQ(size.height(), 60);
+    frame.setGeometry(frame.frameAround({{100, 100}, size}));
+    frame.show();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(field->parentWidget()->height(), 100);
+    field->setFocus();
+    EXPECT_TRUE(frame.contentRect().contains(QRect{field->mapTo(&frame, QPoint{}), QSize{1, 1}}));
+}
+
 TEST_F(PanelFrameTest, FadesOutBeforeTheEdgeOfItsWindow)
 {
     const auto size = frame.contentSize(500);

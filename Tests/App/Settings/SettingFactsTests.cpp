@@ -44,6 +44,8 @@ TEST(UpdateFacts, SayHowItStandsAndWhatFollows)
     };
     for (const auto& [state, text, button, press] : std::vector<Row>{
              {update::Idle{}, "", "Check for Updates…", &AppUpdates::checkForUpdates},
+             {update::Checking{}, "Looking for a new version…", "Cancel", &AppUpdates::cancel},
+             {update::UpToDate{}, "Vespra is up to date.", "Check for Updates…", &AppUpdates::checkForUpdates},
              {update::Available{"2.0", "New"},
                  "Vespra 2.0 is available\nNew",
                  "Download and Install",

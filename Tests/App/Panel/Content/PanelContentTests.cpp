@@ -111,6 +111,18 @@ TEST_F(Panel, NamesWhatCanBeUsedInEveryState)
             }},
         {"no agent connected", [this] { prefer(SessionMode::agent); }},
         {"timer", [this] { model().toggleSession(); }},
+        {"running hot",
+            [this] {
+                model().toggleSession();
+                laptop.set({{"thermal", "serious"}});
+            }},
+        {"closed lid being checked",
+            [this] {
+                laptop.set({{"thermal", "nominal"}});
+                setHelper("stuck");
+                model().setClosedLid(true);
+                laptop.advance(1s);
+            }},
         {"awaiting approval",
             [this] {
                 model().toggleSession();
@@ -184,6 +196,11 @@ TEST_F(Panel, ScrollsNothingButTheAgents)
     EXPECT_EQ(content->height(), whole - 200);
     EXPECT_EQ(heights(), unlimited);
     EXPECT_GE(shown<AgentList>().front()->verticalScrollBar()->maximum(), 200);
+    EXPECT_TRUE(shown<AgentList>().front()->verticalScrollBar()->isVisible());
+    EXPECT_LT(content->minimumSizeHint().height(), whole - 200);
+    content->setMaximumHeight(content->minimumSizeHint().height());
+    settle();
+    EXPECT_EQ(heights(), unlimited) << "as low as it may be";
 }
 
 TEST_F(Panel, KeepsTheRowsOfAgentsAndCountsOnlyWhileItIsShown)
