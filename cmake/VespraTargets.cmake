@@ -70,6 +70,8 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Members with a default may be left out of a designated initialiser: that is what the defaults are for.
     add_compile_options(-Wno-missing-field-initializers)
+    # GCC 12 takes a text that is put before a string for an overlapping copy.
+    add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     add_compile_options(-Wno-missing-field-initializers)
     # The designated ones have a warning of their own in newer versions only.
