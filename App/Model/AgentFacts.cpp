@@ -12,17 +12,6 @@ namespace {
     /// What happened less long ago happened now.
     constexpr Seconds present = 5s;
 
-    std::string_view glyph(AgentKind kind)
-    {
-        switch (kind) {
-        case AgentKind::claudeCode:
-            return "CC";
-        case AgentKind::codex:
-            break;
-        }
-        return "CX";
-    }
-
     std::string text(AgentStatus status)
     {
         switch (status) {
@@ -50,6 +39,17 @@ namespace {
     }
 
 } // namespace
+
+std::string_view glyph(AgentKind kind)
+{
+    switch (kind) {
+    case AgentKind::claudeCode:
+        return "CC";
+    case AgentKind::codex:
+        break;
+    }
+    return "CX";
+}
 
 AgentStatus agentStatus(const AgentSession& session)
 {

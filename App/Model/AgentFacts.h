@@ -20,6 +20,9 @@ std::string sinceText(Seconds elapsed);
 /// How often that word changes.
 Seconds sinceStep(Seconds elapsed);
 
+/// Two letters in the place of the agent's picture.
+std::string_view glyph(AgentKind kind);
+
 /// The row of an agent's session.
 struct AgentLine {
     std::string_view glyph; // "CC"

@@ -87,10 +87,11 @@ int renderSurfaces(const RenderRequest& request)
 {
     auto chosen = scenes();
     const auto everything = names(chosen);
-    if (request.name && std::erase_if(chosen, [&](const Scene& scene) { return scene.name != *request.name; }) > 0)
-        if (chosen.empty())
-            return complain(
-                "there is no \"" + *request.name + "\"; there are: " + everything, ExitStatus::badArguments);
+    if (request.name)
+        std::erase_if(chosen, [&](const Scene& scene) { return scene.name != *request.name; });
+    if (chosen.empty())
+        return complain(
+            "there is no \"" + request.name.value_or("") + "\"; there are: " + everything, ExitStatus::badArguments);
     const QDir folder{QString::fromStdString(request.directory)};
     if (!folder.mkpath(QStringLiteral(".")))
         return complain("\"" + request.directory + "\" cannot be made", ExitStatus::failed);

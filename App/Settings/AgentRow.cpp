@@ -2,6 +2,7 @@
 #include "App/DesignSystem/Following.h"
 #include "App/DesignSystem/Glyph.h"
 #include "App/DesignSystem/SheetWindow.h"
+#include "App/Model/AgentFacts.h"
 #include "App/Settings/ConnectSheet.h"
 #include "App/Settings/RowView.h"
 #include "App/Settings/SpecialRows.h"
@@ -70,7 +71,7 @@ QWidget* makeAgentRow(const SettingsSurface& surface, AgentKind agent)
     auto& connects = added(*place, makeButton(surface, agent, ButtonKind::primary));
     auto& disconnects = added(*place, makeButton(surface, agent, ButtonKind::plain));
     auto* view = new RowView{surface.theme, std::string{displayName(agent)}, buttons};
-    view->setLeading(new Glyph{surface.theme, agent == AgentKind::claudeCode ? "CC" : "CX"});
+    view->setLeading(new Glyph{surface.theme, std::string{panelFacts::glyph(agent)}});
     auto* status = new Activity{surface.theme};
     view->addBelow(status);
     follow(*view, surface.theme, [&connects, &disconnects, status, agent, &model = surface.model] {

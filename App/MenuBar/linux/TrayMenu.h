@@ -90,8 +90,9 @@ private:
         bool operator==(const Row&) const = default;
     };
     static std::vector<Row> rowsFor(const std::vector<StatusMenuEntry>& entries);
-    const Row* row(int id) const;
     /// Null if there is none.
+    const Row* row(int id) const;
+    /// Absent if there is none.
     std::optional<QVariantMap> properties(int id) const;
 
     std::vector<Row> rows_;

@@ -15,11 +15,9 @@ EndActionCard::EndActionCard(const PanelContext& context)
     column->setContentsMargins({});
     auto& card = added(*column, new Card{context.theme});
     card.add(action_);
-    const auto title = localized("Skip this time");
-    card.add(new Row{context.theme, title, skips_});
+    card.add(new Row{context.theme, localized("Skip this time"), skips_});
 
     name_->setWordWrap(false);
-    skips_->setAccessibleName(qtText(title));
     skips_->onSwitch = [&model = context.model](bool isOn) { model.setSkipsForcedActionThisSession(isOn); };
 }
 

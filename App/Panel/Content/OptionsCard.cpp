@@ -11,11 +11,9 @@ OptionsCard::OptionsCard(const PanelContext& context)
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins({});
     auto& card = added(*column, new Card{context.theme});
-    const auto title = localized("Keep display on");
-    card.add(new Row{context.theme, title, display_});
+    card.add(new Row{context.theme, localized("Keep display on"), display_});
     card.add(new ClosedLidView{context});
 
-    display_->setAccessibleName(qtText(title));
     display_->onSwitch = [&model = context.model](bool isOn) { model.setKeepsDisplayAwake(isOn); };
 }
 
